@@ -1,0 +1,40 @@
+// Typed access to the pixels of a descriptor.
+#ifndef ZPA_SOURCE_INTERNAL_IMAGEVIEW_H
+#define ZPA_SOURCE_INTERNAL_IMAGEVIEW_H
+
+#include <Basics/CoreTypes.h>
+
+#include <cstddef>
+
+namespace ZPA {
+
+// Owns nothing, checks nothing.
+template <typename T> class ImageView {
+public:
+    explicit ImageView(ImageAttributes const& image)
+        : first_(static_cast<T*>(image.buffer)), width_(image.width), height_(image.height), stride_(image.stride) {}
+
+    std::ptrdiff_t Width() const { return width_; }
+    std::ptrdiff_t Height() const { return height_; }
+    std::ptrdiff_t Stride() const { return stride_; }     // in elements
+    T* Row(std::ptrdiff_t y) const { return first_ + y * stride_; }  // in ptrdiff_t: a large image must not overflow
+    bool IsContiguous() const { return stride_ == width_ || height_ == 1; }
+
+private:
+    T* first_;
+    std::ptrdiff_t width_;
+    std::ptrdiff_t height_;
+    std::ptrdiff_t stride_;
+};
+
+// True if rows of the image would share memory, or lie before its first pixel: no operation writes such an image.
+inline bool RowsOverlap(ImageAttributes const& image) { return image.height > 1 && image.stride < image.width; }
+
+// True if no operation reads such an image. Images of 8 bits and less may share memory between rows.
+inline bool RowsUnreadable(ImageAttributes const& image) {
+    return RowsOverlap(image) && (image.bitsperpixel > 8 || image.stride <= 0);
+}
+
+}  // namespace ZPA
+
+#endif

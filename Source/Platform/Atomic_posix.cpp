@@ -1,0 +1,10 @@
+// Counters that several threads change, on POSIX systems.
+#include "Source/Platform/Atomic.h"
+
+namespace ZPA {
+
+long InterlockedIncrease(long* counter) { return __atomic_add_fetch(counter, 1, __ATOMIC_ACQ_REL); }
+
+long InterlockedDecrease(long* counter) { return __atomic_sub_fetch(counter, 1, __ATOMIC_ACQ_REL); }
+
+}  // namespace ZPA

@@ -1,0 +1,12 @@
+// Counters that several threads change, on Windows.
+#include "Source/Platform/Atomic.h"
+
+#include <windows.h>
+
+namespace ZPA {
+
+long InterlockedIncrease(long* counter) { return InterlockedIncrement(counter); }
+
+long InterlockedDecrease(long* counter) { return InterlockedDecrement(counter); }
+
+}  // namespace ZPA

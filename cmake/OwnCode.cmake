@@ -1,0 +1,17 @@
+# How this project compiles its own code, tests and examples included.
+
+# Warnings, exact arithmetic and the chosen sanitizers for `target`.
+function(zpa_own_code target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wconversion
+        $<$<BOOL:${ZPA_WARNINGS_AS_ERRORS}>:-Werror>
+        # A product and a sum stay two roundings, so that every machine gives the same bits.
+        -ffp-contract=off
+        # What the library says of itself does not tell where it was built.
+        -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+    if(ZPA_SANITIZE)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${ZPA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        target_link_options(${target} PUBLIC -fsanitize=${ZPA_SANITIZE})
+    endif()
+endfunction()

@@ -1,0 +1,103 @@
+// Type codes, records and prepared outputs.
+#include <Basics/CoreTypes.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+TEST(SizeOfTypeCode, IsZeroForWhatIsNoType) {
+    for (int type = -1; type <= 20; ++type) {
+        int const expected = type == 5 || type == 6                 ? 1
+                             : type == 7 || type == 8               ? 2
+                             : type == 9 || type == 10 || type == 13 ? 4
+                             : type == 14                           ? 8
+                                                                    : 0;
+        EXPECT_EQ(SizeOfTypeCode(static_cast<eTypeCode>(type)), expected) << type;
+    }
+}
+
+TEST(ParseTypeCode, KnowsNamesInAnyCaseAndNothingElse) {
+    struct Case {
+        char const* name;
+        int type;
+    };
+    Case const cases[] = {{"UNSIGNED CHAR", 6}, {"char", 5},         {"Byte", 6},  {"signed char", 5}, {"short", 7},
+                          {"ushort", 8},        {"unsigned short", 8}, {"int", 9}, {"unsigned int", 10}, {"long", 9},
+                          {"unsigned long", 10}, {"float", 13},      {"double", 14}, {"Long Double", 14}, {"bool", 0},
+                          {"", 0},              {"shor", 0},         {"shorts", 0}, {" int", 0},        {nullptr, 0}};
+    for (Case const& each : cases) EXPECT_EQ(ParseTypeCode(each.name), each.type) << (each.name ? each.name : "null");
+}
+
+TEST(Point, ComparesExactly) {
+    EXPECT_TRUE(Point(1, 2) == Point(1.0, 2.0));
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(Point(nan, 0.0) == Point(nan, 0.0));
+    Point point;
+    point = APOINT(3, -4);
+    EXPECT_TRUE(point == Point(3, -4));
+}
+
+TEST(Rectangle, DropsTheStrideOfASize) {
+    Rectangle const rectangle(APOINT(1, 2), SSize(640, 480));
+    EXPECT_EQ(SSize(640, 480).stride, 640);
+    EXPECT_EQ(rectangle.x, 1);
+    EXPECT_EQ(rectangle.y, 2);
+    EXPECT_EQ(rectangle.width, 640);
+    EXPECT_EQ(rectangle.height, 480);
+}
+
+TEST(ValidateImageBuffer, CreatesZeroedOutputWithTheStrideOfTheSource) {
+    auto source = RandomImage<unsigned short>({5, 3, 8}, 1);
+    ImageAttributes output;
+    ASSERT_EQ(ValidateImageBuffer(source.Attributes(12, 7), &output), SOLVANE_OK);
+    EXPECT_EQ(output.type, eUInt16);
+    EXPECT_EQ(output.stride, 8);
+    EXPECT_EQ(output.bitsperpixel, 12);
+    EXPECT_EQ(output.pixelspacing, 7);
+    for (int i = 0; i < 8 * 3; ++i) EXPECT_EQ(static_cast<unsigned short*>(output.buffer)[i], 0);
+    FreePixels(output.buffer);
+}
+
+TEST(ValidateImageBuffer, RefusesInItsOrder) {
+    unsigned char a = 0, b = 0;
+    constexpr auto kInPlace = L"Output is NULL and in-place operation not supported";
+    constexpr auto kSizes = L"Source and destination image must be same size.";
+    struct Case {
+        char const* name;
+        ImageAttributes source, destination;
+        bool nullDestination;
+        int code;
+        std::wstring message;
+    };
+    Case const cases[] = {
+        {"null destination", {eByte, &a, 1, 1, 1, 8, 0}, {}, true, 4, kInPlace},
+        {"same pixels", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &a, 1, 1, 1, 8, 0}, false, 4, kInPlace},
+        {"both null", {eByte, nullptr, 1, 1, 1, 8, 0}, {}, false, 4, kInPlace},
+        {"width", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 2, 1, 2, 8, 0}, false, 4, kSizes},
+        {"height", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 1, 2, 1, 8, 0}, false, 4, kSizes},
+        {"other type and stride", {eByte, &a, 1, 1, 1, 8, 0}, {eDouble, &b, 1, 1, 9, 64, 0}, false, 0, L""},
+        {"too large", {eDouble, &a, 1, INT_MAX, INT_MAX, 64, 0}, {}, false, 1,
+         L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
+        {"negative", {eByte, &a, 1, -1, 1, 8, 0}, {}, false, 1,
+         L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
+    };
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        ImageAttributes destination = each.destination;
+        EXPECT_EQ(ValidateImageBuffer(each.source, each.nullDestination ? nullptr : &destination), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Code(), each.code);
+        EXPECT_EQ(destination.buffer, each.destination.buffer);
+    }
+}
+
+}  // namespace
+}  // namespace ZPA

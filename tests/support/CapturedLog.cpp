@@ -1,0 +1,73 @@
+// What the library logs while a test runs.
+#include "support/CapturedLog.h"
+
+#include <gtest/gtest.h>
+
+namespace ZPA::Testing {
+namespace {
+
+// Callbacks are plain functions, so what they hear stands here. The library calls one at a time.
+struct Heard {
+    std::vector<LogLine> errors, warnings, debug, info;
+};
+Heard heard;
+
+void HearError(wchar_t const* location, int code, wchar_t const* message) {
+    heard.errors.push_back({location, code, message});
+}
+void HearWarning(wchar_t const* location, int category, wchar_t const* message) {
+    heard.warnings.push_back({location, category, message});
+}
+void HearDebug(wchar_t const* location, int category, wchar_t const* message) {
+    heard.debug.push_back({location, category, message});
+}
+void HearInfo(wchar_t const* location, int category, wchar_t const* message) {
+    heard.info.push_back({location, category, message});
+}
+void Ignore(wchar_t const*, int, wchar_t const*) {}
+
+void SwitchAllOff() {
+    for (int category = 0; category < eLogAll; ++category) {
+        ZPA_Logging::EnableDebug(static_cast<LogCategory>(category), false);
+        ZPA_Logging::EnableLog(static_cast<LogCategory>(category), false);
+    }
+}
+
+// Tests that look at no log must not fill the machine's own.
+class QuietLog : public testing::Environment {
+public:
+    void SetUp() override {
+        ZPA_Logging::SetErrorCallback(Ignore);
+        ZPA_Logging::SetWarningCallback(Ignore);
+    }
+};
+[[maybe_unused]] auto* const quiet = testing::AddGlobalTestEnvironment(new QuietLog);
+
+}  // namespace
+
+CapturedLog::CapturedLog() {
+    heard = {};
+    ZPA_Logging::SetErrorCallback(HearError);
+    ZPA_Logging::SetWarningCallback(HearWarning);
+    ZPA_Logging::SetDebugCallback(HearDebug);
+    ZPA_Logging::SetInfoCallback(HearInfo);
+}
+
+CapturedLog::~CapturedLog() {
+    SwitchAllOff();
+    ZPA_Logging::SetErrorCallback(Ignore);
+    ZPA_Logging::SetWarningCallback(Ignore);
+    ZPA_Logging::SetDebugCallback(nullptr);
+    ZPA_Logging::SetInfoCallback(nullptr);
+}
+
+void CapturedLog::Debug(LogCategory category) { ZPA_Logging::EnableDebug(category, true); }
+std::vector<LogLine> const& CapturedLog::Errors() const { return heard.errors; }
+std::vector<LogLine> const& CapturedLog::Warnings() const { return heard.warnings; }
+std::vector<LogLine> const& CapturedLog::DebugLines() const { return heard.debug; }
+std::vector<LogLine> const& CapturedLog::InfoLines() const { return heard.info; }
+std::wstring CapturedLog::Text() const { return heard.errors.empty() ? std::wstring() : heard.errors.back().message; }
+int CapturedLog::Code() const { return heard.errors.empty() ? 0 : heard.errors.back().category; }
+void CapturedLog::Clear() { heard = {}; }
+
+}  // namespace ZPA::Testing

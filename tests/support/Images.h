@@ -1,0 +1,92 @@
+// Images of any shape and content for tests, with guards around them.
+#ifndef ZPA_TESTS_SUPPORT_IMAGES_H
+#define ZPA_TESTS_SUPPORT_IMAGES_H
+
+#include <Basics/CoreTypes.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <ostream>
+#include <random>
+#include <vector>
+
+#include "Source/Internal/Dispatch.h"
+
+namespace ZPA::Testing {
+
+struct Shape {
+    int width, height, stride;
+};
+inline std::ostream& operator<<(std::ostream& out, Shape const& shape) {
+    return out << shape.width << " x " << shape.height << ", stride " << shape.stride;
+}
+
+// Nothing, one, both sides of a vector, padded rows, more than any vector.
+inline constexpr Shape kShapes[] = {{1, 1, 1},   {1, 7, 3},   {7, 1, 7},   {15, 3, 15}, {16, 2, 16},  {17, 4, 20},
+                                    {63, 5, 63}, {64, 3, 65}, {65, 5, 80}, {99, 9, 99}, {131, 6, 200}};
+
+// An image with a run of guard elements before and behind it; its padding is filled as its pixels are.
+template <typename T> struct TestImage {
+    static constexpr std::size_t kGuard = 64;
+    static constexpr unsigned char kGuardByte = 0xA5;
+
+    Shape shape;
+    std::vector<T> memory;
+
+    explicit TestImage(Shape itsShape)
+        : shape(itsShape), memory(2 * kGuard + static_cast<std::size_t>(itsShape.stride) *
+                                                   static_cast<std::size_t>(itsShape.height)) {
+        std::memset(memory.data(), kGuardByte, memory.size() * sizeof(T));
+    }
+
+    T* Pixels() { return memory.data() + kGuard; }
+    T const* Pixels() const { return memory.data() + kGuard; }
+    std::size_t Size() const { return memory.size() - 2 * kGuard; }
+    T& At(int x, int y) { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
+    T const& At(int x, int y) const { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
+
+    ImageAttributes Attributes(int bitsperpixel = 8 * static_cast<int>(sizeof(T)), int pixelspacing = 0) {
+        return {TypeCodeOf<T>, Pixels(), shape.width, shape.height, shape.stride, bitsperpixel, pixelspacing};
+    }
+    // Bit for bit, guards and padding included: not-a-number equals itself, and -0.0 is not 0.0.
+    bool operator==(TestImage const& other) const {
+        return memory.size() == other.memory.size() &&
+               std::memcmp(memory.data(), other.memory.data(), memory.size() * sizeof(T)) == 0;
+    }
+};
+
+template <typename T> T RandomElement(std::mt19937& random) {
+    if constexpr (std::is_floating_point_v<T>) {
+        std::uniform_real_distribution<double> any(-300.0, 70000.0);
+        return static_cast<T>(any(random));
+    } else {
+        return static_cast<T>(random());
+    }
+}
+
+// All elements of the block at random, padding included.
+template <typename T> TestImage<T> RandomImage(Shape shape, unsigned seed) {
+    std::mt19937 random(seed);
+    TestImage<T> image(shape);
+    for (std::size_t i = 0; i < image.Size(); ++i) image.Pixels()[i] = RandomElement<T>(random);
+    return image;
+}
+
+// Half of it zero, the rest any other value.
+inline TestImage<unsigned char> RandomMask(Shape shape, unsigned seed) {
+    auto mask = RandomImage<unsigned char>(shape, seed);
+    for (std::size_t i = 0; i < mask.Size(); ++i)
+        if (mask.Pixels()[i] & 1) mask.Pixels()[i] = 0;
+    return mask;
+}
+
+// A description without pixels: getting past the checks would crash.
+inline ImageAttributes Described(eTypeCode type, int width, int height, int stride) {
+    return {type, nullptr, width, height, stride, 0, 0};
+}
+
+}  // namespace ZPA::Testing
+
+#endif

@@ -1,0 +1,36 @@
+// Runs a check once for every instruction set of the machine, and once without any.
+#ifndef ZPA_TESTS_SUPPORT_SIMDTARGETS_H
+#define ZPA_TESTS_SUPPORT_SIMDTARGETS_H
+
+#include <gtest/gtest.h>
+#include <hwy/highway.h>
+#include <omp.h>
+
+namespace ZPA::Testing {
+
+// The kernels inside the library follow, since the choice of instruction set is shared by the whole process.
+template <typename Check> void ForEachSimdTarget(Check const& check) {
+    for (std::int64_t const target : hwy::SupportedAndGeneratedTargets()) {
+        SCOPED_TRACE(hwy::TargetName(target));
+        hwy::SetSupportedTargetsForTest(target);
+        hwy::GetChosenTarget().Update(target);
+        check();
+    }
+    hwy::SetSupportedTargetsForTest(0);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+}
+
+// Runs a check with 1, 2 and 5 threads.
+template <typename Check> void ForEachThreadCount(Check const& check) {
+    int const usual = omp_get_max_threads();
+    for (int const threads : {1, 2, 5}) {
+        SCOPED_TRACE(testing::Message() << threads << " threads");
+        omp_set_num_threads(threads);
+        check();
+    }
+    omp_set_num_threads(usual);
+}
+
+}  // namespace ZPA::Testing
+
+#endif
