@@ -12,7 +12,7 @@ namespace {
 
 // Records pass by value across a C boundary.
 template <typename Record>
-constexpr bool kIsPlain = std::is_trivially_copyable_v<Record> && std::is_standard_layout_v<Record>;
+constexpr bool kIsPlain = std::is_trivially_copyable_v<Record>&& std::is_standard_layout_v<Record>;
 static_assert(kIsPlain<ImageAttributes> && kIsPlain<BufferAttributes>);
 static_assert(kIsPlain<APOINT> && kIsPlain<SSize> && kIsPlain<Rectangle> && kIsPlain<Point>);
 static_assert(kIsPlain<BladeInfo> && kIsPlain<Boundary>);
@@ -56,10 +56,20 @@ eTypeCode ParseTypeCode(char const* name) {
         eTypeCode type;
     };
     static constexpr Named kNames[] = {
-        {"unsigned char", eByte}, {"char", eSByte},           {"byte", eByte},    {"signed char", eSByte},
-        {"short", eInt16},        {"ushort", eUInt16},        {"unsigned short", eUInt16},
-        {"int", eInt32},          {"unsigned int", eUInt32},  {"long", eInt32},   {"unsigned long", eUInt32},
-        {"float", eSingle},       {"double", eDouble},        {"long double", eDouble},
+        {"unsigned char", eByte},
+        {"char", eSByte},
+        {"byte", eByte},
+        {"signed char", eSByte},
+        {"short", eInt16},
+        {"ushort", eUInt16},
+        {"unsigned short", eUInt16},
+        {"int", eInt32},
+        {"unsigned int", eUInt32},
+        {"long", eInt32},
+        {"unsigned long", eUInt32},
+        {"float", eSingle},
+        {"double", eDouble},
+        {"long double", eDouble},
     };
     if (!name) return eUnknown;
     for (Named const& known : kNames)

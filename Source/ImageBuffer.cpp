@@ -24,7 +24,8 @@ bool IsGoodShape(int width, int height, int stride, int bitsperpixel) {
 std::int64_t Product(int height, int stride) { return std::int64_t{height} * stride; }
 
 // Elements from new[], traced; `count` is what the trace tells. Throws `failure` when there is no memory.
-template <typename T> T* Allocate(ISolvane_Object const* object, std::uint64_t elements, long count, char const* failure) {
+template <typename T>
+T* Allocate(ISolvane_Object const* object, std::uint64_t elements, long count, char const* failure) {
     T* const block = count < 0 ? nullptr : AllocateElements<T>(elements);
     if (!block) {
         (void)Fail(SOLVANE_OUT_OF_MEMORY, L"Memory allocation failed for %d bytes.",
@@ -36,7 +37,8 @@ template <typename T> T* Allocate(ISolvane_Object const* object, std::uint64_t e
 }
 
 template <typename T> void Free(ISolvane_Object const* object, T* block, std::int64_t count) {
-    Trace(eLogMemory, L"de-allocating(object=%08p,pointer=%08p,size=%ld)", object, block, static_cast<long>(count));
+    Trace(eLogMemory, L"de-allocating(object=%08p,pointer=%08p,size=%ld)", object, block,
+          static_cast<long>(count));
     delete[] block;
 }
 
@@ -69,8 +71,8 @@ template <typename T> void Count(ImageView<T const> const& pixels, ULong32* coun
 template <typename T> ZPA_Image<T>::ZPA_Image() : owner_(false), allocated_(-1) { SetType(); }
 
 template <typename T>
-ZPA_Image<T>::ZPA_Image(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner,
-                        bool clear)
+ZPA_Image<T>::ZPA_Image(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
+                        bool owner, bool clear)
     : ZPA_Image() {
     Initialize(buffer, width, height, stride, bitsperpixel, pixelspacing, owner, clear);
 }
@@ -85,20 +87,24 @@ template <typename T> ZPA_Image<T>::~ZPA_Image() { Clean(); }
 template <typename T>
 void ZPA_Image<T>::SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
                             bool owner, bool clear) {
-    Trace(eLogImage,
-          L"SetImage called. buffer=%08p,width=%d,height=%d,stride=%d,bitsperpixel=%d,pixelspacing=%d,owner=%d", buffer,
-          width, height, stride, bitsperpixel, pixelspacing, owner);
+    Trace(
+        eLogImage,
+        L"SetImage called. buffer=%08p,width=%d,height=%d,stride=%d,bitsperpixel=%d,pixelspacing=%d,owner=%d",
+        buffer, width, height, stride, bitsperpixel, pixelspacing, owner);
     T* const present = GetBufferPtr();
-    if (!buffer && present && owner_ && Product(height, stride) == Product(attributes_.height, attributes_.stride)) {
+    if (!buffer && present && owner_ &&
+        Product(height, stride) == Product(attributes_.height, attributes_.stride)) {
         if (!IsGoodShape(width, height, stride, bitsperpixel)) throw std::runtime_error(kBadDimensions);
         // Rows wider than the stride need more memory than the product tells.
         if (stride >= width) {
-            attributes_ = ImageAttributes(attributes_.type, present, width, height, stride, bitsperpixel, pixelspacing);
+            attributes_ =
+                ImageAttributes(attributes_.type, present, width, height, stride, bitsperpixel, pixelspacing);
             if (clear) std::memset(present, 0, static_cast<std::size_t>(Product(height, stride)) * sizeof(T));
             return;
         }
     }
-    if (buffer && buffer == present) return ChangeImageAttributes(width, height, stride, bitsperpixel, pixelspacing);
+    if (buffer && buffer == present)
+        return ChangeImageAttributes(width, height, stride, bitsperpixel, pixelspacing);
     Clean();
     Initialize(buffer, width, height, stride, bitsperpixel, pixelspacing, owner, clear);
 }
@@ -119,11 +125,12 @@ template <typename T> void ZPA_Image<T>::Disown() { owner_ = false; }
 template <typename T> ZPA_Image<T>::operator ImageAttributes() const { return attributes_; }
 
 template <typename T>
-void ZPA_Image<T>::ChangeImageAttributes(int width, int height, int stride, int bitsperpixel, int pixelspacing) {
+void ZPA_Image<T>::ChangeImageAttributes(int width, int height, int stride, int bitsperpixel,
+                                         int pixelspacing) {
     if (!attributes_.buffer || (allocated_ != -1 && Product(height, stride) > allocated_))
         throw std::runtime_error("ZPA::ZPA_Image.ChangeImageAttributes() : Invalid buffer attributes.");
-    attributes_ =
-        ImageAttributes(attributes_.type, attributes_.buffer, width, height, stride, bitsperpixel, pixelspacing);
+    attributes_ = ImageAttributes(attributes_.type, attributes_.buffer, width, height, stride, bitsperpixel,
+                                  pixelspacing);
 }
 
 template <typename T> ZPA_Ptr<IZPA_Buffer<ULong32>> ZPA_Image<T>::GetHistogram() const {
@@ -142,11 +149,12 @@ template <typename T> ZPA_Ptr<IZPA_Buffer<ULong32>> ZPA_Image<T>::GetHistogram()
 template <typename T> void ZPA_Image<T>::SetType() { attributes_.type = TypeCodeOf<T>; }
 
 template <typename T>
-void ZPA_Image<T>::Initialize(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
-                              bool owner, bool clear) {
+void ZPA_Image<T>::Initialize(T* buffer, int width, int height, int stride, int bitsperpixel,
+                              int pixelspacing, bool owner, bool clear) {
     if (stride == 0) stride = width;
     if (!IsGoodShape(width, height, stride, bitsperpixel)) throw std::runtime_error(kBadDimensions);
-    attributes_ = ImageAttributes(attributes_.type, buffer, width, height, stride, bitsperpixel, pixelspacing);
+    attributes_ =
+        ImageAttributes(attributes_.type, buffer, width, height, stride, bitsperpixel, pixelspacing);
     allocated_ = -1;
     owner_ = owner;
     if (buffer) return;
@@ -210,7 +218,8 @@ template <typename T> void ZPA_Buffer<T>::Initialize(T* buffer, int size, bool o
     if (buffer) return;
 
     auto const elements = static_cast<std::uint64_t>(size);
-    attributes_.buffer = Allocate<T>(this, elements, size, "ZPA_Buffer<T>::Initialize memory allocation failure");
+    attributes_.buffer =
+        Allocate<T>(this, elements, size, "ZPA_Buffer<T>::Initialize memory allocation failure");
     std::memset(attributes_.buffer, 0, elements * sizeof(T));
     allocated_ = size;
     owner_ = true;
@@ -222,12 +231,12 @@ template <typename T> void ZPA_Buffer<T>::Clean() {
     attributes_.buffer = nullptr;
 }
 
-#define ZPA_DEFINED_HERE(T)                \
+#define ZPA_DEFINED_HERE(T)                         \
     template class ZPA_INSTANCE_API IZPA_Buffer<T>; \
     template class ZPA_INSTANCE_API ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
-#define ZPA_DEFINED_HERE(T)               \
+#define ZPA_DEFINED_HERE(T)                        \
     template class ZPA_INSTANCE_API IZPA_Image<T>; \
     template class ZPA_INSTANCE_API ZPA_Image<T>;
 ZPA_FOR_IMAGE_ELEMENTS_(ZPA_DEFINED_HERE)

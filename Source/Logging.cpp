@@ -24,7 +24,8 @@ constexpr auto kSourceKey = L"SYSTEM\\CurrentControlSet\\Services\\EventLog\\App
 constexpr auto kFilterKey = L"SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application\\SOLVANE_IPL";
 constexpr auto kTypesSupported = L"TypesSupported";
 
-// One flag a category. Relaxed order is enough: setting flags belongs to set-up, and a line more or less is no fault.
+// One flag a category. Relaxed order is enough: setting flags belongs to set-up, and a line more or less is
+// no fault.
 using Flags = std::atomic<bool>[kCategories];
 using Callback = std::atomic<LogCallback>;
 
@@ -60,12 +61,13 @@ SOLVANE_RETURNCODE Enable(Flags& flags, LogCategory category, bool enabled) {
         return SOLVANE_OK;
     }
     for (int each = 0; each < kCategories; ++each)
-        if (each != 1 && each != eLogMemory && each != eLogDump) flags[each].store(enabled, std::memory_order_relaxed);
+        if (each != 1 && each != eLogMemory && each != eLogDump)
+            flags[each].store(enabled, std::memory_order_relaxed);
     return SOLVANE_OK;
 }
 
-// "name.ext(line)". Two parts that would not fit together give way to a shorter stem and a null extension, which
-// prints as one.
+// "name.ext(line)". Two parts that would not fit together give way to a shorter stem and a null extension,
+// which prints as one.
 void FormLocation(wchar_t* text, wchar_t const* source, int line) {
     constexpr std::size_t kPart = 256;
     constexpr std::size_t kLineSize = 13;
@@ -117,7 +119,8 @@ void RegisterSource(EventLog& events) {
         constexpr std::uint32_t kPathLimit = 0x1FFF;
         constexpr std::uint32_t kAllTypes = 7;
         std::wstring const path = events.ModulePath(kPathLimit);
-        // The size counts characters where bytes are meant, which stores half the path; readers are used to it.
+        // The size counts characters where bytes are meant, which stores half the path; readers are used to
+        // it.
         events.SetText(key, L"EventMessageFile", path.c_str(), static_cast<std::uint32_t>(path.size() + 1));
         events.SetNumber(key, kTypesSupported, kAllTypes);
     }
@@ -139,7 +142,8 @@ void WriteEvent(Event const& event, int category, wchar_t const* message) noexce
     AutoCriticalSection const guard(&state.lock);
     if (!state.source) RegisterSource(*state.events);
     if ((types & event.filterBit) != 0 && state.source)
-        state.events->Report(state.source, event.type, static_cast<std::uint16_t>(category), event.id, message);
+        state.events->Report(state.source, event.type, static_cast<std::uint16_t>(category), event.id,
+                             message);
 } catch (...) {
     // Out of memory: the text is lost, as with any failure of the event log.
 }
@@ -174,7 +178,8 @@ void UseEventLog(EventLog& log) {
     state.events = &log;
 }
 
-SOLVANE_RETURNCODE ZPA_Logging::LogError(wchar_t const* source, int line, int code, wchar_t const* format, ...) {
+SOLVANE_RETURNCODE ZPA_Logging::LogError(wchar_t const* source, int line, int code, wchar_t const* format,
+                                         ...) {
     std::va_list values;
     va_start(values, format);
     Report(state.error, kError, code, source, line, format, &values);
@@ -191,8 +196,8 @@ SOLVANE_RETURNCODE ZPA_Logging::LogWarning(wchar_t const* source, int line, LogC
     return SOLVANE_OK;
 }
 
-SOLVANE_RETURNCODE ZPA_Logging::LogInfo(wchar_t const* source, int line, LogCategory category, wchar_t const* format,
-                                        ...) {
+SOLVANE_RETURNCODE ZPA_Logging::LogInfo(wchar_t const* source, int line, LogCategory category,
+                                        wchar_t const* format, ...) {
     std::va_list values;
     va_start(values, format);
     Tell(state.info, state.logFlags, category, source, line, format, &values);
@@ -200,8 +205,8 @@ SOLVANE_RETURNCODE ZPA_Logging::LogInfo(wchar_t const* source, int line, LogCate
     return SOLVANE_OK;
 }
 
-SOLVANE_RETURNCODE ZPA_Logging::LogDebug(wchar_t const* source, int line, LogCategory category, wchar_t const* format,
-                                         ...) {
+SOLVANE_RETURNCODE ZPA_Logging::LogDebug(wchar_t const* source, int line, LogCategory category,
+                                         wchar_t const* format, ...) {
     std::va_list values;
     va_start(values, format);
     Tell(state.debug, state.debugFlags, category, source, line, format, &values);
@@ -232,7 +237,9 @@ SOLVANE_RETURNCODE ZPA_Logging::EnableDebug(LogCategory category, bool enabled) 
     return Enable(state.debugFlags, category, enabled);
 }
 
-bool ZPA_Logging::IsLogEnabled(LogCategory category) { return Get(state.info) && IsSet(state.logFlags, category); }
+bool ZPA_Logging::IsLogEnabled(LogCategory category) {
+    return Get(state.info) && IsSet(state.logFlags, category);
+}
 
 bool ZPA_Logging::IsDebugEnabled(LogCategory category) {
     return Get(state.debug) && IsSet(state.debugFlags, category);
@@ -259,11 +266,12 @@ SOLVANE_RETURNCODE ZPA_Logging::SetDebugCallback(LogCallback callback) {
 }
 
 SOLVANE_RETURNCODE LogMemoryError(wchar_t const* source, int line, wchar_t const* context, int bytes) {
-    return ZPA_Logging::LogError(source, line, SOLVANE_OUT_OF_MEMORY, L"%s: Memory allocation failed for %d bytes.",
-                                 context, bytes);
+    return ZPA_Logging::LogError(source, line, SOLVANE_OUT_OF_MEMORY,
+                                 L"%s: Memory allocation failed for %d bytes.", context, bytes);
 }
 
-EntryExitLogging::EntryExitLogging(wchar_t const* name, LogCategory category) : category_(category), name_(name) {
+EntryExitLogging::EntryExitLogging(wchar_t const* name, LogCategory category)
+    : category_(category), name_(name) {
     if (ZPA_Logging::IsDebugEnabled(category_))
         ZPA_Logging::LogDebug(nullptr, 0, category_, L"Entering function %s", name_);
 }
@@ -281,7 +289,8 @@ EntryExitLogging::EntryExitLogging(wchar_t const* name, LogCategory category, wc
             FormatWide(details.get(), size, format, values);
             va_end(values);
         } else {
-            LogMemoryError(ZPA_LOG_HERE, L"EntryExitLogging constructor", static_cast<int>(size * sizeof(wchar_t)));
+            LogMemoryError(ZPA_LOG_HERE, L"EntryExitLogging constructor",
+                           static_cast<int>(size * sizeof(wchar_t)));
         }
     }
     if (details)
@@ -299,7 +308,8 @@ EntryExitLogging::~EntryExitLogging() {
     }
 }
 
-CodeBlockTimer::CodeBlockTimer(TIMING_LOGGING_LEVEL level, wchar_t const* format, ...) : start_(0), level_(level) {
+CodeBlockTimer::CodeBlockTimer(TIMING_LOGGING_LEVEL level, wchar_t const* format, ...)
+    : start_(0), level_(level) {
     if (format) {
         constexpr std::size_t kConversion = 512;
         std::size_t size = 1;
@@ -313,7 +323,8 @@ CodeBlockTimer::CodeBlockTimer(TIMING_LOGGING_LEVEL level, wchar_t const* format
             va_end(values);
             name_ = name.get();
         } catch (std::bad_alloc const&) {
-            LogMemoryError(ZPA_LOG_HERE, L"CodeBlockTimer constructor", static_cast<int>(size * sizeof(wchar_t)));
+            LogMemoryError(ZPA_LOG_HERE, L"CodeBlockTimer constructor",
+                           static_cast<int>(size * sizeof(wchar_t)));
         }
     }
     start_ = std::clock();  // last, so that forming the name is not measured

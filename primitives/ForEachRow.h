@@ -9,8 +9,8 @@
 
 namespace ZPA {
 
-// Below this much work, waking threads costs more than it saves. Counted in bytes moved, or in what takes as long;
-// benchmarks/ForEachRow.cpp found it.
+// Below this much work, waking threads costs more than it saves. Counted in bytes moved, or in what takes as
+// long; benchmarks/ForEachRow.cpp found it.
 inline constexpr std::int64_t kParallelWork = std::int64_t{1} << 22;
 
 // Calls work(y) once for every row, in any order and on any thread: rows must not depend on each other.

@@ -14,11 +14,11 @@ using namespace Testing;
 
 TEST(SizeOfTypeCode, IsZeroForWhatIsNoType) {
     for (int type = -1; type <= 20; ++type) {
-        int const expected = type == 5 || type == 6                 ? 1
-                             : type == 7 || type == 8               ? 2
+        int const expected = type == 5 || type == 6                  ? 1
+                             : type == 7 || type == 8                ? 2
                              : type == 9 || type == 10 || type == 13 ? 4
-                             : type == 14                           ? 8
-                                                                    : 0;
+                             : type == 14                            ? 8
+                                                                     : 0;
         EXPECT_EQ(SizeOfTypeCode(static_cast<eTypeCode>(type)), expected) << type;
     }
 }
@@ -28,11 +28,14 @@ TEST(ParseTypeCode, KnowsNamesInAnyCaseAndNothingElse) {
         char const* name;
         int type;
     };
-    Case const cases[] = {{"UNSIGNED CHAR", 6}, {"char", 5},         {"Byte", 6},  {"signed char", 5}, {"short", 7},
-                          {"ushort", 8},        {"unsigned short", 8}, {"int", 9}, {"unsigned int", 10}, {"long", 9},
-                          {"unsigned long", 10}, {"float", 13},      {"double", 14}, {"Long Double", 14}, {"bool", 0},
-                          {"", 0},              {"shor", 0},         {"shorts", 0}, {" int", 0},        {nullptr, 0}};
-    for (Case const& each : cases) EXPECT_EQ(ParseTypeCode(each.name), each.type) << (each.name ? each.name : "null");
+    Case const cases[] = {
+        {"UNSIGNED CHAR", 6}, {"char", 5},         {"Byte", 6},           {"signed char", 5},
+        {"short", 7},         {"ushort", 8},       {"unsigned short", 8}, {"int", 9},
+        {"unsigned int", 10}, {"long", 9},         {"unsigned long", 10}, {"float", 13},
+        {"double", 14},       {"Long Double", 14}, {"bool", 0},           {"", 0},
+        {"shor", 0},          {"shorts", 0},       {" int", 0},           {nullptr, 0}};
+    for (Case const& each : cases)
+        EXPECT_EQ(ParseTypeCode(each.name), each.type) << (each.name ? each.name : "null");
 }
 
 TEST(Point, ComparesExactly) {
@@ -83,9 +86,17 @@ TEST(ValidateImageBuffer, RefusesInItsOrder) {
         {"width", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 2, 1, 2, 8, 0}, false, 4, kSizes},
         {"height", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 1, 2, 1, 8, 0}, false, 4, kSizes},
         {"other type and stride", {eByte, &a, 1, 1, 1, 8, 0}, {eDouble, &b, 1, 1, 9, 64, 0}, false, 0, L""},
-        {"too large", {eDouble, &a, 1, INT_MAX, INT_MAX, 64, 0}, {}, false, 1,
+        {"too large",
+         {eDouble, &a, 1, INT_MAX, INT_MAX, 64, 0},
+         {},
+         false,
+         1,
          L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
-        {"negative", {eByte, &a, 1, -1, 1, 8, 0}, {}, false, 1,
+        {"negative",
+         {eByte, &a, 1, -1, 1, 8, 0},
+         {},
+         false,
+         1,
          L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
     };
     for (Case const& each : cases) {

@@ -6,8 +6,8 @@
 
 namespace ZPA {
 
-// The only table from C++ type to type code: a line per type. `long` counts where it has 32 bits; where it has 64, no
-// element type has its size.
+// The only table from C++ type to type code: a line per type. `long` counts where it has 32 bits; where it
+// has 64, no element type has its size.
 template <typename T> inline constexpr eTypeCode TypeCodeOf = eUnknown;
 template <> inline constexpr eTypeCode TypeCodeOf<char> = eSByte;
 template <> inline constexpr eTypeCode TypeCodeOf<signed char> = eSByte;
@@ -21,9 +21,7 @@ template <> inline constexpr eTypeCode TypeCodeOf<unsigned long> = sizeof(long) 
 template <> inline constexpr eTypeCode TypeCodeOf<float> = eSingle;
 template <> inline constexpr eTypeCode TypeCodeOf<double> = eDouble;
 
-template <typename T> struct Element {
-    using type = T;
-};
+template <typename T> struct Element { using type = T; };
 
 // Runs core(Element<T>) for the served T that `type` names, or else otherwise().
 template <typename... Served, typename Core, typename Otherwise>

@@ -1,5 +1,5 @@
-// The one place that prints a message format. Platforms disagree about %s in wide formats, about text that does not
-// fit and about bytes that are no characters, so only numbers are left to the platform's printing.
+// The one place that prints a message format. Platforms disagree about %s in wide formats, about text that
+// does not fit and about bytes that are no characters, so only numbers are left to the platform's printing.
 #include "Source/Internal/FormatWide.h"
 
 #include <algorithm>
@@ -79,7 +79,8 @@ int ReadNumber(wchar_t const*& at, Values& values) {
         return std::clamp(values.Next<int>(), -kWidest, kWidest);
     }
     int number = 0;
-    for (; *at >= L'0' && *at <= L'9'; ++at) number = std::min(number * 10 + static_cast<int>(*at - L'0'), kWidest);
+    for (; *at >= L'0' && *at <= L'9'; ++at)
+        number = std::min(number * 10 + static_cast<int>(*at - L'0'), kWidest);
     return number;
 }
 
@@ -95,9 +96,9 @@ Length ReadLength(wchar_t const*& at) {
         Length length;
     };
     static constexpr Word kWords[] = {
-        {L"hh", Length::HalfHalf}, {L"h", Length::Half},     {L"ll", Length::LongLong},
-        {L"l", Length::Long},      {L"w", Length::Long},     {L"I64", Length::LongLong},
-        {L"I32", Length::None},    {L"I", Length::Size},     {L"j", Length::IntMax},
+        {L"hh", Length::HalfHalf}, {L"h", Length::Half},       {L"ll", Length::LongLong},
+        {L"l", Length::Long},      {L"w", Length::Long},       {L"I64", Length::LongLong},
+        {L"I32", Length::None},    {L"I", Length::Size},       {L"j", Length::IntMax},
         {L"z", Length::Size},      {L"t", Length::Difference}, {L"L", Length::LongDouble},
     };
     for (Word const& word : kWords)
@@ -123,7 +124,8 @@ Conversion ReadConversion(wchar_t const*& at, Values& values) {
     return conversion;
 }
 
-template <typename Char> void PutText(Writer& writer, Conversion const& conversion, std::basic_string_view<Char> text) {
+template <typename Char>
+void PutText(Writer& writer, Conversion const& conversion, std::basic_string_view<Char> text) {
     auto const width = static_cast<std::size_t>(conversion.width);
     std::size_t const padding = width > text.size() ? width - text.size() : 0;
     if (!conversion.LeftAligned()) writer.Fill(padding);
@@ -147,9 +149,10 @@ void PutNumber(Writer& writer, Conversion const& conversion, char const* length,
     char digits[2 * kWidest];
     std::snprintf(format, sizeof format, "%%%s*.*%s%c", conversion.flags.c_str(), length,
                   static_cast<char>(conversion.letter));
-    int const size = std::snprintf(digits, sizeof digits, format, conversion.width, conversion.precision, value);
-    writer.Put(std::string_view(digits, std::min<std::size_t>(static_cast<std::size_t>(std::max(size, 0)),
-                                                              sizeof digits - 1)));
+    int const size =
+        std::snprintf(digits, sizeof digits, format, conversion.width, conversion.precision, value);
+    writer.Put(std::string_view(
+        digits, std::min<std::size_t>(static_cast<std::size_t>(std::max(size, 0)), sizeof digits - 1)));
 }
 
 std::intmax_t NextSigned(Values& values, Length length) {
@@ -195,7 +198,8 @@ std::uintmax_t NextUnsigned(Values& values, Length length) {
 void PutPointer(Writer& writer, Conversion const& conversion, void const* pointer) {
     char digits[2 * sizeof(void*) + 1];
     auto value = reinterpret_cast<std::uintptr_t>(pointer);
-    for (std::size_t digit = 2 * sizeof(void*); digit-- > 0; value >>= 4) digits[digit] = "0123456789ABCDEF"[value & 15];
+    for (std::size_t digit = 2 * sizeof(void*); digit-- > 0; value >>= 4)
+        digits[digit] = "0123456789ABCDEF"[value & 15];
     PutText(writer, conversion, std::string_view(digits, 2 * sizeof(void*)));
 }
 

@@ -15,7 +15,8 @@ namespace ZPA {
 // Logs the message, from memory that is at hand, and returns the code.
 template <typename... Values>
 [[nodiscard]] SOLVANE_RETURNCODE Fail(SOLVANE_RETURNCODE code, Message message, Values... values) {
-    return ZPA_Logging::LogError(WideFileName(message.file).Text(), message.line, code, message.format, values...);
+    return ZPA_Logging::LogError(WideFileName(message.file).Text(), message.line, code, message.format,
+                                 values...);
 }
 
 // A number of bytes for "%d": the largest int where it is larger.
@@ -23,11 +24,12 @@ inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX :
 
 // Logs a failed allocation and returns its code. The context is the message's text.
 [[nodiscard]] inline SOLVANE_RETURNCODE FailMemory(Message context, std::uint64_t bytes) {
-    return LogMemoryError(WideFileName(context.file).Text(), context.line, context.format, LoggedBytes(bytes));
+    return LogMemoryError(WideFileName(context.file).Text(), context.line, context.format,
+                          LoggedBytes(bytes));
 }
 
-// Runs the body within a scope of the log, which `scope` are the constructor's arguments of. No exception leaves: not
-// the body's, and not that of a callback that throws while the first one is reported.
+// Runs the body within a scope of the log, which `scope` are the constructor's arguments of. No exception
+// leaves: not the body's, and not that of a callback that throws while the first one is reported.
 template <typename Body, typename... Scope>
 SOLVANE_RETURNCODE GuardedScope(Body const& body, Scope... scope) noexcept {
     try {

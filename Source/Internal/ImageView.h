@@ -12,12 +12,17 @@ namespace ZPA {
 template <typename T> class ImageView {
 public:
     explicit ImageView(ImageAttributes const& image)
-        : first_(static_cast<T*>(image.buffer)), width_(image.width), height_(image.height), stride_(image.stride) {}
+        : first_(static_cast<T*>(image.buffer)),
+          width_(image.width),
+          height_(image.height),
+          stride_(image.stride) {}
 
     std::ptrdiff_t Width() const { return width_; }
     std::ptrdiff_t Height() const { return height_; }
-    std::ptrdiff_t Stride() const { return stride_; }     // in elements
-    T* Row(std::ptrdiff_t y) const { return first_ + y * stride_; }  // in ptrdiff_t: a large image must not overflow
+    std::ptrdiff_t Stride() const { return stride_; }  // in elements
+    T* Row(std::ptrdiff_t y) const {
+        return first_ + y * stride_;
+    }  // in ptrdiff_t: a large image must not overflow
     bool IsContiguous() const { return stride_ == width_ || height_ == 1; }
 
 private:
@@ -27,8 +32,11 @@ private:
     std::ptrdiff_t stride_;
 };
 
-// True if rows of the image would share memory, or lie before its first pixel: no operation writes such an image.
-inline bool RowsOverlap(ImageAttributes const& image) { return image.height > 1 && image.stride < image.width; }
+// True if rows of the image would share memory, or lie before its first pixel: no operation writes such an
+// image.
+inline bool RowsOverlap(ImageAttributes const& image) {
+    return image.height > 1 && image.stride < image.width;
+}
 
 // True if no operation reads such an image. Images of 8 bits and less may share memory between rows.
 inline bool RowsUnreadable(ImageAttributes const& image) {

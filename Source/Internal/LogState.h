@@ -6,7 +6,8 @@
 
 namespace ZPA {
 
-// Sends events there from now on, starting without a registered source. A source of the former log is deregistered.
+// Sends events there from now on, starting without a registered source. A source of the former log is
+// deregistered.
 void UseEventLog(EventLog& log);
 
 }  // namespace ZPA

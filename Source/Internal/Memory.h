@@ -12,8 +12,8 @@ namespace ZPA {
 // What a negative size or stride counts as: more than any memory holds.
 inline constexpr std::uint64_t kNoSize = UINT64_MAX;
 
-// Elements from the first one to the end of the last row. Where the stride is narrower than the width this is more
-// than stride * height.
+// Elements from the first one to the end of the last row. Where the stride is narrower than the width this is
+// more than stride * height.
 inline std::uint64_t ElementsSpanned(std::int64_t width, std::int64_t height, std::int64_t stride) {
     if (height < 0 || stride < 0) return kNoSize;
     if (height == 0) return 0;

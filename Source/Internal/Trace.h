@@ -15,7 +15,8 @@ inline unsigned long long Address(void const* pointer) { return reinterpret_cast
 
 template <typename... Values> void Trace(LogCategory category, Message message, Values... values) {
     if (!ZPA_Logging::IsDebugEnabled(category)) return;
-    ZPA_Logging::LogDebug(WideFileName(message.file).Text(), message.line, category, message.format, values...);
+    ZPA_Logging::LogDebug(WideFileName(message.file).Text(), message.line, category, message.format,
+                          values...);
 }
 
 }  // namespace ZPA

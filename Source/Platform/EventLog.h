@@ -9,8 +9,8 @@ namespace ZPA {
 
 enum class EventType : std::uint16_t { Error = 1, Warning = 2 };
 
-// Keys are named below the machine's root, parts separated by "\". Failures are answered, never thrown: a message
-// that cannot be delivered is lost, and its sender goes on.
+// Keys are named below the machine's root, parts separated by "\". Failures are answered, never thrown: a
+// message that cannot be delivered is lost, and its sender goes on.
 class EventLog {
 public:
     using Key = void*;     // null: no key

@@ -69,7 +69,8 @@ public:
         struct stat status = {};
         existed = stat(folder->c_str(), &status) == 0 && S_ISDIR(status.st_mode);
         if (existed) return folder.release();
-        for (std::size_t slash = folder->find('/', 1); slash != std::string::npos; slash = folder->find('/', slash + 1))
+        for (std::size_t slash = folder->find('/', 1); slash != std::string::npos;
+             slash = folder->find('/', slash + 1))
             mkdir(folder->substr(0, slash).c_str(), 0755);
         return mkdir(folder->c_str(), 0755) == 0 ? folder.release() : nullptr;
     }
@@ -86,7 +87,8 @@ public:
 
     std::wstring ModulePath(std::uint32_t limit) override {
         Dl_info library = {};
-        if (dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) == 0 || !library.dli_fname) return {};
+        if (dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) == 0 || !library.dli_fname)
+            return {};
         std::wstring path;
         for (char const* byte = library.dli_fname; *byte && path.size() < limit; ++byte)
             path += static_cast<wchar_t>(static_cast<unsigned char>(*byte));
@@ -97,8 +99,8 @@ public:
 
     void Report(Source source, EventType type, std::uint16_t, std::uint32_t, wchar_t const* text) override {
         // Without openlog, whose settings belong to the host program.
-        syslog(type == EventType::Error ? LOG_ERR : LOG_WARNING, "%s: %s", static_cast<std::string*>(source)->c_str(),
-               Narrow(text).c_str());
+        syslog(type == EventType::Error ? LOG_ERR : LOG_WARNING, "%s: %s",
+               static_cast<std::string*>(source)->c_str(), Narrow(text).c_str());
     }
 
     void Deregister(Source source) override { delete static_cast<std::string*>(source); }

@@ -31,7 +31,8 @@ public:
         DWORD number = 0;
         DWORD size = sizeof number;
         DWORD type = 0;
-        if (RegQueryValueExW(opened, name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) == ERROR_SUCCESS &&
+        if (RegQueryValueExW(opened, name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) ==
+                ERROR_SUCCESS &&
             type == REG_DWORD)
             value = number;
         RegCloseKey(opened);
@@ -41,8 +42,8 @@ public:
         HKEY created = nullptr;
         DWORD disposition = 0;
         wchar_t noClass[] = L"";
-        if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, noClass, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                            &created, &disposition) != ERROR_SUCCESS)
+        if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, noClass, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                            nullptr, &created, &disposition) != ERROR_SUCCESS)
             return nullptr;
         existed = disposition == REG_OPENED_EXISTING_KEY;
         return created;

@@ -16,7 +16,8 @@
 
 namespace ZPA {
 
-// Entered as often as a thread likes, and left as often. A thread that leaves what it does not hold does no harm.
+// Entered as often as a thread likes, and left as often. A thread that leaves what it does not hold does no
+// harm.
 class CriticalSection {
 public:
     CriticalSection();
@@ -35,7 +36,8 @@ private:
 #endif
 };
 
-// Holds a lock for a scope, or until released. A second Release() leaves a second time: the caller's own Enter().
+// Holds a lock for a scope, or until released. A second Release() leaves a second time: the caller's own
+// Enter().
 class AutoCriticalSection {
 public:
     explicit AutoCriticalSection(CriticalSection* section) : section_(section), released_(false) {

@@ -170,17 +170,17 @@ struct Boundary {
 /// @return 1, 2, 4 or 8, and 0 for any value that names no element type.
 ZPA_C_API int SizeOfTypeCode(eTypeCode type);
 
-/// The element type that a type's name means, in any case: "char" and "signed char" are eSByte, "unsigned char"
-/// and "byte" eByte, "short" eInt16, "unsigned short" and "ushort" eUInt16, "int" and "long" eInt32,
+/// The element type that a type's name means, in any case: "char" and "signed char" are eSByte, "unsigned
+/// char" and "byte" eByte, "short" eInt16, "unsigned short" and "ushort" eUInt16, "int" and "long" eInt32,
 /// "unsigned int" and "unsigned long" eUInt32, "float" eSingle, "double" and "long double" eDouble.
 /// @return the type; eUnknown for any other name, and for a null pointer.
 ZPA_C_API eTypeCode ParseTypeCode(char const* name);
 
 /// Prepares the output of an operation that cannot work in place, and creates it if the caller gave none.
 ///
-/// A created output has all fields of `source`, the stride included, and its pixels and padding are zero. They
-/// belong to the caller, who frees them with FreePixels or `delete[]`. An output that exists is only compared:
-/// its type, stride, bits per pixel and pixel spacing may differ from those of `source`.
+/// A created output has all fields of `source`, the stride included, and its pixels and padding are zero.
+/// They belong to the caller, who frees them with FreePixels or `delete[]`. An output that exists is only
+/// compared: its type, stride, bits per pixel and pixel spacing may differ from those of `source`.
 ///
 /// @param source       The input. A null pixel pointer in both descriptors counts as working in place.
 /// @param destination  In and out. Unchanged on failure, except that a failed allocation leaves the fields of

@@ -6,9 +6,10 @@
 #include <Basics/SmartPointer.h>
 
 /// @file
-/// The object forms of ImageAttributes and BufferAttributes. An object is empty, owns its elements (a block from
-/// `new[]`, released with `delete[]`), or wraps elements of somebody else. Unlike the image operations these classes
-/// report by throwing: std::runtime_error with the texts given below. No locks: one thread at a time.
+/// The object forms of ImageAttributes and BufferAttributes. An object is empty, owns its elements (a block
+/// from `new[]`, released with `delete[]`), or wraps elements of somebody else. Unlike the image operations
+/// these classes report by throwing: std::runtime_error with the texts given below. No locks: one thread at a
+/// time.
 
 namespace ZPA {
 
@@ -19,10 +20,12 @@ template <typename T> class ZPA_TEMPLATE_API IZPA_Image : public ISolvane_Object
 public:
     /// Gives the image new pixels or a new shape.
     ///
-    /// - A null `buffer`, where the image owns pixels and `height * stride` stays the same, keeps the memory and takes
+    /// - A null `buffer`, where the image owns pixels and `height * stride` stays the same, keeps the memory
+    /// and takes
     ///   the new shape, with `clear` zeroing it. The stride must be given here.
     /// - The present `buffer` goes to ZPA_Image::ChangeImageAttributes; the owner stays as it was.
-    /// - Else owned pixels are freed. A null `buffer` allocates `height * stride` elements that the image owns,
+    /// - Else owned pixels are freed. A null `buffer` allocates `height * stride` elements that the image
+    /// owns,
     ///   whatever `owner` says, zeroed if `clear` is set; any other is taken as it is and never zeroed.
     ///
     /// @param buffer        Null, or pixels.
@@ -35,26 +38,29 @@ public:
     /// @param owner         Whether the image will free a `buffer` that is not null, with `delete[]`.
     /// @param clear         Whether to zero memory that the image allocates or keeps.
     ///
-    /// @throws std::runtime_error "ZPA_Image<T>::Initialize()  : Invalid buffer dimensions"; owned pixels are freed
+    /// @throws std::runtime_error "ZPA_Image<T>::Initialize()  : Invalid buffer dimensions"; owned pixels are
+    /// freed
     ///         unless the memory would have been kept, and the shape stays.
-    /// @throws std::runtime_error "ZPA_Image<T>::Initialize memory allocation failure"; the shape is the new one, and
+    /// @throws std::runtime_error "ZPA_Image<T>::Initialize memory allocation failure"; the shape is the new
+    /// one, and
     ///         the pixel pointer null.
-    virtual void SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner,
-                          bool clear) = 0;
+    virtual void SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
+                          bool owner, bool clear) = 0;
     /// The same with the fields of a descriptor, whose type is ignored.
     virtual void SetImage(ImageAttributes attributes, bool owner, bool clear) = 0;
-    virtual T* GetBufferPtr() const = 0;         ///< The first pixel, or null.
-    virtual int GetWidth() const = 0;            ///< Pixels in a row.
-    virtual int GetHeight() const = 0;           ///< Rows.
-    virtual int GetStride() const = 0;           ///< From row to row, in elements.
-    virtual int GetBitsPerPixel() const = 0;     ///< Significant bits of a pixel.
-    virtual int GetPixelSpacing() const = 0;     ///< As it was given.
-    virtual bool IsOwner() const = 0;            ///< Whether the image frees its pixels.
-    /// Counts the pixels by their absolute value, in 2 to the power of `bitsperpixel` bins (its low five bits). A
-    /// floating-point pixel counts by its whole part. A pixel without a bin is not counted: one that is too large, the
-    /// most negative integer, or not a number.
+    virtual T* GetBufferPtr() const = 0;      ///< The first pixel, or null.
+    virtual int GetWidth() const = 0;         ///< Pixels in a row.
+    virtual int GetHeight() const = 0;        ///< Rows.
+    virtual int GetStride() const = 0;        ///< From row to row, in elements.
+    virtual int GetBitsPerPixel() const = 0;  ///< Significant bits of a pixel.
+    virtual int GetPixelSpacing() const = 0;  ///< As it was given.
+    virtual bool IsOwner() const = 0;         ///< Whether the image frees its pixels.
+    /// Counts the pixels by their absolute value, in 2 to the power of `bitsperpixel` bins (its low five
+    /// bits). A floating-point pixel counts by its whole part. A pixel without a bin is not counted: one that
+    /// is too large, the most negative integer, or not a number.
     ///
-    /// @return the counts; empty or without elements if they cannot be allocated, or `bitsperpixel` is 31, which is
+    /// @return the counts; empty or without elements if they cannot be allocated, or `bitsperpixel` is 31,
+    /// which is
     ///         logged as "GetHistogram(); Unexpected exception.".
     virtual ZPA_Ptr<IZPA_Buffer<ULong32>> GetHistogram() const = 0;
     /// The descriptor, for the image operations. Valid as long as the image keeps its pixels.
@@ -69,7 +75,8 @@ public:
     /// An empty image.
     ZPA_Image();
     /// Arguments and exceptions as those of SetImage.
-    ZPA_Image(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner, bool clear);
+    ZPA_Image(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner,
+              bool clear);
     /// Arguments and exceptions as those of SetImage.
     ZPA_Image(ImageAttributes attributes, bool owner, bool clear);
     /// Frees the pixels if the image owns them.
@@ -77,8 +84,8 @@ public:
     ZPA_Image(ZPA_Image const&) = delete;
     ZPA_Image& operator=(ZPA_Image const&) = delete;
 
-    void SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner,
-                  bool clear) override;
+    void SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
+                  bool owner, bool clear) override;
     void SetImage(ImageAttributes attributes, bool owner, bool clear) override;
     T* GetBufferPtr() const override;
     int GetWidth() const override;
@@ -90,10 +97,13 @@ public:
     ZPA_Ptr<IZPA_Buffer<ULong32>> GetHistogram() const override;
     operator ImageAttributes() const override;
 
-    /// Gives the pixels away: the pointer stays, and whoever takes it frees it, with FreePixels or `delete[]`.
+    /// Gives the pixels away: the pointer stays, and whoever takes it frees it, with FreePixels or
+    /// `delete[]`.
     virtual void Disown();
-    /// Takes a new shape for the same pixels. For memory that the image did not allocate it is taken on trust.
-    /// @throws std::runtime_error "ZPA::ZPA_Image.ChangeImageAttributes() : Invalid buffer attributes." if there are
+    /// Takes a new shape for the same pixels. For memory that the image did not allocate it is taken on
+    /// trust.
+    /// @throws std::runtime_error "ZPA::ZPA_Image.ChangeImageAttributes() : Invalid buffer attributes." if
+    /// there are
     ///         no pixels, or `height * stride` passes what the image allocated.
     virtual void ChangeImageAttributes(int width, int height, int stride, int bitsperpixel, int pixelspacing);
 
@@ -101,8 +111,8 @@ protected:
     /// Sets the descriptor's type to that of T.
     void SetType();
     /// Takes or allocates pixels, as SetImage tells. Former pixels must have been freed.
-    void Initialize(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing, bool owner,
-                    bool clear);
+    void Initialize(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
+                    bool owner, bool clear);
     /// Frees the pixels if the image owns them.
     void Clean();
 
@@ -118,7 +128,8 @@ public:
     /// Gives the buffer new elements.
     ///
     /// - A null `buffer`, where the buffer owns as many elements as `size`, zeroes them.
-    /// - Else owned elements are freed, unless they are those of `buffer`. A null `buffer` allocates `size` zeroed
+    /// - Else owned elements are freed, unless they are those of `buffer`. A null `buffer` allocates `size`
+    /// zeroed
     ///   elements that the buffer owns, whatever `owner` says; any other is taken as it is.
     ///
     /// @param buffer  Null, or elements.
@@ -155,7 +166,8 @@ public:
     int GetSize() const override;
     bool IsOwner() const override;
 
-    /// Gives the elements away: the pointer stays, and whoever takes it frees it, with FreePixels or `delete[]`.
+    /// Gives the elements away: the pointer stays, and whoever takes it frees it, with FreePixels or
+    /// `delete[]`.
     virtual void Disown();
     /// The descriptor. Valid as long as the buffer keeps its elements.
     virtual operator BufferAttributes() const;
@@ -175,12 +187,12 @@ private:
 };
 
 /// @cond The instantiations that the library holds.
-#define ZPA_FOR_BUFFER_ELEMENTS_(apply) \
-    apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) apply(unsigned int) apply(long) \
-        apply(unsigned long) apply(float) apply(double)
+#define ZPA_FOR_BUFFER_ELEMENTS_(apply)                                                                \
+    apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) apply(unsigned int) \
+        apply(long) apply(unsigned long) apply(float) apply(double)
 #define ZPA_FOR_IMAGE_ELEMENTS_(apply) apply(signed char) ZPA_FOR_BUFFER_ELEMENTS_(apply)
 
-#define ZPA_DECLARED_ELSEWHERE_(T)         \
+#define ZPA_DECLARED_ELSEWHERE_(T)        \
     extern template class IZPA_Buffer<T>; \
     extern template class ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DECLARED_ELSEWHERE_)

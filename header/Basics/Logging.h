@@ -7,10 +7,10 @@
 #include <string>
 
 /// @file
-/// Formats are wide and read alike on every platform: `%%s` and `%%ls` take wide text, `%%S` and `%%hs` narrow
-/// text, `%%p` prints bare upper-case hexadecimal as wide as a pointer. Numbers are as in `printf`. A null text
-/// prints as "(null)"; a narrow byte above 127 prints as the character of that number; `%%n` prints nothing and
-/// writes nothing. A message is cut to 511 characters.
+/// Formats are wide and read alike on every platform: `%%s` and `%%ls` take wide text, `%%S` and `%%hs`
+/// narrow text, `%%p` prints bare upper-case hexadecimal as wide as a pointer. Numbers are as in `printf`. A
+/// null text prints as "(null)"; a narrow byte above 127 prints as the character of that number; `%%n` prints
+/// nothing and writes nothing. A message is cut to 511 characters.
 ///
 /// Logging never fails towards its caller. It allocates nothing, except in the two scope classes.
 
@@ -36,20 +36,20 @@ enum LogCategory : std::int32_t {
     eLogAll = 23        ///< All at once but 1, 20 and 22, which are switched one at a time.
 };
 
-/// Receives a message. One callback runs at a time, process-wide. It may log, on its own thread; one that waits
-/// for another thread that logs will wait for ever.
+/// Receives a message. One callback runs at a time, process-wide. It may log, on its own thread; one that
+/// waits for another thread that logs will wait for ever.
 ///
 /// @param location  File and line, as "name.ext(line)"; empty if the message has none. Valid during the call.
 /// @param category  The LogCategory; for the error callback, the return code.
 /// @param message   The text. Valid during the call.
 using LogCallback = void (*)(wchar_t const* location, int category, wchar_t const* message);
 
-/// The logging facade. Without callbacks, errors and warnings go to the operating system's event log and the rest
-/// vanishes; all flags are off when the library loads. Setting callbacks and flags belongs to set-up, before other
-/// threads call the library.
+/// The logging facade. Without callbacks, errors and warnings go to the operating system's event log and the
+/// rest vanishes; all flags are off when the library loads. Setting callbacks and flags belongs to set-up,
+/// before other threads call the library.
 ///
-/// In all four operations `source` is the path of the file that logs, of which its name is shown, and may be null;
-/// a null `format` makes the call do nothing. ZPA_LOG_HERE gives both arguments of a place.
+/// In all four operations `source` is the path of the file that logs, of which its name is shown, and may be
+/// null; a null `format` makes the call do nothing. ZPA_LOG_HERE gives both arguments of a place.
 class ZPA_API ZPA_Logging {
 public:
     /// Reports an error: to the error callback, else to the event log.
@@ -68,11 +68,12 @@ public:
     static SOLVANE_RETURNCODE LogDebug(wchar_t const* source, int line, LogCategory category,
                                        wchar_t const* format, ...);
 
-    /// Tells the debug callback of an image, under eLogDump: "Image," and its type ("eByte", or "eUInt16" for every
-    /// other type), pixel pointer, width, height and label. A null label or pixel pointer tells nothing.
+    /// Tells the debug callback of an image, under eLogDump: "Image," and its type ("eByte", or "eUInt16" for
+    /// every other type), pixel pointer, width, height and label. A null label or pixel pointer tells
+    /// nothing.
     ///
-    /// The finished line is used as a format once more, so a "%" in the label is read as a conversion; it finds no
-    /// argument, and prints 0 or "(null)". Write "%%" for a percent sign.
+    /// The finished line is used as a format once more, so a "%" in the label is read as a conversion; it
+    /// finds no argument, and prints 0 or "(null)". Write "%%" for a percent sign.
     /// @return 0.
     static SOLVANE_RETURNCODE LogDump(ImageAttributes image, wchar_t const* label);
 
@@ -84,7 +85,8 @@ public:
     /// @retval 0  Done.
     /// @retval 3  No such category: "Invalid log category."
     static SOLVANE_RETURNCODE EnableDebug(LogCategory category, bool enabled);
-    /// True if the category's log flag and an info callback are set. Two loads: cheap enough for any inner loop.
+    /// True if the category's log flag and an info callback are set. Two loads: cheap enough for any inner
+    /// loop.
     static bool IsLogEnabled(LogCategory category);
     /// True if the category's debug flag and a debug callback are set. Two loads, as IsLogEnabled.
     static bool IsDebugEnabled(LogCategory category);
@@ -105,7 +107,8 @@ public:
 
 /// Logs the standard line of a failed allocation, "`context`: Memory allocation failed for `bytes` bytes."
 /// @return 1.
-ZPA_C_API SOLVANE_RETURNCODE LogMemoryError(wchar_t const* source, int line, wchar_t const* context, int bytes);
+ZPA_C_API SOLVANE_RETURNCODE LogMemoryError(wchar_t const* source, int line, wchar_t const* context,
+                                            int bytes);
 
 /// Reports to the debug log that a function is entered, and when the object dies, that it is left. Costs two
 /// loads while the category's debug flag or the callback is not set.
@@ -136,7 +139,8 @@ enum TIMING_LOGGING_LEVEL : std::int32_t {
     eTimingInfo = 1    ///< To the information log, as any other value.
 };
 
-/// Reports the processor time of the whole process between its construction and its destruction, under eLogTiming:
+/// Reports the processor time of the whole process between its construction and its destruction, under
+/// eLogTiming:
 /// "`name` took 0.123 seconds."
 class ZPA_API CodeBlockTimer {
 public:

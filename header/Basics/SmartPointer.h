@@ -11,8 +11,8 @@ namespace ZPA {
 /// How many serial numbers have been drawn. Changed by atomic increment only.
 extern "C" ZPA_API long allocation_counter;
 
-/// The root of the library's object classes. Every instance bears a serial number, so that its life can be followed
-/// in a debug log.
+/// The root of the library's object classes. Every instance bears a serial number, so that its life can be
+/// followed in a debug log.
 class ZPA_API ISolvane_Object {
 public:
     /// Draws the next serial number; the first object has 1.
@@ -37,7 +37,8 @@ ZPA_API long Increment(long* count);
 ZPA_API long Decrement(long* count);
 ZPA_API bool MemoryTraced();
 ZPA_API void TraceCounter(wchar_t const* format, std::type_info const& type, long id, void const* object);
-ZPA_API void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object, long count);
+ZPA_API void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object,
+                        long count);
 
 template <typename T> void Delete(T* object, std::true_type /*arithmetic*/) { delete[] object; }
 template <typename T> void Delete(T* object, std::false_type /*arithmetic*/) { delete object; }
@@ -48,9 +49,7 @@ template <typename T> void Delete(T* object, std::false_type /*arithmetic*/) { d
 template <typename T> class ZPA_TEMPLATE_API counter : public ISolvane_Object {
 public:
     /// Takes the object over, with a count of 1.
-    explicit counter(T* object) : object_(object), count_(1) {
-        Trace(L"ctor ZPA_Ptr<%S>(%ld,0x%llx).");
-    }
+    explicit counter(T* object) : object_(object), count_(1) { Trace(L"ctor ZPA_Ptr<%S>(%ld,0x%llx)."); }
     /// Deletes the object.
     ~counter() override {
         Trace(L"dtor ZPA_Ptr<%S>(%ld,0x%llx).");
@@ -87,13 +86,13 @@ private:
 
 /// A pointer that shares ownership of an object with its copies; the last one deletes it.
 ///
-/// A pointer to an arithmetic type holds an array from `new[]` and releases it with `delete[]`; a pointer to a class
-/// holds one object. Copies may be made and released on different threads; one pointer, and the object itself, are
-/// for one thread at a time. Every pointer draws a serial number of its own.
+/// A pointer to an arithmetic type holds an array from `new[]` and releases it with `delete[]`; a pointer to
+/// a class holds one object. Copies may be made and released on different threads; one pointer, and the
+/// object itself, are for one thread at a time. Every pointer draws a serial number of its own.
 template <typename T> class ZPA_TEMPLATE_API ZPA_Ptr : public ISolvane_Object {
 public:
-    /// Takes an object over, which nobody else may delete or take over. Null leaves the pointer empty. If the counter
-    /// cannot be allocated the object is deleted, and std::bad_alloc thrown.
+    /// Takes an object over, which nobody else may delete or take over. Null leaves the pointer empty. If the
+    /// counter cannot be allocated the object is deleted, and std::bad_alloc thrown.
     explicit ZPA_Ptr(T* object = nullptr) : counter_(nullptr) {
         if (!object) return;
         Guard guard{object};
@@ -150,7 +149,7 @@ class ZPA_API SmartCleaner {
 public:
     /// Holds nothing.
     SmartCleaner();
-    SmartCleaner(SmartCleaner const&);             ///< Both would delete the object; do not copy one that holds any.
+    SmartCleaner(SmartCleaner const&);  ///< Both would delete the object; do not copy one that holds any.
     SmartCleaner& operator=(SmartCleaner const&);  ///< As copying; what was held is not deleted.
     /// Deletes the object, if any.
     virtual ~SmartCleaner();

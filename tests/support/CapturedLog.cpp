@@ -66,7 +66,9 @@ std::vector<LogLine> const& CapturedLog::Errors() const { return heard.errors; }
 std::vector<LogLine> const& CapturedLog::Warnings() const { return heard.warnings; }
 std::vector<LogLine> const& CapturedLog::DebugLines() const { return heard.debug; }
 std::vector<LogLine> const& CapturedLog::InfoLines() const { return heard.info; }
-std::wstring CapturedLog::Text() const { return heard.errors.empty() ? std::wstring() : heard.errors.back().message; }
+std::wstring CapturedLog::Text() const {
+    return heard.errors.empty() ? std::wstring() : heard.errors.back().message;
+}
 int CapturedLog::Code() const { return heard.errors.empty() ? 0 : heard.errors.back().category; }
 void CapturedLog::Clear() { heard = {}; }
 

@@ -15,8 +15,8 @@ struct LogLine {
     std::wstring message;
 };
 
-// Receives errors and warnings, and debug and information lines of the categories that are switched on, from its
-// construction to its destruction. One at a time.
+// Receives errors and warnings, and debug and information lines of the categories that are switched on, from
+// its construction to its destruction. One at a time.
 class CapturedLog {
 public:
     CapturedLog();

@@ -24,8 +24,9 @@ inline std::ostream& operator<<(std::ostream& out, Shape const& shape) {
 }
 
 // Nothing, one, both sides of a vector, padded rows, more than any vector.
-inline constexpr Shape kShapes[] = {{1, 1, 1},   {1, 7, 3},   {7, 1, 7},   {15, 3, 15}, {16, 2, 16},  {17, 4, 20},
-                                    {63, 5, 63}, {64, 3, 65}, {65, 5, 80}, {99, 9, 99}, {131, 6, 200}};
+inline constexpr Shape kShapes[] = {{1, 1, 1},   {1, 7, 3},   {7, 1, 7},    {15, 3, 15},
+                                    {16, 2, 16}, {17, 4, 20}, {63, 5, 63},  {64, 3, 65},
+                                    {65, 5, 80}, {99, 9, 99}, {131, 6, 200}};
 
 // An image with a run of guard elements before and behind it; its padding is filled as its pixels are.
 template <typename T> struct TestImage {
@@ -36,8 +37,9 @@ template <typename T> struct TestImage {
     std::vector<T> memory;
 
     explicit TestImage(Shape itsShape)
-        : shape(itsShape), memory(2 * kGuard + static_cast<std::size_t>(itsShape.stride) *
-                                                   static_cast<std::size_t>(itsShape.height)) {
+        : shape(itsShape),
+          memory(2 * kGuard +
+                 static_cast<std::size_t>(itsShape.stride) * static_cast<std::size_t>(itsShape.height)) {
         std::memset(memory.data(), kGuardByte, memory.size() * sizeof(T));
     }
 
