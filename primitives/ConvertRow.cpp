@@ -35,21 +35,48 @@ template <typename From, typename To> To Converted(From value) {
 
 #if HWY_TARGET != HWY_SCALAR
 
-// Adding the float just below one half and cutting rounds half away from zero for every float: where the
-// addition itself rounds, it does so to a number with the right whole part.
-template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Round(D d, hn::Vec<D> value, float) {
+// Cuts to 32-bit integers; kNoInteger where there is none. On x86 that is the processor's own answer, which
+// portable conversions go to some length to avoid.
+template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut(D d, hn::Vec<D> value) {
     hn::Rebind<std::int32_t, D> const integers;
-    auto const shifted = hn::Add(value, hn::CopySign(hn::Set(d, 0.49999997f), value));
-    auto const fits = hn::Lt(shifted, hn::Set(d, static_cast<float>(kPast32Bits)));
-    return hn::IfThenElse(hn::RebindMask(integers, fits), hn::ConvertTo(integers, shifted),
-                          hn::Set(integers, kNoInteger));
+    using Integers = hn::Vec<decltype(integers)>;
+    constexpr bool kDoubles = sizeof(hn::TFromD<D>) == 8;
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+    (void)d;
+    if constexpr (kDoubles)
+        return Integers{_mm512_cvttpd_epi32(value.raw)};
+    else
+        return Integers{_mm512_cvttps_epi32(value.raw)};
+#elif HWY_TARGET == HWY_AVX2
+    (void)d;
+    if constexpr (kDoubles)
+        return Integers{_mm256_cvttpd_epi32(value.raw)};
+    else
+        return Integers{_mm256_cvttps_epi32(value.raw)};
+#elif HWY_ARCH_X86
+    (void)d;
+    if constexpr (kDoubles)
+        return Integers{_mm_cvttpd_epi32(value.raw)};
+    else
+        return Integers{_mm_cvttps_epi32(value.raw)};
+#else
+    using T = hn::TFromD<D>;
+    auto const fits = hn::Lt(value, hn::Set(d, static_cast<T>(kPast32Bits)));
+    if constexpr (kDoubles)
+        return hn::DemoteTo(integers, hn::IfThenElse(fits, value, hn::Set(d, -kPast32Bits)));
+    else
+        return hn::IfThenElse(hn::RebindMask(integers, fits), hn::ConvertTo(integers, value),
+                              hn::Set(integers, kNoInteger));
+#endif
 }
 
-template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Round(D d, hn::Vec<D> value, double) {
-    hn::Rebind<std::int32_t, D> const integers;
-    auto const shifted = hn::Add(value, hn::CopySign(hn::Set(d, 0.5), value));
-    auto const fits = hn::Lt(shifted, hn::Set(d, kPast32Bits));
-    return hn::DemoteTo(integers, hn::IfThenElse(fits, shifted, hn::Set(d, -kPast32Bits)));
+// Rounds half away from zero. For floats, adding the number just below one half does so where adding one half
+// in double precision would: where the addition itself rounds, it rounds to a number with the right whole
+// part.
+template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Round(D d, hn::Vec<D> value) {
+    using T = hn::TFromD<D>;
+    constexpr T kHalf = sizeof(T) == 8 ? T(0.5) : T(0.49999997f);
+    return Cut(d, hn::Add(value, hn::CopySign(hn::Set(d, kHalf), value)));
 }
 
 // A vector of From becomes one of as many To. `d` is the tag of the wider type.
@@ -77,7 +104,7 @@ template <typename From, typename To, class D> auto Convert(D d, hn::Vec<hn::Reb
         else
             return hn::ConvertTo(to, wide);
     } else if constexpr (std::is_integral_v<To>) {
-        auto const rounded = Round(hn::Rebind<From, D>(), value, From());
+        auto const rounded = Round(hn::Rebind<From, D>(), value);
         if constexpr (sizeof(To) == 4) {
             return rounded;
         } else {
