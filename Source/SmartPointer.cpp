@@ -22,16 +22,16 @@ long Decrement(long* count) { return InterlockedDecrease(count); }
 long Read(long const* count) { return InterlockedRead(count); }
 bool MemoryTraced() { return ZPA_Logging::IsDebugEnabled(eLogMemory); }
 
-// The name may find no memory, and then there is no line.
+// The name may find no memory, and a callback may throw; neither may disturb a change of owner.
 void TraceCounter(wchar_t const* format, std::type_info const& type, long id, void const* object) noexcept
     try {
-    TraceSafely(eLogMemory, format, TypeName(type).c_str(), id, Address(object));
+    Trace(eLogMemory, format, TypeName(type).c_str(), id, Address(object));
 } catch (...) {
 }
 
 void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object,
                 long count) noexcept try {
-    TraceSafely(eLogMemory, format, TypeName(type).c_str(), id, Address(object), count);
+    Trace(eLogMemory, format, TypeName(type).c_str(), id, Address(object), count);
 } catch (...) {
 }
 
