@@ -1,5 +1,6 @@
 #include "support/Measure.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <vector>
@@ -33,8 +34,8 @@ long CallsPerBatch(Call const& call) {
 // Seconds a call, by contender and round. Rounds alternate in their order, so that none always follows the
 // same one.
 std::vector<std::vector<double>> Interleaved(std::vector<Call> const& contenders, double seconds) {
-    std::vector<long> calls;
-    for (Call const& each : contenders) calls.push_back(CallsPerBatch(each));
+    std::vector<long> calls(contenders.size());
+    std::transform(contenders.begin(), contenders.end(), calls.begin(), CallsPerBatch);
     std::vector<std::vector<double>> timings(contenders.size());
     double const end = Now() + seconds;
     for (std::size_t round = 0; round < kLeastRounds || Now() < end; ++round)
