@@ -66,7 +66,7 @@ template <typename T> struct Typed {
 template <typename T> class EveryElement : public testing::Test {};
 using BufferElements = testing::Types<char, unsigned char, short, unsigned short, int, unsigned int, long,
                                       unsigned long, float, double>;
-TYPED_TEST_SUITE(EveryElement, BufferElements);
+TYPED_TEST_SUITE(EveryElement, BufferElements, );
 
 template <typename T> void ExpectTypeOfImage() {
     ZPA_Image<T> image;
@@ -141,7 +141,6 @@ TEST(Image, TakesGoodShapesOnly) {
         {1, 2, 99, 16, ""},
         {INT_MAX, 2, 0, 16, kNoMemory},
         {1, 46341, 46341, 16, kNoMemory},
-        {INT_MAX, INT_MAX, 1, 8, kNoMemory},
     };
     for (Case const& each : cases) {
         SCOPED_TRACE(testing::Message() << each.width << " x " << each.height << ", " << each.stride);

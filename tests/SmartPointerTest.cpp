@@ -56,7 +56,8 @@ TEST(Ptr, WithoutAnObjectDoesNothing) {
     NodePtr const null(nullptr);
     NodePtr const copy(null);
     empty = copy;
-    empty = empty;
+    NodePtr const& itself = empty;
+    empty = itself;
     EXPECT_EQ(empty.GetPointer(), nullptr);
     EXPECT_EQ(copy.GetPointer(), nullptr);
     EXPECT_FALSE(empty.IsUnique());
