@@ -61,9 +61,11 @@ int main() {
     Expect(lastError.empty(), "nothing is logged on success");
 
     Expect(Background(nullptr, kWidth, kHeight).empty(), "a null image is refused");
-    Expect(lastCode == 2 && lastError == L"The source buffer pointer was NULL.", "the refusal reaches the callback");
+    Expect(lastCode == 2 && lastError == L"The source buffer pointer was NULL.",
+           "the refusal reaches the callback");
 
-    Expect(RefusalOf(-1) == "ZPA_Image<T>::Initialize()  : Invalid buffer dimensions", "exceptions cross modules");
+    Expect(RefusalOf(-1) == "ZPA_Image<T>::Initialize()  : Invalid buffer dimensions",
+           "exceptions cross modules");
     Expect(RefusalOf(1).empty(), "an image object owns its pixels");
 
     if (failures == 0)
