@@ -7,8 +7,10 @@
 
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>
+#include <Basics/Factory.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/Logging.h>
+#include <Basics/RawFile.h>
 #include <Basics/SmartPointer.h>
 
 #endif
