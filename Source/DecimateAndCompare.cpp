@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "primitives/Rows.h"
 #include "Source/Internal/Convert.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
@@ -54,10 +55,10 @@ SOLVANE_RETURNCODE ResolveRoiAndMask(SSize image, Rectangle const* roi, ImageAtt
     return SOLVANE_OK;
 }
 
-// The tolerance as samples of type T are compared with it.
+// The tolerance as differences of type T are compared with it.
 template <typename T> auto ToleranceFor(double tolerance) {
     if constexpr (std::is_integral_v<T>)
-        return std::max(TruncateToInt32(tolerance), 0);  // below 0 all differ, as they do at 0
+        return TruncateToInt32(tolerance);
     else
         return static_cast<T>(tolerance);
 }
@@ -69,31 +70,30 @@ struct Comparison {
     double tolerance;
 };
 
+// AnyDiffer for one sample, where a call of the kernel would cost more than the sample.
+template <typename T, typename Tolerance> bool Differs(T a, T b, Tolerance tolerance) {
+    Tolerance const difference = static_cast<Tolerance>(b) - static_cast<Tolerance>(a);
+    return difference >= tolerance || difference <= -tolerance;
+}
+
 // True if no counted sample of the area differs by the tolerance or more.
 template <typename T> bool SamplesAgree(Comparison const& images, RoiAndMaskResolution const& where) {
     auto const tolerance = ToleranceFor<T>(images.tolerance);
-    using Difference = decltype(tolerance - tolerance);
-    T const* const first = static_cast<T const*>(images.first.buffer) + where.imageOffset;
+    if (std::is_integral_v<T> && tolerance < 1) return false;  // equal samples differ by that much
     std::ptrdiff_t const secondOffset = std::ptrdiff_t{where.area.y} * images.second.stride + where.area.x;
+    T const* const first = static_cast<T const*>(images.first.buffer) + where.imageOffset;
     T const* const second = static_cast<T const*>(images.second.buffer) + secondOffset;
     unsigned char const* const mask =
         images.mask ? static_cast<unsigned char const*>(images.mask->buffer) + where.maskOffset : nullptr;
 
-    auto const differs = [tolerance](T a, T b) {
-        Difference const difference = static_cast<Difference>(b) - static_cast<Difference>(a);
-        return (difference >= tolerance) | (difference <= -tolerance);
-    };
-    auto const rowAgrees = [&](T const* a, T const* b, unsigned char const* selected) {
-        bool differ = false;
-        if (images.xStep == 1 && !selected)
-            for (std::ptrdiff_t x = 0; x < where.area.width; ++x) differ |= differs(a[x], b[x]);
-        else
-            for (std::int64_t x = 0; x < where.area.width; x += images.xStep)
-                differ |= differs(a[x], b[x]) && (!selected || selected[x] != 0);
-        return !differ;
+    auto const rowDiffers = [&](T const* a, T const* b, unsigned char const* selected) {
+        if (images.xStep == 1 && !selected) return AnyDiffer(a, b, where.area.width, tolerance);
+        for (std::int64_t x = 0; x < where.area.width; x += images.xStep)
+            if ((!selected || selected[x] != 0) && Differs(a[x], b[x], tolerance)) return true;
+        return false;
     };
     for (std::int64_t y = 0; y < where.area.height; y += images.yStep)
-        if (!rowAgrees(first + y * images.first.stride, second + y * images.second.stride,
+        if (rowDiffers(first + y * images.first.stride, second + y * images.second.stride,
                        mask ? mask + y * images.mask->stride : nullptr))
             return false;
     return true;

@@ -3,6 +3,7 @@
 
 #include <type_traits>
 
+#include "primitives/Rows.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 
@@ -23,7 +24,12 @@ SOLVANE_RETURNCODE DiffBuffer(BufferAttributes source, BufferAttributes* output)
             auto const* const from = static_cast<Bits const*>(source.buffer);
             auto* const to = static_cast<Bits*>(output->buffer);
             std::ptrdiff_t const last = std::ptrdiff_t{source.size} - 1;
-            for (std::ptrdiff_t i = 0; i < last; ++i) to[i] = static_cast<Bits>(from[i + 1] - to[i]);
+            // An output that begins inside the source feeds what was written back into what is read.
+            bool const feedsBack = to > from && to - from <= last;
+            if (feedsBack)
+                for (std::ptrdiff_t i = 0; i < last; ++i) to[i] = static_cast<Bits>(from[i + 1] - to[i]);
+            else
+                SubtractFrom(from + 1, to, last);
             if (last >= 0) to[last] = 0;
             return SOLVANE_OK;
         };

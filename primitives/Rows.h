@@ -29,6 +29,19 @@ void FillSelected(double* row, std::uint8_t const* mask, std::ptrdiff_t count, d
 void ClearUnmasked(std::uint8_t* row, std::uint8_t const* mask, std::ptrdiff_t count);
 void ClearUnmasked(std::uint16_t* row, std::uint8_t const* mask, std::ptrdiff_t count);
 
+// True if an element of `b` is larger or smaller than that of `a` by `tolerance`, which is above 0, or more.
+// A difference that is not a number is neither; that of floating-point elements is made in their type.
+bool AnyDiffer(std::uint8_t const* a, std::uint8_t const* b, std::ptrdiff_t count, int tolerance);
+bool AnyDiffer(std::int16_t const* a, std::int16_t const* b, std::ptrdiff_t count, int tolerance);
+bool AnyDiffer(std::uint16_t const* a, std::uint16_t const* b, std::ptrdiff_t count, int tolerance);
+bool AnyDiffer(float const* a, float const* b, std::ptrdiff_t count, float tolerance);
+bool AnyDiffer(double const* a, double const* b, std::ptrdiff_t count, double tolerance);
+
+// row[i] becomes next[i] - row[i], wrapping around. `row` may not begin behind `next` within what it reads.
+void SubtractFrom(std::uint8_t const* next, std::uint8_t* row, std::ptrdiff_t count);
+void SubtractFrom(std::uint16_t const* next, std::uint16_t* row, std::ptrdiff_t count);
+void SubtractFrom(std::uint32_t const* next, std::uint32_t* row, std::ptrdiff_t count);
+
 // Elements below `low` become `low`; of the others, those above `high` become `high`.
 void ClipRow(std::int16_t* row, std::ptrdiff_t count, std::int16_t low, std::int16_t high);
 

@@ -61,7 +61,7 @@ template <typename T> void Clear(T* row, std::uint8_t const* mask, std::ptrdiff_
     for (; x + lanes <= count; x += lanes) {
         auto const zeros = hn::VecFromMask(bytes, hn::Eq(hn::LoadU(bytes, mask + x), hn::Zero(bytes)));
         auto const cleared = MaskOf(d, hn::BitCast(ones, zeros));
-        hn::StoreU(hn::IfThenZeroElse(cleared, hn::LoadU(d, row + x)), d, row + x);
+        hn::BlendedStore(hn::Zero(d), cleared, d, row + x);
     }
 #endif
     for (; x < count; ++x)

@@ -224,6 +224,27 @@ TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     }
 }
 
+TYPED_TEST(DecimateAndCompareOf, FindsOneDifferenceAnywhereOnEverySimdTarget) {
+    using T = TypeParam;
+    constexpr int kWidth = 150;
+    auto first = RandomImage<T>({kWidth, 1, kWidth}, 1);
+    ForEachSimdTarget([&] {
+        for (int x = 0; x < kWidth; ++x)
+            for (int const sign : {-1, 1}) {
+                auto second = first;
+                first.At(x, 0) = 100;
+                second.At(x, 0) = static_cast<T>(100 + sign * 7);
+                for (double const tolerance : {7.0, 8.0}) {
+                    bool same = false;
+                    ASSERT_EQ(DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr,
+                                                 nullptr, 1, 1, tolerance, &same),
+                              SOLVANE_OK);
+                    ASSERT_EQ(same, tolerance > 7) << x;
+                }
+            }
+    });
+}
+
 TEST(DecimateAndCompare, TruncatesTolerancesOfIntegersAndPassesNotANumber) {
     auto const agree = [](auto a, auto b, double tolerance) {
         bool equivalent = false;
@@ -328,6 +349,26 @@ TEST(DiffBuffer, SubtractsWhatTheOutputHeld) {
     EXPECT_EQ(inPlace[0], -1);
     EXPECT_EQ(inPlace[1], INT_MIN + 6);
     EXPECT_EQ(inPlace[2], 0);
+}
+
+TEST(DiffBuffer, GoesFromTheFirstElementToTheLastOnEverySimdTarget) {
+    // Where the output begins in the memory that also holds the source: apart, the same, ahead of it and
+    // behind.
+    for (int const offset : {300, 0, -1, -3, 1, 2, 5, 40}) {
+        ForEachSimdTarget([&] {
+            SCOPED_TRACE(offset);
+            constexpr int kCount = 150, kStart = 50;
+            auto memory = RandomImage<short>({600, 1, 600}, 3);
+            auto expected = memory;
+            short* const to = expected.Pixels() + kStart + offset;
+            for (int i = 0; i + 1 < kCount; ++i)
+                to[i] = static_cast<short>(expected.Pixels()[kStart + i + 1] - to[i]);
+            to[kCount - 1] = 0;
+            BufferAttributes output(eInt16, memory.Pixels() + kStart + offset, kCount);
+            EXPECT_EQ(DiffBuffer({eInt16, memory.Pixels() + kStart, kCount}, &output), SOLVANE_OK);
+            EXPECT_TRUE(memory == expected);
+        });
+    }
 }
 
 TEST(DiffBuffer, RefusesInItsOrder) {
