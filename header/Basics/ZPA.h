@@ -10,6 +10,7 @@
 #include <Basics/Factory.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/Logging.h>
+#include <Basics/PixelOperations.h>
 #include <Basics/RawFile.h>
 #include <Basics/SmartPointer.h>
 
