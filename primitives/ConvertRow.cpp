@@ -37,24 +37,21 @@ template <typename From, typename To> To Converted(From value) {
 
 // Cuts to 32-bit integers; kNoInteger where there is none. On x86 that is the processor's own answer, which
 // portable conversions go to some length to avoid.
-template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut(D d, hn::Vec<D> value) {
+template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut([[maybe_unused]] D d, hn::Vec<D> value) {
     hn::Rebind<std::int32_t, D> const integers;
-    using Integers = hn::Vec<decltype(integers)>;
+    using Integers [[maybe_unused]] = hn::Vec<decltype(integers)>;
     constexpr bool kDoubles = sizeof(hn::TFromD<D>) == 8;
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-    (void)d;
+#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
     if constexpr (kDoubles)
         return Integers{_mm512_cvttpd_epi32(value.raw)};
     else
         return Integers{_mm512_cvttps_epi32(value.raw)};
 #elif HWY_TARGET == HWY_AVX2
-    (void)d;
     if constexpr (kDoubles)
         return Integers{_mm256_cvttpd_epi32(value.raw)};
     else
         return Integers{_mm256_cvttps_epi32(value.raw)};
-#elif HWY_ARCH_X86
-    (void)d;
+#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
     if constexpr (kDoubles)
         return Integers{_mm_cvttpd_epi32(value.raw)};
     else
@@ -80,7 +77,8 @@ template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Round(D d, hn::Vec<D> va
 }
 
 // A vector of From becomes one of as many To. `d` is the tag of the wider type.
-template <typename From, typename To, class D> auto Convert(D d, hn::Vec<hn::Rebind<From, D>> value) {
+template <typename From, typename To, class D>
+auto Convert([[maybe_unused]] D d, hn::Vec<hn::Rebind<From, D>> value) {
     hn::Rebind<To, D> const to;
     hn::Rebind<std::int32_t, D> const integers;
     if constexpr (std::is_integral_v<From> && std::is_integral_v<To>) {
