@@ -10,6 +10,9 @@
 #include <cstring>
 #include <type_traits>
 
+// Without vectors the plain loop does it all: emulated conversions saturate where real ones give infinity.
+#define ZPA_PLAIN_LOOPS (HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128)
+
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
@@ -33,7 +36,7 @@ template <typename From, typename To> To Converted(From value) {
         return static_cast<To>(value);
 }
 
-#if HWY_TARGET != HWY_SCALAR
+#if !ZPA_PLAIN_LOOPS
 
 // Cuts to 32-bit integers; kNoInteger where there is none. On x86 that is the processor's own answer, which
 // portable conversions go to some length to avoid.
@@ -58,12 +61,14 @@ template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut([[maybe_unused]] D d
         return Integers{_mm_cvttps_epi32(value.raw)};
 #else
     using T = hn::TFromD<D>;
-    auto const fits = hn::Lt(value, hn::Set(d, static_cast<T>(kPast32Bits)));
+    // What does not fit becomes the least integer before it is converted.
+    auto const least = hn::Set(d, static_cast<T>(-kPast32Bits));
+    auto const fits = hn::And(hn::Lt(value, hn::Set(d, static_cast<T>(kPast32Bits))), hn::Gt(value, least));
+    auto const fitting = hn::IfThenElse(fits, value, least);
     if constexpr (kDoubles)
-        return hn::DemoteTo(integers, hn::IfThenElse(fits, value, hn::Set(d, -kPast32Bits)));
+        return hn::DemoteTo(integers, fitting);
     else
-        return hn::IfThenElse(hn::RebindMask(integers, fits), hn::ConvertTo(integers, value),
-                              hn::Set(integers, kNoInteger));
+        return hn::ConvertTo(integers, fitting);
 #endif
 }
 
@@ -121,7 +126,7 @@ auto Convert([[maybe_unused]] D d, hn::Vec<hn::Rebind<From, D>> value) {
 
 template <typename From, typename To> void Run(From const* source, To* destination, std::ptrdiff_t count) {
     std::ptrdiff_t x = 0;
-#if HWY_TARGET != HWY_SCALAR
+#if !ZPA_PLAIN_LOOPS
     using Wider = std::conditional_t<(sizeof(To) > sizeof(From)), To, From>;
     hn::ScalableTag<Wider> const d;
     hn::Rebind<From, decltype(d)> const from;
