@@ -7,6 +7,7 @@ set(zpa_test_environment OMP_WAIT_POLICY=passive)
 if(ZPA_SANITIZE MATCHES address)
     list(APPEND zpa_test_environment
         ASAN_OPTIONS=allocator_may_return_null=1:detect_stack_use_after_return=1:check_initialization_order=1
+        LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/leaks.supp:print_suppressions=0
         UBSAN_OPTIONS=print_stacktrace=1)
 elseif(ZPA_SANITIZE MATCHES thread)
     # OpenMP's run-time is not instrumented. Archer, which comes with it, tells the sanitizer where threads meet.
