@@ -69,8 +69,8 @@ ZPA_C_API SOLVANE_RETURNCODE DumpRawMask(unsigned char const* data, int width, i
 /// the brightest 255, the rest is spread evenly between them, to the nearest whole number, halves to the even
 /// one.
 ///
-/// A flat image is all 0, and so is a pixel that is not a number. A first pixel that is not a number, or an
-/// infinite one, makes the whole picture 0.
+/// A flat image is all 0, and so is a pixel that is not a number. The whole picture is 0 if the first pixel
+/// is not a number, or the brightest less the darkest passes what a double holds.
 ///
 /// @param image   `width * height` pixels, without padding: `unsigned short`, `unsigned char` or `double`.
 /// @param width   Pixels in a row.
