@@ -12,6 +12,12 @@
 namespace Radiograph {
 namespace {
 
+// Other names and extensions leave the descriptor as it was or describe something else, and two negative
+// numbers have a product like any other.
+bool IsRadiograph(ZPA::ImageAttributes const& named) {
+    return named.type == ZPA::eUInt16 && named.width > 0 && named.height > 0;
+}
+
 // The library has one message for all that can be wrong with a file; a person wants to know which it was.
 std::string Explanation(std::string const& path, ZPA::ImageAttributes const& named) {
     namespace fs = std::filesystem;
@@ -19,8 +25,7 @@ std::string Explanation(std::string const& path, ZPA::ImageAttributes const& nam
     auto const status = fs::status(path, error);
     if (status.type() == fs::file_type::not_found) return path + ": no such file";
     if (!fs::is_regular_file(status)) return path + ": not a file that can be read";
-    if (named.type != ZPA::eUInt16 || named.width < 1 || named.height < 1)
-        return path + ": the name must tell the size, as NAME.WIDTH.HEIGHT.raw does";
+    if (!IsRadiograph(named)) return path + ": the name must tell the size, as NAME.WIDTH.HEIGHT.raw does";
     auto const size = fs::file_size(path, error);
     auto const needed = std::uint64_t{sizeof(Pixel)} * static_cast<std::uint64_t>(named.width) *
                         static_cast<std::uint64_t>(named.height);
@@ -37,7 +42,7 @@ ImagePtr ReadRadiograph(std::string const& path) {
     attributes.bitsperpixel = 16;
     auto const code = ZPA::ReadRawFile(path.c_str(), &attributes);
     if (code != ZPA::SOLVANE_OK) Check(code, Explanation(path, attributes));
-    if (attributes.type != ZPA::eUInt16) {
+    if (!IsRadiograph(attributes)) {
         ZPA::FreePixels(attributes.buffer);
         throw Failure(Explanation(path, attributes));
     }

@@ -26,16 +26,19 @@ ImagePtr Do(std::vector<Step>& steps, std::string title, std::string name, std::
 }
 
 // An odd window of about a quarter of the image: wider than ribs and vessels, narrower than the chest.
-int Window(int side) { return side / 4 | 1; }
+int Window(int side) { return std::max(3, side / 4 | 1); }
 
 ImagePtr Background(Image const& input) {
     int const width = input.GetWidth();
     int const height = input.GetHeight();
     ImagePtr const background = NewImage(width, height);
+    int const across = Window(width);
+    int const down = Window(height);
     // In double precision, since the 16-bit pixels of so wide a window pass 32 bits.
     Check(ZPA::rectFlatTopFilteringTemplate(input.GetBufferPtr(), background->GetBufferPtr(), width, height,
-                                            Window(width), Window(height)),
-          "cannot find the background");
+                                            across, down),
+          "cannot find the background in a window of " + std::to_string(across) + " by " +
+              std::to_string(down));
     return background;
 }
 
