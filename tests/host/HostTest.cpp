@@ -9,7 +9,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -27,20 +26,18 @@ TEST(HostProgram, KeepsItsNamesToItself) {
 
     Testing::CapturedLog const log;
     std::unique_ptr<ISolvane_Object> const object(ZPA_Create("image.6.2.2"));
+    EXPECT_EQ(FirstCaptured(), "") << "ZPA_Create";
     ASSERT_NE(object, nullptr);
     EXPECT_GT(object->Id(), 0);
-    EXPECT_EQ(FirstCaptured(), "") << "ZPA_Create";
 
     ImageAttributes output;
     EXPECT_EQ(ValidateImageBuffer(ImageAttributes(eByte, &output, 1, -1, 1, 8, 0), &output), 1);
     EXPECT_EQ(FirstCaptured(), "") << "ValidateImageBuffer";
 
     // A destination with memory is refused and freed.
-    output = ImageAttributes(eByte, new unsigned char[1], 1, 1, 1, 8, 0);
-    decltype(&ZPA::copyBuffer) const copy = ZPA::copyBuffer;
-    BufferAttributes destination(eUInt16, output.buffer, 1);
     unsigned short element = 0;
-    EXPECT_EQ(copy(BufferAttributes(eUInt16, &element, 1), &destination), 2);
+    BufferAttributes destination(eUInt16, new unsigned short[1], 1);
+    EXPECT_EQ(copyBuffer(BufferAttributes(eUInt16, &element, 1), &destination), 2);
     EXPECT_EQ(destination.buffer, nullptr);
     EXPECT_EQ(FirstCaptured(), "") << "copyBuffer";
 
