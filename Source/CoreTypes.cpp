@@ -6,6 +6,7 @@
 
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
+#include "Source/Internal/Text.h"
 
 namespace ZPA {
 namespace {
@@ -20,14 +21,6 @@ static_assert(sizeof(BladeInfo) == 14 * 4 && sizeof(Boundary) == 8 * 4);
 static_assert(sizeof(void*) != 4 || (sizeof(ImageAttributes) == 7 * 4 && sizeof(BufferAttributes) == 3 * 4));
 static_assert(sizeof(void*) != 8 || (sizeof(ImageAttributes) == 40 && sizeof(BufferAttributes) == 24));
 static_assert(sizeof(ULong32) == 4);
-
-// In ASCII, whatever the locale.
-bool SameText(char const* a, char const* b) {
-    auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    for (; lower(*a) == lower(*b); ++a, ++b)
-        if (!*a) return true;
-    return false;
-}
 
 }  // namespace
 

@@ -28,16 +28,19 @@ inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX :
                           LoggedBytes(bytes));
 }
 
+inline constexpr auto kUnexpected = L"Unexpected exception.";
+
 // Runs the body within a scope of the log, which `scope` are the constructor's arguments of. No exception
-// leaves: not the body's, and not that of a callback that throws while the first one is reported.
+// leaves: not the body's, which is reported as `unexpected`, and not that of a callback that throws while the
+// first one is reported.
 template <typename Body, typename... Scope>
-SOLVANE_RETURNCODE GuardedScope(Body const& body, Scope... scope) noexcept {
+SOLVANE_RETURNCODE GuardedScope(Message unexpected, Body const& body, Scope... scope) noexcept {
     try {
         EntryExitLogging const entered(scope...);
         try {
             return body();
         } catch (...) {
-            return Fail(SOLVANE_UNEXPECTED, L"Unexpected exception.");
+            return Fail(SOLVANE_UNEXPECTED, unexpected);
         }
     } catch (...) {
         return SOLVANE_UNEXPECTED;
@@ -45,8 +48,9 @@ SOLVANE_RETURNCODE GuardedScope(Body const& body, Scope... scope) noexcept {
 }
 
 // The frame of nearly all operations: `name` is "ZPA::" and the operation's name.
-template <typename Body> SOLVANE_RETURNCODE Guarded(wchar_t const* name, Body const& body) noexcept {
-    return GuardedScope(body, name, eLogFunction);
+template <typename Body>
+SOLVANE_RETURNCODE Guarded(wchar_t const* name, Body const& body, Message unexpected = kUnexpected) noexcept {
+    return GuardedScope(unexpected, body, name, eLogFunction);
 }
 
 }  // namespace ZPA

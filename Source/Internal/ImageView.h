@@ -32,6 +32,14 @@ private:
     std::ptrdiff_t stride_;
 };
 
+// Calls work(a's row, b's row, pixels) for every row of two images of one size, or once if both have no gaps.
+template <typename A, typename B, typename Work>
+void ForEachRowPair(ImageView<A> const& a, ImageView<B> const& b, Work const& work) {
+    if (a.Width() < 1 || a.Height() < 1) return;
+    if (a.IsContiguous() && b.IsContiguous()) return work(a.Row(0), b.Row(0), a.Width() * a.Height());
+    for (std::ptrdiff_t y = 0; y < a.Height(); ++y) work(a.Row(y), b.Row(y), a.Width());
+}
+
 // True if rows of the image would share memory, or lie before its first pixel: no operation writes such an
 // image.
 inline bool RowsOverlap(ImageAttributes const& image) {

@@ -1,0 +1,78 @@
+#include "support/Machine.h"
+
+#include <hwy/highway.h>
+#include <omp.h>
+
+#include <chrono>
+#include <fstream>
+
+#include "support/Memory.h"
+#include "support/Quantile.h"
+#ifdef ZPA_PEER_OPENCV
+#include <opencv2/core.hpp>
+#endif
+
+namespace ZPA::Benchmarks {
+namespace {
+
+std::string Processor() {
+    std::ifstream facts("/proc/cpuinfo");
+    for (std::string line; std::getline(facts, line);)
+        if (line.compare(0, 10, "model name") == 0) return line.substr(line.find(':') + 2);
+    return "unknown";
+}
+
+std::string Compiler() {
+#ifdef __clang__
+    return __VERSION__;  // begins with the compiler's name
+#else
+    return "GCC " __VERSION__;
+#endif
+}
+
+bool Optimised() {
+#ifdef __OPTIMIZE__
+    return true;
+#else
+    return false;
+#endif
+}
+
+std::vector<Peer> PreparePeers([[maybe_unused]] int threads) {
+#ifdef ZPA_PEER_OPENCV
+    cv::setNumThreads(threads);
+    return {{"OpenCV", CV_VERSION}};
+#else
+    return {{"OpenCV", ""}};
+#endif
+}
+
+double BytesPerSecond(std::size_t read, std::size_t written) {
+    auto const move = MovingMemory(read, written);
+    std::vector<double> rates;
+    for (int pass = 0; pass < 9; ++pass) {
+        auto const start = std::chrono::steady_clock::now();
+        move();
+        std::chrono::duration<double> const seconds = std::chrono::steady_clock::now() - start;
+        rates.push_back(static_cast<double>(read + written) / seconds.count());
+    }
+    return QuartilesOf(rates).median;
+}
+
+}  // namespace
+
+Machine PrepareMachine(int threads) {
+    omp_set_num_threads(threads);
+    constexpr std::size_t kBytes = std::size_t{256} << 20;  // beyond what a core's share of the caches holds
+    return {Processor(),
+            hwy::TargetName(hwy::SupportedAndGeneratedTargets().front()),
+            Compiler(),
+            Optimised(),
+            threads,
+            PreparePeers(threads),
+            kBytes,
+            BytesPerSecond(kBytes / 2, kBytes / 2),
+            BytesPerSecond(kBytes, 0)};
+}
+
+}  // namespace ZPA::Benchmarks
