@@ -85,17 +85,17 @@ void FillReciprocals(double* reciprocals, std::ptrdiff_t width, std::ptrdiff_t h
     }
 }
 
-// The arithmetic is that of doubles, since it holds all sums and divides two columns in every pair of lanes:
+// The arithmetic is that of doubles, since they hold all sums, and a pair of lanes divides two columns:
 //
-// - A 32-bit number n in the low half of 2^52, with its sign bit flipped, is the double 2^52 + 2^31 + n.
-// - The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17 in
-// size,
-//   so it is off by less than 2^-34. Added to 2^20 + 2^-32 it is rounded to a multiple of 2^-32, and the
-//   upper half of the double then ends in the quotient's whole part: a quotient that is whole stays above the
-//   error, and the largest below a whole one is 1 / C short of it, which is too much to make up while C is at
-//   most 2^31. (Where C is larger, sums are the wrapping ones, of at most 2^31; the quotient is then below 1
-//   by as much.)
-// - A negative quotient gets 1 - 2^-32 in the place of 2^-32, and is truncated toward zero like this.
+// - A 32-bit number n, with its sign bit flipped, in the low half of 2^52 is the double 2^52 + 2^31 + n.
+// - The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17, and so
+// off
+//   by less than 2^-34. Adding it to kBase, whose last bit is worth 2^-32, puts its whole part into the upper
+//   half of the double, and its fraction into the lower. That is the right whole part if 2^-32 is added as
+//   well: it lifts a whole quotient above the error, and does not make up the 1 / C that the next lower
+//   quotient is short of a whole one, as long as C is at most 2^31. Only wrapping sums come with a larger C;
+//   they are at most 2^31, so their quotients are as far below 1.
+// - To a negative quotient 1 - 2^-32 is added instead, which truncates it toward zero.
 template <bool kWrapping, typename T>
 void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* output, std::ptrdiff_t width,
              std::ptrdiff_t half, std::ptrdiff_t rows) {
@@ -131,7 +131,7 @@ void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* outpu
         return hn::BitCast(real, hn::Xor(hn::ShiftRight<32>(hn::BitCast(pairs, v)), exponent));
     };
 
-    constexpr double kBase = 1572864.0;
+    constexpr double kBase = 1572864.0;  // 2^20 + 2^19, so that negative quotients stay in its binary order
     constexpr double kTiny = 1.0 / 4294967296.0;
     auto const unit = hn::Set(real, kBase + (kSigned ? 0.5 : kTiny));
     auto const nearHalf = hn::Set(real, 0.5 - kTiny);

@@ -8,6 +8,7 @@
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
+#include <Basics/FlatTopFilter.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/Logging.h>
 #include <Basics/PixelOperations.h>
