@@ -7,6 +7,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/ScanMean.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
@@ -19,13 +20,15 @@ using D = hn::ScalableTag<std::int32_t>;
 using V = hn::Vec<D>;
 constexpr std::ptrdiff_t kLanes = hn::MaxLanes(D());
 
-// Adds a row of pixels to the column sums, and subtracts another one.
+// Adds a row of pixels to the column sums, and subtracts another one. `soon` is the row that will enter next:
+// the processor does not look ahead as far as that by itself.
 template <bool kEntering, bool kLeaving, typename T>
-void Slide(std::int32_t* sums, T const* entering, T const* leaving, std::ptrdiff_t width) {
+void Slide(std::int32_t* sums, T const* entering, T const* leaving, T const* soon, std::ptrdiff_t width) {
     D const d;
     hn::Rebind<T, D> const narrow;
     std::ptrdiff_t x = 0;
     for (; x + kLanes <= width; x += kLanes) {
+        if (kEntering) hwy::Prefetch(soon + x);
         V sum = hn::LoadU(d, sums + x);
         if (kEntering) sum = hn::Add(sum, hn::PromoteTo(d, hn::LoadU(narrow, entering + x)));
         if (kLeaving) sum = hn::Sub(sum, hn::PromoteTo(d, hn::LoadU(narrow, leaving + x)));
@@ -228,12 +231,13 @@ void MeanImage(T const* input, T* output, Size image, Size window, double* work)
     bool const served = ScanMeanServes(window);
     for (std::ptrdiff_t y = -halfHeight; y < height; ++y) {
         std::ptrdiff_t const entering = y + halfHeight, leaving = y - halfHeight - 1;
+        T const* const soon = input + std::min(entering + 1, height - 1) * width;
         if (leaving < 0)
-            Slide<true, false, T>(sums, input + entering * width, nullptr, width);
+            Slide<true, false, T>(sums, input + entering * width, nullptr, soon, width);
         else if (entering < height)
-            Slide<true, true>(sums, input + entering * width, input + leaving * width, width);
+            Slide<true, true>(sums, input + entering * width, input + leaving * width, soon, width);
         else
-            Slide<false, true, T>(sums, nullptr, input + leaving * width, width);
+            Slide<false, true, T>(sums, nullptr, input + leaving * width, soon, width);
         if (y < 0) continue;
 
         std::ptrdiff_t const rows = CountInside(y, halfHeight, height);

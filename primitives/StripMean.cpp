@@ -15,11 +15,11 @@
 namespace ZPA {
 namespace {
 
-// As many rows as hide the time that an addition takes.
-constexpr std::ptrdiff_t kStripRows = 8;
+// As many rows as hide the time that an addition takes; with more, memory has too many places to look at.
+constexpr std::ptrdiff_t kStripRows = 4;
 
 // Column sums are made this many columns ahead of their use, to be near when they are wanted.
-constexpr std::ptrdiff_t kBlock = 32;
+constexpr std::ptrdiff_t kBlock = 64;
 
 }  // namespace
 }  // namespace ZPA
