@@ -88,17 +88,17 @@ void FillReciprocals(double* reciprocals, std::ptrdiff_t width, std::ptrdiff_t h
     }
 }
 
-// The arithmetic is that of doubles, since they hold all sums, and a pair of lanes divides two columns:
+// The arithmetic is that of doubles, since they hold all sums, and two lanes make one:
 //
-// - A 32-bit number n, with its sign bit flipped, in the low half of 2^52 is the double 2^52 + 2^31 + n.
-// - The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17, and so
-// off
-//   by less than 2^-34. Adding it to kBase, whose last bit is worth 2^-32, puts its whole part into the upper
-//   half of the double, and its fraction into the lower. That is the right whole part if 2^-32 is added as
-//   well: it lifts a whole quotient above the error, and does not make up the 1 / C that the next lower
-//   quotient is short of a whole one, as long as C is at most 2^31. Only wrapping sums come with a larger C;
-//   they are at most 2^31, so their quotients are as far below 1.
-// - To a negative quotient 1 - 2^-32 is added instead, which truncates it toward zero.
+// A 32-bit number n, with its sign bit flipped, in the low half of 2^52 is the double 2^52 + 2^31 + n.
+//
+// The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17, so it
+// is off by less than 2^-34. Added to kBase, whose last bit is worth 2^-32, its whole part comes to stand in
+// the upper half of the double. It is the right one if 2^-32 is added as well: that lifts a whole quotient
+// above the error, but does not make up the 1 / C that another one is short of the next whole number, as
+// long as C is at most 2^31. Only wrapping sums come with a larger C; they are at most 2^31 in size, so
+// that their quotients stay short of 1 by 2^-32 or more. To a negative quotient 1 - 2^-32 is added instead,
+// which truncates it toward zero.
 template <bool kWrapping, typename T>
 void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* output, std::ptrdiff_t width,
              std::ptrdiff_t half, std::ptrdiff_t rows) {
@@ -147,7 +147,7 @@ void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* outpu
         }
     };
 
-    // The sum over the window of the column before the first one: in 32 bits, or as a double less kBias.
+    // The sum over the window that is centred before the first column: in 32 bits, or as a double less kBias.
     V wrapped = hn::Zero(d);
     auto exact = hn::Zero(real);
     for (std::ptrdiff_t x = 0; x < half;) {
