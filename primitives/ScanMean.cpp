@@ -97,7 +97,7 @@ void FillReciprocals(double* reciprocals, std::ptrdiff_t width, std::ptrdiff_t h
 // the upper half of the double. It is the right one if 2^-32 is added as well: that lifts a whole quotient
 // above the error, but does not make up the 1 / C that another one is short of the next whole number, as
 // long as C is at most 2^31. Only wrapping sums come with a larger C; they are at most 2^31 in size, so
-// that their quotients stay short of 1 by 2^-32 or more. To a negative quotient 1 - 2^-32 is added instead,
+// that their quotients stay short of 1 by nearly 2^-31. To a negative quotient 1 - 2^-32 is added instead,
 // which truncates it toward zero.
 template <bool kWrapping, typename T>
 void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* output, std::ptrdiff_t width,
