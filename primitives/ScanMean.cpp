@@ -3,6 +3,7 @@
 #include "primitives/ScanMean.h"
 
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
@@ -228,7 +229,11 @@ void MeanImage(T const* input, T* output, Size image, Size window, double* work)
     std::fill_n(padded, PaddedColumns(image, window), 0);
     std::int32_t* const sums = padded + FirstColumn(window);
 
-    bool const served = ScanMeanServes(window);
+    // Most images do not fill their elements: rows whose sums cannot wrap go the quicker way. A column sum
+    // grows by one pixel from row to row, so the largest is looked for only where that may have brought it
+    // too far.
+    std::int64_t const most = ScanMeanServes(window) ? INT32_MAX / window.width : -1;
+    std::int64_t bound = 0;
     for (std::ptrdiff_t y = -halfHeight; y < height; ++y) {
         std::ptrdiff_t const entering = y + halfHeight, leaving = y - halfHeight - 1;
         T const* const soon = input + std::min(entering + 1, height - 1) * width;
@@ -238,12 +243,13 @@ void MeanImage(T const* input, T* output, Size image, Size window, double* work)
             Slide<true, true>(sums, input + entering * width, input + leaving * width, soon, width);
         else
             Slide<false, true, T>(sums, nullptr, input + leaving * width, soon, width);
+        bound += std::numeric_limits<T>::max();
         if (y < 0) continue;
 
         std::ptrdiff_t const rows = CountInside(y, halfHeight, height);
         T* const out = output + y * width;
-        // Most images do not fill their elements: what cannot wrap takes the quicker way.
-        if (kWrapping && (!served || Largest(sums, width) > INT32_MAX / window.width))
+        if (kWrapping && bound > most) bound = Largest(sums, width);
+        if (kWrapping && bound > most)
             MeanRow<true>(sums, reciprocals, out, width, halfWidth, rows);
         else
             MeanRow<false>(sums, reciprocals, out, width, halfWidth, rows);
