@@ -110,7 +110,8 @@ private:
 };
 
 /// A handle to an Any, shared with the bag that stores it and with every other handle to it. There is always
-/// an Any behind it; the handle of a missing key has one that holds nothing.
+/// an Any behind it; the handle of a missing key has one that holds nothing. `handle->Type()` is the type of
+/// the value.
 ///
 /// It converts to exactly the type that the value has, and to no other: an `int` cannot be read as a `short`
 /// or a `double`. A conversion to any other type throws its message as a plain `char const*`; handle and
@@ -130,51 +131,67 @@ public:
     /// Shares `value`; an empty pointer stands for a new Any that holds nothing.
     AnyHandle(ZPA_Ptr<Any> const& value);
 
-    /// The type of the value; that of `void` if there is none.
-    std::type_info const& Type() const;
-
     /// A copy of the value, of the type that the caller names: any held type, the vectors among them. Of a
     /// pointer it is a further reference.
     /// @throws std::bad_cast "bad cast" if the value is of any other type, or there is none.
     template <typename T> T Get() const {
         static_assert(Detail::IsHeld<T>::value, "no value has this type");
-        if (Type() != typeid(T)) Detail::ThrowBadCast();
+        if (!GetPointer()) Detail::ThrowBadCast();
         return GetPointer()->template Get<T>();
     }
 
-    /// @throws char const* of a vector of texts "can't cast to std::vector<string> in a 32-bit process."; of
-    /// a
-    ///         vector of bags "can't cast to std::vector<ZPA_Ptr<Bag>> in a 32-bit process."; else "Can't
-    ///         cast to unsigned integer".
+    /// @throws char const* "Can't cast to unsigned integer"; but for a vector of texts "can't cast to
+    ///         std::vector<string> in a 32-bit process.", and for a vector of bags "can't cast to
+    ///         std::vector<ZPA_Ptr<Bag>> in a 32-bit process."
     operator unsigned int() const;
-    operator int() const;             ///< @throws char const* "Can't cast to integer"
-    operator unsigned char() const;   ///< @throws char const* "Not an unsigned char."
-    operator char() const;            ///< @throws char const* "Not an char."
-    operator unsigned short() const;  ///< @throws char const* "Not an unsigned short."
-    operator short() const;           ///< @throws char const* "Not a short type."
-    operator float() const;           ///< @throws char const* "Not in float type."
-    operator double() const;          ///< @throws char const* "Not in double type."
-    operator bool() const;  ///< The value, not whether there is one. @throws char const* "Not in boolean
-                            ///< type."
-    operator std::string() const;             ///< @throws char const* "Not in string type."
-    operator ZPA_Ptr<Bag>() const;            ///< @throws char const* "can't cast to ZPA_Ptr<Bag>."
-    operator ZPA_Ptr<unsigned char>() const;  ///< @throws char const* "can't cast to ZPA_Ptr<unsigned char>."
-    operator ZPA_Ptr<char>() const;           ///< @throws char const* "can't cast to ZPA_Ptr<char>."
-    operator ZPA_Ptr<unsigned short>()
-        const;                               ///< @throws char const* "can't cast to ZPA_Ptr<unsigned short>."
-    operator ZPA_Ptr<short>() const;         ///< @throws char const* "can't cast to ZPA_Ptr<short>."
-    operator ZPA_Ptr<unsigned int>() const;  ///< @throws char const* "can't cast to ZPA_Ptr<unsigned int>."
-    operator ZPA_Ptr<int>() const;           ///< @throws char const* "can't cast to ZPA_Ptr<int>."
-    operator ZPA_Ptr<float>() const;         ///< @throws char const* "can't cast to ZPA_Ptr<float>."
-    operator ZPA_Ptr<double>() const;        ///< @throws char const* "can't cast to ZPA_Ptr<double>."
-    operator ZPA_Ptr<bool>() const;          ///< @throws char const* "can't cast to ZPA_Ptr<bool>."
-
-    /// Images have no message of their own. @throws std::bad_cast "bad cast"
+    /// @throws char const* "Can't cast to integer"
+    operator int() const;
+    /// @throws char const* "Not an unsigned char."
+    operator unsigned char() const;
+    /// @throws char const* "Not an char."
+    operator char() const;
+    /// @throws char const* "Not an unsigned short."
+    operator unsigned short() const;
+    /// @throws char const* "Not a short type."
+    operator short() const;
+    /// @throws char const* "Not in float type."
+    operator float() const;
+    /// @throws char const* "Not in double type."
+    operator double() const;
+    /// The value, not whether there is one. @throws char const* "Not in boolean type."
+    operator bool() const;
+    /// @throws char const* "Not in string type."
+    operator std::string() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<Bag>."
+    operator ZPA_Ptr<Bag>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<unsigned char>."
+    operator ZPA_Ptr<unsigned char>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<char>."
+    operator ZPA_Ptr<char>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<unsigned short>."
+    operator ZPA_Ptr<unsigned short>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<short>."
+    operator ZPA_Ptr<short>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<unsigned int>."
+    operator ZPA_Ptr<unsigned int>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<int>."
+    operator ZPA_Ptr<int>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<float>."
+    operator ZPA_Ptr<float>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<double>."
+    operator ZPA_Ptr<double>() const;
+    /// @throws char const* "can't cast to ZPA_Ptr<bool>."
+    operator ZPA_Ptr<bool>() const;
+    /// @throws std::bad_cast "bad cast"
     operator ZPA_Ptr<ZPA_Image<unsigned char>>() const;
-    operator ZPA_Ptr<ZPA_Image<short>>() const;           ///< @throws std::bad_cast "bad cast"
-    operator ZPA_Ptr<ZPA_Image<unsigned short>>() const;  ///< @throws std::bad_cast "bad cast"
-    operator ZPA_Ptr<ZPA_Image<int>>() const;             ///< @throws std::bad_cast "bad cast"
-    operator ZPA_Ptr<ZPA_Image<double>>() const;          ///< @throws std::bad_cast "bad cast"
+    /// @throws std::bad_cast "bad cast"
+    operator ZPA_Ptr<ZPA_Image<short>>() const;
+    /// @throws std::bad_cast "bad cast"
+    operator ZPA_Ptr<ZPA_Image<unsigned short>>() const;
+    /// @throws std::bad_cast "bad cast"
+    operator ZPA_Ptr<ZPA_Image<int>>() const;
+    /// @throws std::bad_cast "bad cast"
+    operator ZPA_Ptr<ZPA_Image<double>>() const;
 
     /// The value as text: a number in decimal, floating point with six decimals, `bool` as 0 or 1, `char` and
     /// `unsigned char` as the character, a `std::string` up to its first zero. Any other type gives
@@ -186,6 +203,7 @@ public:
     char* toString(char* buffer, int size = 1024) const;
 
 private:
+    std::type_info const& HeldType() const;
     template <typename T> T ReadOr(char const* message) const;
 };
 
