@@ -83,7 +83,7 @@ TEST(CopyBuffer, ServesUnsignedShortOnly) {
 
 template <typename T> class ApplyMaskTo : public testing::Test {};
 using Unsigned = testing::Types<unsigned char, unsigned short>;
-TYPED_TEST_SUITE(ApplyMaskTo, Unsigned);
+TYPED_TEST_SUITE(ApplyMaskTo, Unsigned, );
 
 TYPED_TEST(ApplyMaskTo, WhatTheModelClearsOnEverySimdTarget) {
     for (Shape const shape : kShapes)
@@ -172,7 +172,7 @@ TEST(Compare, AnswersWithCodes) {
 
 template <typename T> class DecimateAndCompareOf : public testing::Test {};
 using Comparable = testing::Types<unsigned char, short, unsigned short, float, double>;
-TYPED_TEST_SUITE(DecimateAndCompareOf, Comparable);
+TYPED_TEST_SUITE(DecimateAndCompareOf, Comparable, );
 
 TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     using T = TypeParam;

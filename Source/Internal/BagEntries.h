@@ -4,6 +4,8 @@
 
 #include <Basics/Bag.h>
 
+#include <string_view>
+
 namespace ZPA {
 
 // One entry, as it stands in the four lists. The value always points at an Any.
@@ -51,7 +53,7 @@ public:
     }
 
     // The first entry with exactly this key, or end().
-    Iterator Find(std::string const& key) const;
+    Iterator Find(std::string_view key) const;
     // The entry at a position counted from 0, or end().
     Iterator At(int index) const;
 

@@ -13,7 +13,7 @@
 
 namespace ZPA {
 
-class Bag;
+class ZPA_API Bag;
 
 /// @cond The closed list of held types, asked for at compile time.
 namespace Detail {

@@ -1,0 +1,17 @@
+// All of the library at once.
+#ifndef ZPA_BASICS_ZPA_H
+#define ZPA_BASICS_ZPA_H
+
+/// @file
+/// Includes every public header. Each can be included alone as well.
+
+#include <Basics/CoreTypes.h>
+#include <Basics/Export.h>
+#include <Basics/Factory.h>
+#include <Basics/ImageBuffer.h>
+#include <Basics/Logging.h>
+#include <Basics/PixelOperations.h>
+#include <Basics/RawFile.h>
+#include <Basics/SmartPointer.h>
+
+#endif
