@@ -261,6 +261,7 @@ TEST(Bag, MayContainItself) {
     bag->ClearDirty("self");
     EXPECT_FALSE(bag->IsDirty(""));
     EXPECT_TRUE(bag->Has("self/self/x"));
+    bag->Clear();
     // The last pointer to the bag is the one in it, which the call releases.
     for (int way = 0; way < 3; ++way) {
         bag = NewBag();
