@@ -17,7 +17,9 @@ static_assert(!std::is_constructible<Any, long>::value && !std::is_constructible
                   !std::is_constructible<Any, ZPA_Ptr<long>>::value &&
                   !std::is_constructible<Any, ZPA_Ptr<ZPA_Image<float>>>::value,
               "the list of held types is closed");
-static_assert(sizeof(std::size_t) == sizeof(unsigned int) || !std::is_constructible<Texts, AnyHandle>::value,
+static_assert(sizeof(std::size_t) == sizeof(unsigned int) ||
+                  (!std::is_constructible<Texts, AnyHandle>::value &&
+                   !std::is_constructible<Bags, AnyHandle>::value),
               "a vector must not take its size from a handle");
 
 template <typename T> AnyHandle Handle(T const& value) { return AnyHandle(new Any(value)); }
