@@ -17,7 +17,9 @@ static_assert(!std::is_constructible<Any, long>::value && !std::is_constructible
                   !std::is_constructible<Any, ZPA_Ptr<long>>::value &&
                   !std::is_constructible<Any, ZPA_Ptr<ZPA_Image<float>>>::value,
               "the list of held types is closed");
-static_assert(sizeof(std::size_t) == sizeof(unsigned int) || !std::is_constructible<Texts, AnyHandle>::value,
+static_assert(sizeof(std::size_t) == sizeof(unsigned int) ||
+                  (!std::is_constructible<Texts, AnyHandle>::value &&
+                   !std::is_constructible<Bags, AnyHandle>::value),
               "a vector must not take its size from a handle");
 
 template <typename T> AnyHandle Handle(T const& value) { return AnyHandle(new Any(value)); }
@@ -100,19 +102,6 @@ TEST(AnyHandle, ConvertsToTheHeldTypeAndRefusesEveryOther) {
     }
 }
 
-TEST(AnyHandle, GivesTheValueItself) {
-    unsigned int const number = Handle(4294967295u);
-    EXPECT_EQ(number, 4294967295u);
-    std::string const text = Handle(std::string("a\0b", 3));
-    EXPECT_EQ(text, std::string("a\0b", 3));
-    ZPA_Ptr<double> const array(new double[2]());
-    ZPA_Ptr<double> const shared = Handle(array);
-    EXPECT_EQ(shared.GetPointer(), array.GetPointer());
-    ZPA_Ptr<Bytes> const image(new Bytes);
-    ZPA_Ptr<Bytes> const sharedImage = Handle(image);
-    EXPECT_EQ(sharedImage.GetPointer(), image.GetPointer());
-}
-
 TEST(AnyHandle, ReadsVectorsForThoseWhoNameThem) {
     Texts const texts{"one", ""};
     EXPECT_EQ(Handle(texts).Get<Texts>(), texts);
@@ -132,12 +121,14 @@ TEST(AnyHandle, AlwaysHasAnAnyBehindIt) {
     EXPECT_THROW((void)handle.Get<int>(), std::bad_cast);
 }
 
-TEST(AnyHandle, SharesTheAnyWhileAnAnyIsCopied) {
+TEST(AnyHandle, SharesTheAnyAndAnAnySharesWhatItPointsAt) {
     ZPA_Ptr<int> const array(new int[1]());
     AnyHandle const handle = Handle(array);
     AnyHandle const second = handle;
     EXPECT_EQ(second.GetPointer(), handle.GetPointer());
     EXPECT_FALSE(handle.IsUnique());
+    ZPA_Ptr<int> const read = handle;
+    EXPECT_EQ(read.GetPointer(), array.GetPointer());
     Any const copy(*handle);
     EXPECT_NE(&copy.Get<ZPA_Ptr<int>>(), &handle->Get<ZPA_Ptr<int>>());
     EXPECT_EQ(copy.Get<ZPA_Ptr<int>>().GetPointer(), array.GetPointer());
