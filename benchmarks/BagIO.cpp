@@ -1,4 +1,4 @@
-// Bags saved to documents and loaded from them, and their images beside a file of the same bytes.
+// Bags saved to documents and loaded from them, beside the same bytes written and read as they are.
 #include <Basics/ZPA_BagIO.h>
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "support/Benchmark.h"
 #include "support/Scene.h"
@@ -22,7 +23,7 @@ public:
         std::filesystem::create_directories(path_);
     }
     ~Folder() { std::filesystem::remove_all(path_); }
-    std::string Path(char const* name) const { return (path_ / name).string(); }
+    std::string Path(std::string const& name) const { return (path_ / name).string(); }
 
 private:
     static inline int next_ = 0;
@@ -56,94 +57,83 @@ BagPtr Levels(int count) {
     return bag;
 }
 
+// One image; the count is its side.
+BagPtr Scan(int side) {
+    auto random = RandomImage<unsigned short>(side, side);
+    ZPA_Ptr<ZPA_Image<unsigned short>> const image(
+        new ZPA_Image<unsigned short>(nullptr, side, side, 0, 16, 0, true, false));
+    std::copy(random.Elements().begin(), random.Elements().end(), image->GetBufferPtr());
+    BagPtr const bag(new Bag);
+    bag->Set("Scan", image);
+    return bag;
+}
+
+// A bag in its document, and the same files once more for the peer.
 struct Scene {
-    Folder folder;
+    struct Copy {
+        std::string path;
+        std::unique_ptr<char[]> bytes;
+        std::size_t size;
+    };
+    Folder folder, peers;
+    std::string document = folder.Path("bag.xml");
     BagPtr bag;
+    std::vector<Copy> copies;
+
+    explicit Scene(BagPtr const& made) : bag(made) {
+        Save();
+        for (auto const& each : std::filesystem::directory_iterator(folder.Path(""))) {
+            copies.push_back({peers.Path(each.path().filename().string()), nullptr, each.file_size()});
+            std::filesystem::copy_file(each.path(), copies.back().path);
+        }
+        ReadCopies();
+    }
+    void Save() { ZPA_BagIO().SaveBag(bag, document); }
+    void Load() { bag = ZPA_BagIO().LoadBag(document); }
+    void WriteCopies() {
+        for (Copy const& copy : copies) {
+            std::FILE* const file = std::fopen(copy.path.c_str(), "wb");
+            std::fwrite(copy.bytes.get(), 1, copy.size, file);
+            std::fclose(file);
+        }
+    }
+    void ReadCopies() {
+        for (Copy& copy : copies) {
+            std::FILE* const file = std::fopen(copy.path.c_str(), "rb");
+            copy.bytes.reset(new char[copy.size]);
+            copy.size = std::fread(copy.bytes.get(), 1, copy.size, file);
+            std::fclose(file);
+        }
+    }
 };
 
 std::function<Contenders()> Saving(BagPtr (*make)(int), int count) {
     return [=] {
-        auto const scene = std::make_shared<Scene>();
-        scene->bag = make(count);
-        return Contenders{
-            [scene] { ZPA_BagIO().SaveBag(scene->bag, scene->folder.Path("bag.xml")); }, "", {}, {}};
+        auto const scene = std::make_shared<Scene>(make(count));
+        return Contenders{[scene] { scene->Save(); }, "fwrite", [scene] { scene->WriteCopies(); }, {}};
     };
 }
 
 std::function<Contenders()> Loading(BagPtr (*make)(int), int count) {
     return [=] {
-        auto const scene = std::make_shared<Scene>();
-        ZPA_BagIO().SaveBag(make(count), scene->folder.Path("bag.xml"));
-        return Contenders{
-            [scene] { scene->bag = ZPA_BagIO().LoadBag(scene->folder.Path("bag.xml")); }, "", {}, {}};
+        auto const scene = std::make_shared<Scene>(make(count));
+        return Contenders{[scene] { scene->Load(); }, "fread", [scene] { scene->ReadCopies(); }, {}};
     };
 }
 
-using Pixels = unsigned short;
-constexpr int kSide = 2048;
-constexpr std::size_t kPixels = std::size_t{kSide} * kSide;
-
-struct ImageScene : Scene {
-    ZPA_Ptr<ZPA_Image<Pixels>> image{new ZPA_Image<Pixels>(nullptr, kSide, kSide, 0, 16, 0, true, true)};
-    std::string raw = folder.Path("peer.raw");
-    std::unique_ptr<Pixels[]> read;
-
-    ImageScene() {
-        auto random = RandomImage<Pixels>(kSide, kSide);
-        std::copy(random.Row(0), random.Row(0) + kPixels, image->GetBufferPtr());
-        bag = BagPtr(new Bag);
-        bag->Set("Scan", image);
-    }
-    void Save() { ZPA_BagIO().SaveBag(bag, folder.Path("bag.xml")); }
-    void Write() {
-        std::FILE* const file = std::fopen(raw.c_str(), "wb");
-        std::fwrite(image->GetBufferPtr(), sizeof(Pixels), kPixels, file);
-        std::fclose(file);
-    }
-    void Read() {
-        std::FILE* const file = std::fopen(raw.c_str(), "rb");
-        read.reset(new Pixels[kPixels]);
-        if (std::fread(read.get(), sizeof(Pixels), kPixels, file) != kPixels) read.reset();
-        std::fclose(file);
-    }
-};
-
-Contenders SavingAnImage() {
-    auto const scene = std::make_shared<ImageScene>();
-    return {[scene] { scene->Save(); }, "fwrite", [scene] { scene->Write(); },
-            [scene] {
-                return std::filesystem::file_size(scene->folder.Path("Bag.Scan.2048.2048.raw")) ==
-                       std::filesystem::file_size(scene->raw);
-            }};
+void RegisterBoth(char const* what, char const* type, int width, int height, Traffic traffic,
+                  BagPtr (*make)(int)) {
+    Register({std::string("SaveBag ") + what, type, width, height, traffic, Saving(make, width)});
+    Register({std::string("LoadBag ") + what, type, width, height, traffic, Loading(make, width)});
 }
 
-Contenders LoadingAnImage() {
-    auto const scene = std::make_shared<ImageScene>();
-    scene->Save();
-    scene->Write();
-    return {[scene] { scene->bag = ZPA_BagIO().LoadBag(scene->folder.Path("bag.xml")); }, "fread",
-            [scene] { scene->Read(); },
-            [scene] {
-                ZPA_Ptr<ZPA_Image<Pixels>> const loaded = scene->bag->Get("Scan");
-                return scene->read &&
-                       std::equal(scene->read.get(), scene->read.get() + kPixels, loaded->GetBufferPtr());
-            }};
-}
-
-// The size of a row is that of its bag: a row's time divided by its width tells whether the cost is linear.
+// The peer moves the same bytes from and to as many files, and knows nothing of what they mean. A row is as
+// wide as its bag: times of the same kind tell whether the cost is linear.
 Registration const rows([] {
-    for (int count : {250, 1000, 4000}) {
-        Register({"SaveBag scalars", "64f", count, 1, {0, 0}, Saving(Scalars, count)});
-        Register({"LoadBag scalars", "64f", count, 1, {0, 0}, Loading(Scalars, count)});
-    }
-    Register({"SaveBag arrays", "32s", 100, 1, {0, 0}, Saving(Arrays, 100)});
-    Register({"LoadBag arrays", "32s", 100, 1, {0, 0}, Loading(Arrays, 100)});
-    for (int count : {60, 120, 240}) {
-        Register({"SaveBag levels", "64f", count, 1, {0, 0}, Saving(Levels, count)});
-        Register({"LoadBag levels", "64f", count, 1, {0, 0}, Loading(Levels, count)});
-    }
-    Register({"SaveBag image", "16u", kSide, kSide, {2, 2}, SavingAnImage});
-    Register({"LoadBag image", "16u", kSide, kSide, {2, 2}, LoadingAnImage});
+    for (int count : {250, 1000, 4000}) RegisterBoth("scalars", "64f", count, 1, {0, 0}, Scalars);
+    RegisterBoth("arrays", "32s", 100, 1, {0, 0}, Arrays);
+    for (int count : {60, 120, 240}) RegisterBoth("levels", "64f", count, 1, {0, 0}, Levels);
+    RegisterBoth("image", "16u", 2048, 2048, {2, 2}, Scan);
 });
 
 }  // namespace

@@ -2,7 +2,7 @@
 #ifndef ZPA_SOURCE_INTERNAL_SIDEFILE_H
 #define ZPA_SOURCE_INTERNAL_SIDEFILE_H
 
-#include <Basics/SmartPointer.h>
+#include <Basics/Any.h>  // its arrays are instantiated once, for all who share them
 
 #include <cstdint>
 #include <string>
