@@ -20,8 +20,8 @@ constexpr std::size_t kBeyondEnd = 16;
 
 // A line ends with one line feed, however it ended in the file.
 void NormalizeLineEnds(std::string& text) {
-    std::size_t out = 0;
-    for (std::size_t in = 0; in < text.size(); ++in) {
+    std::size_t out = std::min(text.find('\r'), text.size());
+    for (std::size_t in = out; in < text.size(); ++in) {
         bool const half = text[in] == '\r' && in + 1 < text.size() && text[in + 1] == '\n';
         if (!half) text[out++] = text[in] == '\r' ? '\n' : text[in];
     }

@@ -24,8 +24,9 @@ bool ContinuesName(char c) {
 // A mark of the byte order, and the two characters beside it that do not exist: in UTF-8 the parser takes all
 // three for white space.
 bool IsMark(char const* text) {
-    return std::strncmp(text, "\xEF\xBB\xBF", 3) == 0 || std::strncmp(text, "\xEF\xBF\xBE", 3) == 0 ||
-           std::strncmp(text, "\xEF\xBF\xBF", 3) == 0;
+    if (*text != '\xEF') return false;
+    std::string_view const rest(text + 1, text[1] ? 2 : 0);
+    return rest == "\xBB\xBF" || rest == "\xBF\xBE" || rest == "\xBF\xBF";
 }
 
 // Goes through a document as the parser does, oddities included, so that both agree on what is a tag: else a
@@ -48,7 +49,7 @@ private:
     }
 
     bool Node() {
-        while (IsMark(at_) || IsSpace(*at_)) at_ += IsMark(at_) ? 3 : 1;
+        while (IsSpace(*at_) || IsMark(at_)) at_ += IsSpace(*at_) ? 1 : 3;
         if (!*at_) return false;
         if (*at_ != '<') return depth_ > 0 && Text('<');
         if (depth_ > 0 && Follows("</")) {
@@ -177,8 +178,11 @@ bool IsUtf8(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         auto const byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
         unsigned const lead = byte(at);
-        std::size_t const size = lead < 0x80                   ? 1
-                                 : lead >= 0xC2 && lead < 0xE0 ? 2
+        if (lead < 0x80) {
+            ++at;
+            continue;
+        }
+        std::size_t const size = lead >= 0xC2 && lead < 0xE0   ? 2
                                  : lead >= 0xE0 && lead < 0xF0 ? 3
                                  : lead >= 0xF0 && lead < 0xF5 ? 4
                                                                : 0;
