@@ -12,6 +12,7 @@
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
+#include <Basics/FlatTopFilter.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
 #include <Basics/Logging.h>
