@@ -9,6 +9,7 @@
 
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
+#include "Source/Internal/RawBlock.h"
 #include "Source/Internal/Trace.h"
 #include "Source/Platform/File.h"
 
@@ -17,25 +18,6 @@ namespace {
 
 // True if the file holds all that was written: what is buffered may fail as late as here.
 bool Close(File file) { return std::fclose(file.release()) == 0; }
-
-// dumpRaw for blocks of any size.
-SOLVANE_RETURNCODE WriteBlock(void const* data, std::uint64_t bytes, char const* path) {
-    return Guarded(L"ZPA::dumpRaw", [&] {
-        if (!data || !path) return Fail(SOLVANE_NULL_POINTER, L"dumpRaw() - NULL input pointer.");
-        if (bytes > PTRDIFF_MAX) return Fail(SOLVANE_OUT_OF_RANGE, L"dumpRaw() - Invalid number of bytes.");
-
-        File file(std::fopen(path, "wb"));
-        if (!file) {
-            Trace(eLogFunction, L"dumpRaw() - Cannot open %S for writing.", path);
-            return SOLVANE_UNEXPECTED;
-        }
-        auto const size = static_cast<std::size_t>(bytes);
-        bool const written = std::fwrite(data, 1, size, file.get()) == size;
-        if (!Close(std::move(file)) || !written)
-            return Fail(SOLVANE_UNEXPECTED, L"dumpRaw() - Error in writing %S.", path);
-        return SOLVANE_OK;
-    });
-}
 
 // What tells images from masks when they are dumped.
 struct DumpKind {
@@ -134,6 +116,24 @@ template <typename T> bool WritePixels(T const* pixels, std::int64_t count, std:
 }
 
 }  // namespace
+
+SOLVANE_RETURNCODE WriteBlock(void const* data, std::uint64_t bytes, char const* path) {
+    return Guarded(L"ZPA::dumpRaw", [&] {
+        if (!data || !path) return Fail(SOLVANE_NULL_POINTER, L"dumpRaw() - NULL input pointer.");
+        if (bytes > PTRDIFF_MAX) return Fail(SOLVANE_OUT_OF_RANGE, L"dumpRaw() - Invalid number of bytes.");
+
+        File file(std::fopen(path, "wb"));
+        if (!file) {
+            Trace(eLogFunction, L"dumpRaw() - Cannot open %S for writing.", path);
+            return SOLVANE_UNEXPECTED;
+        }
+        auto const size = static_cast<std::size_t>(bytes);
+        bool const written = std::fwrite(data, 1, size, file.get()) == size;
+        if (!Close(std::move(file)) || !written)
+            return Fail(SOLVANE_UNEXPECTED, L"dumpRaw() - Error in writing %S.", path);
+        return SOLVANE_OK;
+    });
+}
 
 SOLVANE_RETURNCODE dumpRaw(void const* data, int bytes, char const* path) {
     return WriteBlock(data, bytes < 0 ? kNoSize : static_cast<std::uint64_t>(bytes), path);
