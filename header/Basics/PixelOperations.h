@@ -101,7 +101,7 @@ ZPA_C_API SOLVANE_RETURNCODE copyBuffer(BufferAttributes source, BufferAttribute
 /// The core of copyImage, for T of `unsigned char`, `unsigned short` and `double`. It frees nothing on
 /// failure.
 template <typename T>
-ZPA_API SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes* destination);
+ZPA_TEMPLATE_API SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes* destination);
 
 /// Clears every element of `image` whose element in `mask` is zero.
 ///
@@ -134,7 +134,7 @@ ZPA_C_API SOLVANE_RETURNCODE compare(ImageAttributes first, ImageAttributes seco
 
 /// The core of compare, for T of `unsigned short`.
 template <typename T>
-ZPA_API SOLVANE_RETURNCODE template_compare(ImageAttributes first, ImageAttributes second);
+ZPA_TEMPLATE_API SOLVANE_RETURNCODE template_compare(ImageAttributes first, ImageAttributes second);
 
 /// Whether two images agree, within a tolerance, at sampled pixels.
 ///
@@ -193,6 +193,13 @@ ZPA_C_API SOLVANE_RETURNCODE DiffBuffer(BufferAttributes source, BufferAttribute
 /// Limits beyond 16 bits compare whole, and are cut to their low 16 bits where they are stored. A null
 /// pointer or a count below 1 does nothing.
 ZPA_C_API void ClipImage(short* pixels, int count, int low, int high);
+
+/// @cond The instantiations that the library holds.
+extern template SOLVANE_RETURNCODE template_copy<unsigned char>(ImageAttributes, ImageAttributes*);
+extern template SOLVANE_RETURNCODE template_copy<unsigned short>(ImageAttributes, ImageAttributes*);
+extern template SOLVANE_RETURNCODE template_copy<double>(ImageAttributes, ImageAttributes*);
+extern template SOLVANE_RETURNCODE template_compare<unsigned short>(ImageAttributes, ImageAttributes);
+/// @endcond
 
 }  // namespace ZPA
 
