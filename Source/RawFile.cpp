@@ -2,6 +2,7 @@
 #include <Basics/RawFile.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <string>
 #include <utility>
@@ -58,21 +59,39 @@ SOLVANE_RETURNCODE Dump(DumpKind const& kind, void const* data, int width, int h
 // In the current rounding mode, which is to nearest even unless the caller has changed it. 0 for what has no
 // place in a byte, as not-a-number.
 unsigned char RoundToByte(double value) {
-    double const rounded = std::nearbyint(value);
-    return rounded >= 0 && rounded <= 255 ? static_cast<unsigned char>(rounded) : std::uint8_t{0};
+    // Beside this number a double has no room for a fraction: quicker than a call, where doubles are no
+    // wider.
+    constexpr double kShift = 6755399441055744.0;
+    double const rounded = FLT_EVAL_METHOD == 0 ? (value + kShift) - kShift : std::nearbyint(value);
+    return rounded >= 0 && rounded <= 255 ? static_cast<unsigned char>(static_cast<int>(rounded))
+                                          : std::uint8_t{0};
+}
+
+// Several at a time, since each comparison waits for the one before it. A comparison with not-a-number keeps
+// what there was.
+template <typename T> std::pair<T, T> MinimumAndMaximum(T const* pixels, std::int64_t count) {
+    constexpr int kLanes = 8;
+    T low[kLanes], high[kLanes];
+    std::fill_n(low, kLanes, pixels[0]);
+    std::fill_n(high, kLanes, pixels[0]);
+    auto const take = [&](T pixel, int lane) {
+        low[lane] = pixel < low[lane] ? pixel : low[lane];
+        high[lane] = pixel > high[lane] ? pixel : high[lane];
+    };
+    std::int64_t i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        for (int lane = 0; lane < kLanes; ++lane) take(pixels[i + lane], lane);
+    for (; i < count; ++i) take(pixels[i], 0);
+    return {*std::min_element(low, low + kLanes), *std::max_element(high, high + kLanes)};
 }
 
 // Stretches the range of the pixels over that of a byte.
 template <typename T> class GreyScale {
 public:
-    GreyScale(T const* pixels, std::int64_t count) : minimum_(static_cast<double>(pixels[0])), scale_(0) {
-        double maximum = minimum_;
-        for (std::int64_t i = 1; i < count; ++i) {
-            auto const pixel = static_cast<double>(pixels[i]);
-            // In this order a comparison with not-a-number keeps what there was.
-            minimum_ = pixel < minimum_ ? pixel : minimum_;
-            maximum = pixel > maximum ? pixel : maximum;
-        }
+    GreyScale(T const* pixels, std::int64_t count) : scale_(0) {
+        auto const range = MinimumAndMaximum(pixels, count);
+        minimum_ = static_cast<double>(range.first);
+        auto const maximum = static_cast<double>(range.second);
         if (maximum != minimum_) scale_ = 255 / (maximum - minimum_);
     }
     unsigned char operator()(T pixel) const {
