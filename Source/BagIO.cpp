@@ -28,7 +28,7 @@ std::string TextOf(BagEntry const& entry) {
 
 }  // namespace
 
-BagIO::BagIO() {}
+BagIO::BagIO() = default;
 
 bool BagIO::SaveSpecialType(TiXmlElement*, ZPA_Ptr<Bag>, std::string const&, std::string const&,
                             std::string const&) {
