@@ -1,6 +1,6 @@
 // A processing step whose parameters and results travel in a bag, and a document that keeps the bag.
 //
-// Usage: bag_step [DOCUMENT]
+// Usage: bag_step [DOCUMENT]. The lines between the marks are the second sample in README.md.
 #include <Basics/IProcess.h>
 #include <Basics/PixelOperations.h>
 #include <Basics/ZPA_BagIO.h>
@@ -10,6 +10,7 @@
 
 namespace {
 
+// [sample]
 using BagPtr = ZPA::ZPA_Ptr<ZPA::Bag>;
 using Image = ZPA::ZPA_Ptr<ZPA::ZPA_Image<unsigned short>>;
 using Mask = ZPA::ZPA_Ptr<ZPA::ZPA_Image<unsigned char>>;
@@ -39,6 +40,7 @@ public:
         return true;
     }
 };
+// [sample]
 
 // A ramp of grey, and a round field in it.
 BagPtr Exposure() {
