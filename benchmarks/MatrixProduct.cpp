@@ -39,7 +39,9 @@ template <typename T> Contenders Product(int height, int width, int length) {
                           {}};
 #ifdef ZPA_PEER_OPENBLAS
     openblas_set_num_threads(omp_get_max_threads());
-    contenders.peer = "OpenBLAS gemm";
+    // With the kernels that it chose: on a processor younger than itself it takes its slowest, unless
+    // OPENBLAS_CORETYPE names better ones, such as SkylakeX.
+    contenders.peer = std::string("OpenBLAS gemm, ") + openblas_get_corename();
     contenders.theirs = [=] {
         Gemm(height, width, length, scene->first.Row(0), scene->second.Row(0), scene->theirs.Row(0));
     };
