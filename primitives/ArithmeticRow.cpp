@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "primitives/MapRow-inl.h"
 
@@ -76,83 +77,132 @@ template <typename T> struct Absolute {
 };
 
 // Quotients of integers are made in floating point: of 8 and 16 bits in floats, of 32 bits in doubles. With
-// half a unit added to its size, a dividend of n gives (n + 0.5) / m, which lies at least 0.5 / m away from
-// every integer; the whole part is right as long as the error stays below that. Half a unit less, the nearest
-// integer is the whole part.
-template <typename T> using RealFor = std::conditional_t<sizeof(T) == 4, double, float>;
+// half a unit added, a dividend of n gives (n + 0.5) / m, which lies at least 0.5 / m away from every
+// integer; the whole part is right as long as the error stays below that. Half a unit less, the nearest
+// integer is the whole part. Signed elements are divided by their sizes, and the sign is given back.
+//
+// A word of the floating-point type's size holds several elements. Each is taken out, divided and put back
+// where it was, so that nothing moves between lanes.
+template <typename T> struct Quotient {
+    using Real = std::conditional_t<sizeof(T) == 4, double, float>;
+    using Word = hwy::MakeUnsigned<Real>;
+    static constexpr int kBits = 8 * sizeof(T);
+    static constexpr int kParts = sizeof(Word) / sizeof(T);
+    static constexpr Word kPart = static_cast<Word>(~Word{0}) >> (8 * sizeof(Word) - kBits);
+    // The lowest bit of a number of this size counts one, so its low bits are an integer's place.
+    static constexpr Real kUnit = sizeof(T) == 4 ? Real(4503599627370496) : Real(8388608);
 
-// As many elements as a vector of the floating-point type has.
-template <typename T> using QuotientTag = hn::Rebind<T, hn::ScalableTag<RealFor<T>>>;
+    template <class D> using Words = hn::Repartition<Word, D>;
+    template <class D> using Reals = hn::Repartition<Real, D>;
+    // Vectors without room for a word divide plainly.
+    template <class D> static constexpr bool kHoldsWords = hn::MaxLanes(D()) * sizeof(T) >= sizeof(Word);
 
-template <class D> HWY_INLINE hn::Vec<hn::Rebind<RealFor<hn::TFromD<D>>, D>> ToReal(D, hn::Vec<D> value) {
-    using T = hn::TFromD<D>;
-    hn::Rebind<RealFor<T>, D> const real;
-    if constexpr (sizeof(T) < 4) {
-        return hn::ConvertTo(real, hn::PromoteTo(hn::Rebind<std::int32_t, D>(), value));
-    } else if constexpr (std::is_signed_v<T>) {
-        return hn::PromoteTo(real, value);
-    } else {
-        // The low bits of the double 2^52 are an integer's place.
-        hn::Rebind<std::uint64_t, D> const bits;
-        auto const shift = hn::Set(real, 4503599627370496.0);
-        auto const shifted = hn::Or(hn::PromoteTo(bits, value), hn::BitCast(bits, shift));
-        return hn::Sub(hn::BitCast(real, shifted), shift);
+    // A part as a number, and something added to it.
+    template <int kIndex, class D>
+    static HWY_INLINE hn::Vec<Reals<D>> Part(D, hn::Vec<Words<D>> elements, Real added) {
+        Words<D> const words;
+        Reals<D> const reals;
+        auto part = hn::ShiftRight<kIndex * kBits>(elements);
+        if constexpr (kIndex + 1 < kParts) part = hn::And(part, hn::Set(words, kPart));
+        auto const shifted = hn::Or(part, hn::BitCast(words, hn::Set(reals, kUnit)));
+        return hn::Sub(hn::BitCast(reals, shifted), hn::Set(reals, kUnit - added));
     }
-}
-
-// The low bits of the integer nearest to a value below 2^22 (floats) or 2^51 (doubles): a sum of this size
-// has no bits for fractions, and ends in those of the integer, in two's complement.
-template <class D> HWY_INLINE hn::Vec<D> LowBits(D d, hn::Vec<hn::Rebind<RealFor<hn::TFromD<D>>, D>> value) {
-    using T = hn::TFromD<D>;
-    hn::Rebind<RealFor<T>, D> const real;
-    hn::RebindToUnsigned<decltype(real)> const bits;
-    auto const shift = hn::Set(real, sizeof(T) == 4 ? RealFor<T>(6755399441055744.0) : RealFor<T>(12582912));
-    auto const sum = hn::BitCast(bits, hn::Add(value, shift));
-    if constexpr (sizeof(T) == 1) {
-        hn::Rebind<std::int32_t, D> const words;
-        auto const low = hn::BitCast(words, hn::And(sum, hn::Set(bits, 0xFF)));
-        return hn::BitCast(d, hn::DemoteTo(hn::Rebind<std::uint8_t, D>(), low));
-    } else {
-        return hn::BitCast(d, hn::TruncateTo(hn::RebindToUnsigned<D>(), sum));
+    // The integer nearest to a number that may be just below zero, at the part's place.
+    template <int kIndex, class D> static HWY_INLINE hn::Vec<Words<D>> Placed(D, hn::Vec<Reals<D>> number) {
+        Words<D> const words;
+        Reals<D> const reals;
+        auto part = hn::BitCast(words, hn::Add(number, hn::Set(reals, Real(1.5) * kUnit)));
+        if constexpr (kIndex + 1 < kParts) part = hn::And(part, hn::Set(words, kPart));
+        return hn::ShiftLeft<kIndex * kBits>(part);
     }
-}
 
-// By the processor's own division, which faults where a divisor is zero. In 64 bits, so that nothing else
-// does.
+    // Elements as words of their sizes, and words of quotients as elements whose sign is that of `signs`.
+    template <class D> static HWY_INLINE hn::Vec<Words<D>> Sizes(D, hn::Vec<D> elements) {
+        if constexpr (std::is_signed_v<T>)
+            return hn::BitCast(Words<D>(), hn::Abs(elements));
+        else
+            return hn::BitCast(Words<D>(), elements);
+    }
+    template <class D> static HWY_INLINE hn::Vec<D> Signed(D d, hn::Vec<Words<D>> sizes, hn::Vec<D> signs) {
+        auto const quotients = hn::BitCast(d, sizes);
+        if constexpr (std::is_signed_v<T>) {
+            auto const negative = hn::VecFromMask(d, hn::Lt(signs, hn::Zero(d)));
+            return hn::Sub(hn::Xor(quotients, negative), negative);
+        } else {
+            return quotients;
+        }
+    }
+};
+
+// By the processor's own division, which faults where a divisor is zero; volatile, since the compiler may not
+// know that one is. In 64 bits, so that nothing else faults.
 template <typename T>
-HWY_NOINLINE void DividePlainly(T const* a, T const* b, T* quotients, std::ptrdiff_t count) {
+HWY_NOINLINE void DividePlainly(T const* a, T const volatile* b, T* quotients, std::ptrdiff_t count) {
     for (std::ptrdiff_t x = 0; x < count; ++x)
         quotients[x] = static_cast<T>(std::int64_t{a[x]} / std::int64_t{b[x]});
 }
 
-template <typename T> struct Quotients {
+template <class V> HWY_INLINE V Estimate(V m) { return hn::ApproximateReciprocal(m); }
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+// The processor's own, which Highway has for floats only.
+HWY_INLINE hn::Vec512<double> Estimate(hn::Vec512<double> m) {
+    return hn::Vec512<double>{_mm512_rcp14_pd(m.raw)};
+}
+HWY_INLINE hn::Vec256<double> Estimate(hn::Vec256<double> m) {
+    return hn::Vec256<double>{_mm256_rcp14_pd(m.raw)};
+}
+HWY_INLINE hn::Vec128<double> Estimate(hn::Vec128<double> m) {
+    return hn::Vec128<double>{_mm_rcp14_pd(m.raw)};
+}
+HWY_INLINE hn::Vec64<double> Estimate(hn::Vec64<double> m) { return hn::Vec64<double>{_mm_rcp14_pd(m.raw)}; }
+constexpr bool kEstimatesDoubles = true;
+#else
+constexpr bool kEstimatesDoubles = false;
+#endif
+
+template <typename T> struct QuotientsOfRows {
+    using Of = Quotient<T>;
     T const* a;
     T const* b;
+
     template <class D> HWY_INLINE hn::Vec<D> operator()(D d, std::ptrdiff_t x) const {
-        hn::Rebind<RealFor<T>, D> const real;
         auto const divisors = hn::LoadU(d, b + x);
-        if (HWY_UNLIKELY(!hn::AllFalse(d, hn::Eq(divisors, hn::Zero(d))))) {
-            T quotients[hn::MaxLanes(D())];
-            DividePlainly(a + x, b + x, quotients, static_cast<std::ptrdiff_t>(hn::MaxLanes(d)));
-            return hn::LoadU(d, quotients);
-        }
-        auto const half = hn::Set(real, RealFor<T>(0.5));
-        auto const m = ToReal(d, divisors), n = ToReal(d, hn::LoadU(d, a + x));
-        if constexpr (sizeof(T) == 4) {
-            // Adding half a unit is exact. The quotient is wrong by less than 2^32 / m * 2^-53, and taking
-            // half a unit off adds as little.
-            auto const quotient = hn::Div(hn::Add(n, hn::CopySign(half, n)), m);
-            return LowBits(d, hn::Sub(quotient, hn::CopySign(half, quotient)));
+        if constexpr (Of::template kHoldsWords<D>)
+            if (HWY_LIKELY(hn::AllFalse(d, hn::Eq(divisors, hn::Zero(d)))))
+                return Divided(d, hn::LoadU(d, a + x), divisors, std::make_index_sequence<Of::kParts>());
+        T quotients[hn::MaxLanes(D())];
+        DividePlainly(a + x, b + x, quotients, static_cast<std::ptrdiff_t>(hn::MaxLanes(d)));
+        return hn::LoadU(d, quotients);
+    }
+
+private:
+    template <class D, std::size_t... Index>
+    static HWY_INLINE hn::Vec<D> Divided(D d, hn::Vec<D> dividends, hn::Vec<D> divisors,
+                                         std::index_sequence<Index...>) {
+        typename Of::template Reals<D> const reals;
+        auto const n = Of::Sizes(d, dividends), m = Of::Sizes(d, divisors);
+        auto sizes = hn::Xor(n, n);
+        ((sizes = hn::Or(sizes, Of::template Placed<Index>(
+                                    d, Number(reals, Of::template Part<Index>(d, n, typename Of::Real(0.5)),
+                                              Of::template Part<Index>(d, m, 0))))),
+         ...);
+        return Of::Signed(d, sizes, hn::Xor(dividends, divisors));
+    }
+    template <class Reals>
+    static HWY_INLINE hn::Vec<Reals> Number(Reals d, hn::Vec<Reals> n, hn::Vec<Reals> m) {
+        auto const half = hn::Set(d, typename Of::Real(0.5));
+        if constexpr (sizeof(T) == 4 && !kEstimatesDoubles) {
+            return hn::Sub(hn::Div(n, m), half);  // wrong by less than 2^32 / m * 2^-52
         } else {
-            // Processors' estimates are right to 1.5 * 2^-12, and after one step of Newton's to 6 * 2^-24
-            // with all roundings: quotients are wrong by less than 2^8 * 2^-11 / m of 8 bits, and
-            // 2^16 * 2^-20 / m of 16.
-            auto inverse = hn::ApproximateReciprocal(m);
-            if constexpr (sizeof(T) == 2)
-                inverse = hn::Mul(inverse, hn::NegMulAdd(m, inverse, hn::Set(real, 2.0f)));
-            auto const quotient = hn::Mul(n, inverse);
-            auto const less = hn::NegMulAdd(half, hn::Abs(inverse), half);
-            return LowBits(d, hn::Sub(quotient, hn::CopySign(less, quotient)));
+            // Estimates are right to 1.5 * 2^-12, and to 2^-14 those of doubles; after one step of Newton's
+            // to 6 * 2^-24 with all roundings, and after two of doubles' to 2^-50. Quotients are wrong by
+            // less than 2^8 / m * 2^-11 of 8 bits, 2^16 / m * 2^-20 of 16, and 2^32 / m * 2^-49 of 32.
+            constexpr int kSteps = sizeof(T) / 2;
+            auto const two = hn::Set(d, typename Of::Real(2));
+            auto inverse = Estimate(m);
+            for (int step = 0; step < kSteps; ++step)
+                inverse = hn::Mul(inverse, hn::NegMulAdd(m, inverse, two));
+            return hn::MulSub(n, inverse, half);
         }
     }
 };
@@ -160,13 +210,37 @@ template <typename T> struct Quotients {
 // The inverse is the nearest one, so a quotient is wrong by less than 2^16 / m * 2^-22 of 16 bits and less,
 // and by 2^32 / m * 2^-51 of 32.
 template <typename T> struct QuotientsByConstant {
+    using Of = Quotient<T>;
+    using Real = typename Of::Real;
     T const* a;
-    RealFor<T> inverse;
-    RealFor<T> less;  // half a unit, without what the dividend's half unit gives
+    T constant;
+    Real inverse;
+
+    QuotientsByConstant(T const* itsA, T itsConstant)
+        : a(itsA), constant(itsConstant), inverse(Real(1) / std::abs(static_cast<Real>(itsConstant))) {}
+
     template <class D> HWY_INLINE hn::Vec<D> operator()(D d, std::ptrdiff_t x) const {
-        hn::Rebind<RealFor<T>, D> const real;
-        auto const quotient = hn::Mul(ToReal(d, hn::LoadU(d, a + x)), hn::Set(real, inverse));
-        return LowBits(d, hn::Sub(quotient, hn::CopySign(hn::Set(real, less), quotient)));
+        if constexpr (Of::template kHoldsWords<D>) {
+            return Divided(d, hn::LoadU(d, a + x), std::make_index_sequence<Of::kParts>());
+        } else {
+            T quotients[hn::MaxLanes(D())];
+            for (std::size_t i = 0; i < hn::MaxLanes(d); ++i)
+                DividePlainly(a + x + i, &constant, quotients + i, 1);
+            return hn::LoadU(d, quotients);
+        }
+    }
+
+private:
+    template <class D, std::size_t... Index>
+    HWY_INLINE hn::Vec<D> Divided(D d, hn::Vec<D> dividends, std::index_sequence<Index...>) const {
+        typename Of::template Reals<D> const reals;
+        auto const n = Of::Sizes(d, dividends);
+        auto const by = hn::Set(reals, inverse), half = hn::Set(reals, Real(0.5));
+        auto sizes = hn::Xor(n, n);
+        ((sizes = hn::Or(sizes, Of::template Placed<Index>(
+                                    d, hn::MulSub(Of::template Part<Index>(d, n, Real(0.5)), by, half)))),
+         ...);
+        return Of::Signed(d, sizes, hn::Xor(dividends, hn::Set(d, constant)));
     }
 };
 
@@ -177,17 +251,14 @@ void Map(T const* a, Operand b, T* result, std::ptrdiff_t count) {
 
 template <typename T> void Divide(T const* a, RowOperand<T> b, T* result, std::ptrdiff_t count) {
     if constexpr (std::is_integral_v<T>)
-        MapRow(QuotientTag<T>(), result, count, Quotients<T>{a, b.row});
+        MapRow(hn::ScalableTag<T>(), result, count, QuotientsOfRows<T>{a, b.row});
     else
         Map<FloatQuotient>(a, b, result, count);
 }
 template <typename T> void Divide(T const* a, ConstantOperand<T> b, T* result, std::ptrdiff_t count) {
     if constexpr (std::is_integral_v<T>) {
-        using Real = RealFor<T>;
         if (b.constant == 0) return DividePlainly(a, &b.constant, result, count > 0);
-        Real const inverse = Real(1) / static_cast<Real>(b.constant);
-        Real const less = Real(0.5) - Real(0.5) * std::abs(inverse);
-        MapRow(QuotientTag<T>(), result, count, QuotientsByConstant<T>{a, inverse, less});
+        MapRow(hn::ScalableTag<T>(), result, count, QuotientsByConstant<T>(a, b.constant));
     } else {
         Map<FloatQuotient>(a, b, result, count);
     }
