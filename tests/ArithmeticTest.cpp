@@ -204,7 +204,7 @@ bool Faulted(int status) {
 
 template <typename T> class IntegerDivisionDeathTest : public testing::Test {};
 using Integers = testing::Types<signed char, unsigned char, short, unsigned short, int, unsigned int>;
-TYPED_TEST_SUITE(IntegerDivisionDeathTest, Integers);
+TYPED_TEST_SUITE(IntegerDivisionDeathTest, Integers, );
 
 TYPED_TEST(IntegerDivisionDeathTest, ByZeroFaults) {
     struct Place {

@@ -44,7 +44,7 @@ constexpr Product kProducts[] = {{1, 1, 1},     {2, 3, 4},    {5, 7, 3},    {14,
 
 template <typename T> class MatrixProductOf : public testing::Test {};
 using Floats = testing::Types<float, double>;
-TYPED_TEST_SUITE(MatrixProductOf, Floats);
+TYPED_TEST_SUITE(MatrixProductOf, Floats, );
 
 TYPED_TEST(MatrixProductOf, IsOneChainForEveryElementOnEverySimdTarget) {
     for (Product const& size : kProducts) {
