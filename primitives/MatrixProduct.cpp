@@ -106,15 +106,23 @@ constexpr int kPacked = 4096;        // rows of the first factor, and columns of
 constexpr int kGroupBytes = 131072;  // of a factor that a thread works on at once, in the second cache
 constexpr int kMultiplyAddsPerByte = 4;  // done in the time that moving a byte takes
 
-constexpr std::align_val_t kAlignment{64};  // of the widest vector
-struct Release {
-    void operator()(void* memory) const { ::operator delete(memory, kAlignment); }
+// Memory for packed panels, aligned for the widest vector; null if there is none.
+template <typename T> class Panels {
+public:
+    Panels(int lines, int depth) {
+        std::size_t bytes = static_cast<std::size_t>(lines) * static_cast<std::size_t>(depth) * sizeof(T);
+        std::size_t space = bytes + kAlignment;
+        memory_.reset(new (std::nothrow) unsigned char[space]);
+        void* start = memory_.get();
+        if (start) first_ = static_cast<T*>(std::align(kAlignment, bytes, start, space));
+    }
+    T* First() const { return first_; }
+
+private:
+    static constexpr std::size_t kAlignment = 64;
+    std::unique_ptr<unsigned char[]> memory_;
+    T* first_ = nullptr;
 };
-template <typename T> using Panels = std::unique_ptr<T[], Release>;
-template <typename T> Panels<T> AllocatePanels(int lines, int depth) {
-    auto const elements = static_cast<std::size_t>(lines) * static_cast<std::size_t>(depth);
-    return Panels<T>(static_cast<T*>(::operator new(elements * sizeof(T), kAlignment, std::nothrow)));
-}
 
 int RoundedUp(int count, int unit) { return (count + unit - 1) / unit * unit; }
 
@@ -179,19 +187,18 @@ Status Multiply(Kernels<T> const& kernels, Matrix<T const> const& first, Matrix<
     int const blockRows = RoundedUp(std::min(height, kPacked), kernels.tile.rows);
     int const blockColumns = RoundedUp(std::min(width, kPacked), kernels.tile.columns);
     int const blockDepth = std::min(length, kDepth);
-    auto const rowPanels = AllocatePanels<T>(blockRows, blockDepth);
-    auto const columnPanels = AllocatePanels<T>(blockColumns, blockDepth);
-    if (!rowPanels || !columnPanels) return kNoMemory;
+    Panels<T> const rowPanels(blockRows, blockDepth), columnPanels(blockColumns, blockDepth);
+    if (!rowPanels.First() || !columnPanels.First()) return kNoMemory;
 
     for (std::int64_t x = 0; x < width; x += blockColumns)
         for (std::int64_t k = 0; k < length; k += blockDepth) {
             int const columns = static_cast<int>(std::min<std::int64_t>(blockColumns, width - x));
             int const depth = static_cast<int>(std::min<std::int64_t>(blockDepth, length - k));
-            PackColumns(second.From(k, x), columns, depth, kernels.tile.columns, columnPanels.get());
+            PackColumns(second.From(k, x), columns, depth, kernels.tile.columns, columnPanels.First());
             for (std::int64_t y = 0; y < height; y += blockRows) {
                 int const rows = static_cast<int>(std::min<std::int64_t>(blockRows, height - y));
-                PackRows(first.From(y, k), rows, depth, kernels.tile.rows, rowPanels.get());
-                MultiplyGroups(kernels, Block<T>{rowPanels.get(), columnPanels.get(), depth,
+                PackRows(first.From(y, k), rows, depth, kernels.tile.rows, rowPanels.First());
+                MultiplyGroups(kernels, Block<T>{rowPanels.First(), columnPanels.First(), depth,
                                                  product.From(y, x), rows, columns, k > 0});
             }
         }

@@ -119,8 +119,7 @@ TEST(LogicalPixelOp, CreatesTheOutput) {
         EXPECT_EQ(made.stride, 5);
         EXPECT_EQ(made.bitsperpixel, 8 * SizeOfTypeCode(made.type));
         EXPECT_EQ(made.pixelspacing, 3);
-        for (int i = 0; asked == eInt32 && i < 20; ++i)
-            EXPECT_EQ(static_cast<int const*>(made.buffer)[i], 7);
+        for (int i = 0; asked == eInt32 && i < 20; ++i) EXPECT_EQ(static_cast<int const*>(made.buffer)[i], 7);
         FreePixels(made.buffer);
     }
     // Pixels without a type are those of the first image.

@@ -6,6 +6,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
+#include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -115,6 +116,20 @@ TEST(MatrixProduct, IgnoresTheStridesOfDoubles) {
     ImageAttributes output = product.Attributes();
     ASSERT_EQ(Mul(first.Attributes(), second.Attributes(), &output), SOLVANE_OK);
     EXPECT_TRUE(product == expected);
+}
+
+TEST(MatrixProduct, WritesNothingWithoutMemory) {
+    auto first = RandomImage<float>({4, 4, 4}, 1), second = RandomImage<float>({4, 4, 4}, 2);
+    TestImage<float> product({4, 4, 4});
+    auto const before = product;
+    ImageAttributes output = product.Attributes();
+    CapturedLog const log;
+    {
+        NoMemory const none;
+        EXPECT_EQ(ipp_mul(first.Attributes(), second.Attributes(), &output), SOLVANE_OPERATION_FAILED);
+    }
+    EXPECT_EQ(log.Text(), L"ipp_mul(): ipp_mul. code -9");
+    EXPECT_TRUE(product == before);
 }
 
 TEST(MatrixProduct, RefusesInItsOrder) {
