@@ -6,6 +6,7 @@
 /// Includes every public header. Each can be included alone as well.
 
 #include <Basics/Any.h>
+#include <Basics/Arithmetic.h>
 #include <Basics/Bag.h>
 #include <Basics/BagIO.h>
 #include <Basics/BagOperations.h>
@@ -16,6 +17,7 @@
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
 #include <Basics/Logging.h>
+#include <Basics/LogicalPixelOp.h>
 #include <Basics/PixelOperations.h>
 #include <Basics/RawFile.h>
 #include <Basics/SmartPointer.h>
