@@ -106,7 +106,7 @@ SOLVANE_RETURNCODE CountIntegers(ImageAttributes const& image, Rectangle const* 
     code = region.ResolveMask(image, mask, maskOrigin);
     if (code != SOLVANE_OK) return code;
     ImageView<T const> const pixels(image);
-    if (!region.IsMasked()) return output.Finish(CountAll(region.Area(), pixels, range, output.Cleared()));
+    if (!region.IsMasked()) return output.Finish(CountAll(region.Area(), pixels, range, output.Counts()));
     CountSelected<Mask>(region, pixels, range, output.Cleared());
     return output.Finish(SOLVANE_OK);
 }

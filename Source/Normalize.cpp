@@ -1,6 +1,7 @@
 // NormalizeImage and NormalizeBuffer: elements as standard scores.
 #include <Basics/Statistics.h>
 
+#include "primitives/ScoreRow.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Measures.h"
@@ -10,13 +11,6 @@ namespace {
 
 SOLVANE_RETURNCODE RefuseType() {
     return Fail(SOLVANE_UNSUPPORTED_TYPE, L"The input image type is not supported");
-}
-
-template <typename T>
-void WriteScores(T const* from, unsigned char const* mask, std::ptrdiff_t count, Moments const& moments,
-                 T* to) {
-    for (std::ptrdiff_t i = 0; i < count; ++i)
-        if (!mask || mask[i]) to[i] = ScoreOf(from[i], moments);
 }
 
 }  // namespace
@@ -45,7 +39,7 @@ SOLVANE_RETURNCODE NormalizeImage(ImageAttributes image, Rectangle const* roi, I
             ImageView<T const> const pixels(image);
             auto const to = static_cast<T*>(output->buffer);
             region.ForEachRow(pixels, [&](T const* row, unsigned char const* maskRow, std::ptrdiff_t count) {
-                WriteScores(row, maskRow, count, moments, to + (row - pixels.Row(0)));
+                ScoreRow(row, maskRow, count, moments.mean, moments.deviation, to + (row - pixels.Row(0)));
             });
             return SOLVANE_OK;
         };
@@ -72,8 +66,9 @@ SOLVANE_RETURNCODE NormalizeBuffer(BufferAttributes buffer, int const* start, in
 
             Statistics<T> statistics{};
             AddToStatistics(range, buffer, Measure::kSums, statistics);
-            WriteScores(static_cast<T const*>(buffer.buffer) + range.First(), nullptr, range.Count(),
-                        MomentsOf(statistics), static_cast<T*>(output->buffer) + range.First());
+            Moments const moments = MomentsOf(statistics);
+            ScoreRow(static_cast<T const*>(buffer.buffer) + range.First(), nullptr, range.Count(),
+                     moments.mean, moments.deviation, static_cast<T*>(output->buffer) + range.First());
             return SOLVANE_OK;
         };
         return Dispatch<std::uint8_t, std::uint16_t, float, double>(buffer.type, normalize, RefuseType);

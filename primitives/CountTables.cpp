@@ -12,28 +12,37 @@
 namespace ZPA {
 namespace {
 
-// Small tables are many. Of large ones two are as many as the nearer caches hold, and of huge ones memory is
-// the concern. benchmarks/Histogram.cpp found the limits.
+// Small tables are many. Of large ones there are as many as the processor holds near, pages and all, and one
+// of the largest: runs of equal numbers, its worst case, are counted apart. benchmarks/Histogram.cpp found
+// the limits.
+constexpr std::size_t kBinsOfEightTables = 256;
 int TablesFor(std::size_t bins) {
-    if (bins <= 256) return 8;
+    if (bins <= kBinsOfEightTables) return 8;
     if (bins <= 8192) return 4;
-    return bins <= 1u << 20 ? 2 : 1;
+    return bins <= 32768 ? 2 : 1;
 }
 
 // Slots between tables, so that counters of one number do not share their place in the cache.
 constexpr std::size_t kGap = 16;
 
+// Of a table. Small ones have the same size, which the compiler then knows: it is short of registers for the
+// places of eight tables.
+constexpr std::size_t SlotsFor(std::size_t bins, int tables) {
+    return (tables == 8 ? kBinsOfEightTables : bins) + kGap;
+}
+
 // Numbers that are copied out before they are counted.
 constexpr std::ptrdiff_t kBlock = 1024;
 
-// Where all of a few 16-bit numbers are one, they are counted at once: large tables are too few for those.
-constexpr int kRun = 8;
-bool AreEqual(std::uint16_t const* numbers) {
-    std::uint64_t first, second;
-    static_assert(sizeof first + sizeof second == kRun * sizeof *numbers);
-    std::memcpy(&first, numbers, sizeof first);
-    std::memcpy(&second, numbers + kRun / 2, sizeof second);
-    return first == second && first == numbers[0] * std::uint64_t{0x0001000100010001};
+// Numbers that are read at once.
+constexpr std::ptrdiff_t kGroup = 8;
+
+// Of 16-bit numbers.
+bool AreEqual(void const* numbers) {
+    std::uint64_t words[2];
+    static_assert(sizeof words == kGroup * sizeof(std::uint16_t));
+    std::memcpy(words, numbers, sizeof words);
+    return words[0] == words[1] && words[0] == (words[0] & 0xFFFF) * std::uint64_t{0x0001000100010001};
 }
 
 struct Slots {
@@ -42,25 +51,26 @@ struct Slots {
     std::uint32_t low, bins;
 };
 
+// By value: a counter could be one of the fields, as far as the compiler knows of a reference.
 template <int kTables, bool kAllInside, typename T>
-void CountIn(Slots const& slots, T const* numbers, std::ptrdiff_t count) noexcept {
-    auto const slotOf = [&](T number) -> std::size_t {
-        std::uint32_t const bin = static_cast<std::uint32_t>(number) - slots.low;
-        return kAllInside ? bin : std::min(bin, slots.bins);
+void CountIn(Slots slots, T const* numbers, std::ptrdiff_t count) noexcept {
+    constexpr auto kLowest = static_cast<std::uint32_t>(std::numeric_limits<T>::min());
+    auto const slotOf = [low = slots.low, bins = slots.bins](T number) -> std::size_t {
+        std::uint32_t const wide = static_cast<std::uint32_t>(number);
+        return kAllInside ? wide - kLowest : std::min(wide - low, bins);
     };
+    std::size_t const perTable = kTables == 8 ? SlotsFor(0, kTables) : slots.perTable;
+    auto const counts = [=](std::size_t table) { return slots.counts + table * perTable; };
     std::ptrdiff_t x = 0;
-    for (; x + kRun <= count; x += kRun) {
-        if constexpr (sizeof(T) == 2) {
-            if (AreEqual(reinterpret_cast<std::uint16_t const*>(numbers + x))) {
-                slots.counts[slotOf(numbers[x])] += kRun;
-                continue;
-            }
+    for (; x + kGroup <= count; x += kGroup) {
+        if (sizeof(T) == 2 && AreEqual(numbers + x)) {
+            counts(0)[slotOf(numbers[x])] += kGroup;
+            continue;
         }
-        for (std::size_t i = 0; i < kRun; ++i)
-            ++slots
-                  .counts[i % kTables * slots.perTable + slotOf(numbers[x + static_cast<std::ptrdiff_t>(i)])];
+        for (std::size_t i = 0; i < kGroup; ++i)
+            ++counts(i % kTables)[slotOf(numbers[x + static_cast<std::ptrdiff_t>(i)])];
     }
-    for (; x < count; ++x) ++slots.counts[slotOf(numbers[x])];
+    for (; x < count; ++x) ++counts(0)[slotOf(numbers[x])];
 }
 
 template <typename T, typename Mask>
@@ -78,8 +88,8 @@ template <typename T> bool CountTables<T>::Prepare(std::int64_t low, std::int64_
     first_ = std::max<std::int64_t>(low, Limits::min());
     std::int64_t const end = std::min<std::int64_t>(low + bins, std::int64_t{Limits::max()} + 1);
     bins_ = static_cast<std::size_t>(std::max<std::int64_t>(end - first_, 0));
-    slots_ = bins_ + kGap;
     tables_ = TablesFor(bins_);
+    slots_ = SlotsFor(bins_, tables_);
     if (bins_ > std::numeric_limits<std::int32_t>::max()) return false;
     counts_.reset(new (std::nothrow) std::uint32_t[slots_ * static_cast<std::size_t>(tables_)]());
     return counts_ != nullptr;
@@ -121,9 +131,13 @@ void CountTables<T>::CountSelected(T const* numbers, std::uint16_t const* mask,
 
 template <typename T> void CountTables<T>::AddTo(std::uint32_t* counts) const noexcept {
     std::uint32_t* const to = counts + (first_ - low_);
-    for (std::size_t table = 0; table < static_cast<std::size_t>(tables_); ++table) {
-        std::uint32_t const* const from = counts_.get() + table * slots_;
-        for (std::size_t bin = 0; bin < bins_; ++bin) to[bin] += from[bin];
+    // In blocks, so that the sums stay in the nearest cache from table to table.
+    for (std::size_t start = 0; start < bins_; start += kBlock) {
+        std::size_t const end = std::min<std::size_t>(start + kBlock, bins_);
+        for (std::size_t table = 0; table < static_cast<std::size_t>(tables_); ++table) {
+            std::uint32_t const* const from = counts_.get() + table * slots_;
+            for (std::size_t bin = start; bin < end; ++bin) to[bin] += from[bin];
+        }
     }
 }
 

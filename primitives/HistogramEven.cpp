@@ -41,7 +41,10 @@ Status CountValues(Rows<T const> rows, Size size, std::int64_t low, std::int64_t
     std::int64_t const work = std::int64_t{size.width} * size.height * kWorkPerPixel / bands;
     ForEachRow(bands, bands > 1 ? work : 0, [&](int band) noexcept {
         CountTables<T>& own = tables[static_cast<std::size_t>(band)];
-        for (int y = firstRow(band); y < firstRow(band + 1); ++y) own.Count(rows[y], size.width);
+        int const first = firstRow(band), end = firstRow(band + 1);
+        if (rows.step == std::ptrdiff_t{size.width} * static_cast<std::ptrdiff_t>(sizeof(T)))
+            return own.Count(rows[first], std::ptrdiff_t{end - first} * size.width);
+        for (int y = first; y < end; ++y) own.Count(rows[y], size.width);
     });
     std::fill_n(counts, bins, 0u);
     for (int band = 0; band < bands; ++band) tables[static_cast<std::size_t>(band)].AddTo(counts);

@@ -3,10 +3,8 @@
 #define ZPA_SOURCE_INTERNAL_MEASURES_H
 
 #include <cmath>
-#include <type_traits>
 
 #include "primitives/StatisticsRow.h"
-#include "Source/Internal/Convert.h"
 #include "Source/Internal/IndexRange.h"
 #include "Source/Internal/Region.h"
 
@@ -46,17 +44,6 @@ template <typename T> Moments MomentsOf(Statistics<T> const& statistics) {
     long double const mean = statistics.sum / count;
     long double const variance = statistics.squares / count - mean * mean;
     return {static_cast<double>(mean), static_cast<double>(std::sqrt(variance))};
-}
-
-// How many deviations an element lies above the mean, cut toward zero to its low bits in integers; 0 if there
-// is no deviation.
-template <typename T> T ScoreOf(T element, Moments const& moments) {
-    if (moments.deviation == 0) return 0;
-    double const score = (static_cast<double>(element) - moments.mean) / moments.deviation;
-    if constexpr (std::is_integral_v<T>)
-        return static_cast<T>(TruncateToInt32(score));
-    else
-        return static_cast<T>(score);
 }
 
 }  // namespace ZPA

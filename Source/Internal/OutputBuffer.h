@@ -39,11 +39,13 @@ public:
         return SOLVANE_OK;
     }
 
-    // The counts, all zero. The caller's own stay as they were up to here. For kernels, which know no
-    // ULong32: it may be another type, of the same 32 bits.
+    // The counts, for kernels: these know no ULong32, which may be another type of the same 32 bits.
+    std::uint32_t* Counts() { return static_cast<std::uint32_t*>(counts_); }
+
+    // The counts, all of them set to zero. The caller's own stay as they were up to here.
     std::uint32_t* Cleared() {
         std::memset(counts_, 0, size_ * sizeof(ULong32));
-        return static_cast<std::uint32_t*>(counts_);
+        return Counts();
     }
 
     // Ends the operation with its code.
