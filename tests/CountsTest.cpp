@@ -124,7 +124,7 @@ TEST(LineCounts, FillTheCallersBuffersNoFurtherThanNeeded) {
 
 TEST(Counts, RefuseInTheirOrder) {
     unsigned char pixels[24] = {}, maskPixels[24] = {};
-    ULong32 counts[8] = {5, 5, 5, 5, 5, 5, 5, 5}, more[8] = {};
+    ULong32 counts[8] = {5, 5, 5, 5, 5, 5, 5, 5}, more[8] = {}, wrong[8] = {};
     ImageAttributes const image(eByte, pixels, 4, 3, 6, 8, 0), noPixels(eByte, nullptr, 4, 3, 6, 8, 0);
     ImageAttributes const signedImage(eInt16, nullptr, 4, 3, 6, 16, 0),
         floats(eSingle, nullptr, 4, 3, 6, 32, 0);
@@ -133,7 +133,7 @@ TEST(Counts, RefuseInTheirOrder) {
     Rectangle const empty(0, 0, 2, 0), wide(3, 0, 2, 1), inside(1, 1, 3, 2);
     APOINT const beyond(2, 0);
     BufferAttributes const fresh, good(eUInt32, counts, 8), other(eUInt32, more, 8);
-    BufferAttributes const wrongType(eInt32, more, 8), tooShort(eUInt32, more, 1);
+    BufferAttributes const wrongType(eInt32, wrong, 8), tooShort(eUInt32, more, 1);
     constexpr auto kType = L"The input image must be of type eByte or eUInt16.";
     constexpr auto kTarget = L"There is a problem with the count of target output buffer.";
     constexpr auto kNotTarget = L"There is a problem with the count of not target output buffer.";
