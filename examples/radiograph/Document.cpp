@@ -23,12 +23,14 @@ BagPtr ParametersOf(Step const& step) {
 }
 
 BagPtr FiguresOf(Step const& step) {
-    Statistics const found = Measure(*step.result);
+    Counts const counts = CountByValue(*step.result);
+    Statistics const found = Measure(*step.result, counts);
     BagPtr const bag = NewBag();
     bag->Set("Minimum", int{found.minimum});
     bag->Set("Maximum", int{found.maximum});
     bag->Set("Mean", found.mean);
     bag->Set("Deviation", found.deviation);
+    bag->Set("Threshold", int{OtsuThreshold(counts)});
     bag->Set("Seconds", step.seconds);
     return bag;
 }

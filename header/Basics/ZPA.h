@@ -14,6 +14,7 @@
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
 #include <Basics/FlatTopFilter.h>
+#include <Basics/Histogram.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
 #include <Basics/Logging.h>
@@ -21,6 +22,7 @@
 #include <Basics/PixelOperations.h>
 #include <Basics/RawFile.h>
 #include <Basics/SmartPointer.h>
+#include <Basics/Statistics.h>
 #include <Basics/ZPA_BagIO.h>
 
 #endif
