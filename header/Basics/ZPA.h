@@ -5,6 +5,7 @@
 /// @file
 /// Includes every public header. Each can be included alone as well.
 
+#include <Basics/BlockAverage.h>
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
