@@ -5,6 +5,7 @@
 /// @file
 /// Includes every public header. Each can be included alone as well.
 
+#include <Basics/AnisotropicGaussian.h>
 #include <Basics/BlockAverage.h>
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>

@@ -1,0 +1,113 @@
+// Rows become columns: squares of elements are turned in registers, and lines of the cache written whole.
+#include "primitives/Transpose.h"
+
+#include <algorithm>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "primitives/Transpose.cpp"
+#include <hwy/foreach_target.h>  // before highway.h
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace ZPA::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// A line of the cache in the destination is as many rows of the source.
+template <typename T> constexpr std::ptrdiff_t kRows = 64 / static_cast<std::ptrdiff_t>(sizeof(T));
+// So many rows of the destination are written in turn: no more pages than the processor keeps track of.
+constexpr std::ptrdiff_t kColumns = 64;
+
+template <typename T>
+void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
+                 std::ptrdiff_t destinationStride, std::ptrdiff_t width, std::ptrdiff_t height) {
+    for (std::ptrdiff_t x = 0; x < width; ++x)
+        for (std::ptrdiff_t y = 0; y < height; ++y)
+            destination[x * destinationStride + y] = source[y * sourceStride + x];
+}
+
+#if HWY_TARGET != HWY_SCALAR
+
+template <typename T> using Vector = hn::FixedTag<T, 16 / sizeof(T)>;
+template <typename T> constexpr std::ptrdiff_t kSide = 16 / static_cast<std::ptrdiff_t>(sizeof(T));
+
+// A square with sides of one vector. Interleaving row i with the one half a square below, for all i, moves
+// the elements as a shuffle of cards does; after as many rounds as the side has bits, each row holds a
+// column.
+template <typename T>
+HWY_INLINE void TurnSquare(T const* source, std::ptrdiff_t sourceStride, T* destination,
+                           std::ptrdiff_t destinationStride) {
+    Vector<T> const d;
+    hn::Vec<Vector<T>> rows[kSide<T>], shuffled[kSide<T>];
+    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = hn::LoadU(d, source + i * sourceStride);
+    for (std::ptrdiff_t round = 1; round < kSide<T>; round *= 2) {
+        for (std::ptrdiff_t i = 0; i < kSide<T> / 2; ++i) {
+            shuffled[2 * i] = hn::InterleaveLower(d, rows[i], rows[i + kSide<T> / 2]);
+            shuffled[2 * i + 1] = hn::InterleaveUpper(d, rows[i], rows[i + kSide<T> / 2]);
+        }
+        for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = shuffled[i];
+    }
+    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) hn::StoreU(rows[i], d, destination + i * destinationStride);
+}
+
+#endif
+
+template <typename T>
+void Turn(T const* source, std::ptrdiff_t sourceStride, T* destination, std::ptrdiff_t destinationStride,
+          Size size) {
+    std::ptrdiff_t const width = size.width;
+    std::ptrdiff_t const height = size.height;
+#if HWY_TARGET == HWY_SCALAR
+    TurnPlainly(source, sourceStride, destination, destinationStride, width, height);
+#else
+    std::ptrdiff_t const squaresWidth = width - width % kSide<T>;
+    std::ptrdiff_t const squaresHeight = height - height % kSide<T>;
+    for (std::ptrdiff_t left = 0; left < squaresWidth; left += kColumns) {
+        std::ptrdiff_t const right = std::min(left + kColumns, squaresWidth);
+        for (std::ptrdiff_t top = 0; top < squaresHeight; top += kRows<T>) {
+            std::ptrdiff_t const bottom = std::min(top + kRows<T>, squaresHeight);
+            for (std::ptrdiff_t x = left; x < right; x += kSide<T>)
+                for (std::ptrdiff_t y = top; y < bottom; y += kSide<T>)
+                    TurnSquare(source + y * sourceStride + x, sourceStride,
+                               destination + x * destinationStride + y, destinationStride);
+        }
+    }
+    TurnPlainly(source + squaresWidth, sourceStride, destination + squaresWidth * destinationStride,
+                destinationStride, width - squaresWidth, squaresHeight);
+    TurnPlainly(source + squaresHeight * sourceStride, sourceStride, destination + squaresHeight,
+                destinationStride, width, height - squaresHeight);
+#endif
+}
+
+#define ZPA_KERNEL(bits)                                                                             \
+    void Turn##bits(std::uint##bits##_t const* source, std::ptrdiff_t sourceStride,                  \
+                    std::uint##bits##_t* destination, std::ptrdiff_t destinationStride, Size size) { \
+        Turn(source, sourceStride, destination, destinationStride, size);                            \
+    }
+ZPA_KERNEL(8)
+ZPA_KERNEL(16)
+ZPA_KERNEL(32)
+ZPA_KERNEL(64)
+#undef ZPA_KERNEL
+
+}  // namespace
+}  // namespace ZPA::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace ZPA {
+
+#define ZPA_EXPORT(bits)                                                                              \
+    HWY_EXPORT(Turn##bits);                                                                           \
+    void Transpose(std::uint##bits##_t const* source, std::ptrdiff_t sourceStride,                    \
+                   std::uint##bits##_t* destination, std::ptrdiff_t destinationStride, Size size) {   \
+        HWY_DYNAMIC_DISPATCH(Turn##bits)(source, sourceStride, destination, destinationStride, size); \
+    }
+ZPA_EXPORT(8)
+ZPA_EXPORT(16)
+ZPA_EXPORT(32)
+ZPA_EXPORT(64)
+#undef ZPA_EXPORT
+
+}  // namespace ZPA
+#endif
