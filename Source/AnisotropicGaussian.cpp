@@ -1,7 +1,6 @@
 // AnisotropicGaussian: what it refuses, how the oriented Gaussian falls into two passes, and its derivatives.
 #include <Basics/AnisotropicGaussian.h>
 #include <Basics/ImageBuffer.h>
-#include <Basics/PixelOperations.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +8,7 @@
 #include <vector>
 
 #include "primitives/RecursiveGaussian.h"
-#include "Source/Internal/Dispatch.h"
-#include "Source/Internal/Frame.h"
-#include "Source/Internal/ImageView.h"
+#include "Source/Internal/DoubleImage.h"
 #include "Source/Internal/Overlap.h"
 
 namespace ZPA {
@@ -119,15 +116,6 @@ void Filter(AnisotropicFilterPlan const& plan, Pixels image) {
 bool IsServed(eTypeCode type) {
     return type == eDouble || type == eByte || type == eUInt16 || type == eInt16;
 }
-bool IsContiguousDouble(ImageAttributes const& image) {
-    return image.type == eDouble && image.stride == image.width;
-}
-
-SOLVANE_RETURNCODE Copy(ImageAttributes const& source, ImageAttributes destination) {
-    SOLVANE_RETURNCODE const code = CopyPixels(source, &destination);
-    return code == SOLVANE_OK ? code : Fail(code, L"The call to CopyPixels() failed.");
-}
-
 // The whole filter: from the input into contiguous doubles, which are the output's where they can be.
 SOLVANE_RETURNCODE FilterImage(AnisotropicFilterPlan const& plan, ImageAttributes const& input,
                                ImageAttributes* output) {
@@ -140,7 +128,7 @@ SOLVANE_RETURNCODE FilterImage(AnisotropicFilterPlan const& plan, ImageAttribute
         made.SetImage(nullptr, input.width, input.height, input.width, 64, input.pixelspacing, true, false);
     ImageAttributes const result = outputServes ? *output : ImageAttributes(made);
     if (!inputServes) {
-        SOLVANE_RETURNCODE const code = Copy(input, result);
+        SOLVANE_RETURNCODE const code = Convert(input, result);
         if (code != SOLVANE_OK) return code;
     }
 
@@ -149,7 +137,7 @@ SOLVANE_RETURNCODE FilterImage(AnisotropicFilterPlan const& plan, ImageAttribute
                   pixels,
                   {input.width, input.height}});
     if (outputServes) return SOLVANE_OK;
-    if (output->buffer) return Copy(result, *output);
+    if (output->buffer) return Convert(result, *output);
     *output = result;
     made.Disown();
     return SOLVANE_OK;
@@ -161,21 +149,8 @@ SOLVANE_RETURNCODE AnisotropicGaussian(ImageAttributes input, ImageAttributes* o
                                        double sigmaV, double angleDegrees, unsigned char derivativeOrderU,
                                        unsigned char derivativeOrderV) {
     return Guarded(L"ZPA::AnisotropicGaussian", [&] {
-        if (!input.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-        if (!IsServed(input.type))
-            return Fail(SOLVANE_UNSUPPORTED_TYPE,
-                        L"The input image must be of type eByte, eUInt16, or eDouble.");
-        if (!output) return Fail(SOLVANE_NULL_POINTER, L"The output ImageAttributes pointer was NULL.");
-        if (output->buffer && (output->width != input.width || output->height != input.height))
-            return Fail(SOLVANE_SIZE_MISMATCH, L"The output image is the wrong size.");
-        if (output->buffer && !IsServed(output->type))
-            return Fail(SOLVANE_UNSUPPORTED_TYPE,
-                        L"The output image must be of type eByte, eUInt16, or eDouble.");
-        if (RowsUnreadable(input)) return Fail(SOLVANE_SIZE_MISMATCH, L"The input image's rows overlap.");
-        if (output->buffer && RowsOverlap(*output))
-            return Fail(SOLVANE_SIZE_MISMATCH, L"The output image's rows overlap.");
-        if (input.width < 1 || input.height < 1) return Fail(SOLVANE_UNEXPECTED, kUnexpected);
-
+        SOLVANE_RETURNCODE const code = CheckFilterImages(input, output, IsServed);
+        if (code != SOLVANE_OK) return code;
         AnisotropicFilterPlan const plan(sigmaU, sigmaV, angleDegrees, derivativeOrderU, derivativeOrderV);
         return FilterImage(plan, input, output);
     });

