@@ -18,28 +18,6 @@ void MakeLike(ImageAttributes const& image, ZPA_Image<double>& made) {
     made.SetImage(nullptr, image.width, image.height, image.width, 64, image.pixelspacing, true, false);
 }
 
-// The pixels less the local means, in units of the local deviations, over the means; gives the whole's mean
-// and deviation. Sums are made from pixel to pixel.
-struct Moments {
-    double mean, deviation;
-};
-Moments Normalize(ImageView<double const> const& pixels, ImageView<double const> const& meanSquares,
-                  ImageView<double> const& means) {
-    double sum = 0;
-    double squares = 0;
-    for (std::ptrdiff_t y = 0; y < means.Height(); ++y) {
-        double* const row = means.Row(y);
-        ContrastRow(pixels.Row(y), row, meanSquares.Row(y), row, means.Width());
-        for (std::ptrdiff_t x = 0; x < means.Width(); ++x) {
-            sum += row[x];
-            squares += row[x] * row[x];
-        }
-    }
-    auto const count = static_cast<double>(means.Width() * means.Height());
-    double const mean = sum / count;
-    return {mean, std::sqrt(squares / count - mean * mean)};
-}
-
 // All images are contiguous doubles; the result shares no memory with the input.
 SOLVANE_RETURNCODE Filter(ImageAttributes const& input, double sigma, ImageAttributes result) {
     std::ptrdiff_t const count = std::ptrdiff_t{input.width} * input.height;
@@ -54,9 +32,12 @@ SOLVANE_RETURNCODE Filter(ImageAttributes const& input, double sigma, ImageAttri
     code = AnisotropicGaussian(squares, &squares, sigma, sigma, 0, 0, 0);
     if (code != SOLVANE_OK) return code;
 
-    auto const all = Normalize(ImageView<double const>(input), ImageView<double const>(squares),
-                               ImageView<double>(result));
-    StandardizeRow(static_cast<double*>(result.buffer), count, all.mean, all.deviation);
+    auto* const means = static_cast<double*>(result.buffer);
+    Sums sums{};
+    ContrastRow(pixels, means, meanSquares.GetBufferPtr(), means, count, sums);
+    double const mean = sums.values / static_cast<double>(count);
+    double const deviation = std::sqrt(sums.squares / static_cast<double>(count) - mean * mean);
+    StandardizeRow(means, count, mean, deviation);
     return SOLVANE_OK;
 }
 

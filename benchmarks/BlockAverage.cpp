@@ -33,7 +33,10 @@ Contenders Beside([[maybe_unused]] std::shared_ptr<Scene<T>> const& scene, std::
     Contenders contenders{std::move(ours), "", {}, {}};
 #ifdef ZPA_PEER_OPENCV
     contenders.peer = peer;
-    contenders.theirs = [scene, from = MatView(scene->source), to = MatView(scene->theirs),
+    // Of whole blocks only.
+    int const used = scene->source.Width() / scene->ours.Width() * scene->ours.Width();
+    contenders.theirs = [scene, from = MatView(scene->source)(cv::Rect(0, 0, used, used)),
+                         to = MatView(scene->theirs),
                          method]() mutable { cv::resize(from, to, to.size(), 0, 0, method); };
     contenders.sameAnswer = [scene, apart] { return LargestDifference(scene->ours, scene->theirs) <= apart; };
 #endif

@@ -32,6 +32,32 @@ template <bool kFirst, typename T> void AddRow(T const* row, std::ptrdiff_t coun
     for (; x < count; ++x) sums[x] = (kFirst ? 0 : sums[x]) + row[x];
 }
 
+// The same for two rows at once: the sums move half as often.
+template <bool kFirst, typename T>
+void AddRows(T const* row, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums) {
+    Sums const d;
+    hn::Rebind<T, Sums> const narrow;
+    T const* const next = row + stride;
+    std::ptrdiff_t x = 0;
+    for (; x + kLanes <= count; x += kLanes) {
+        auto sum = hn::Add(hn::PromoteTo(d, hn::LoadU(narrow, row + x)),
+                           hn::PromoteTo(d, hn::LoadU(narrow, next + x)));
+        if (!kFirst) sum = hn::Add(sum, hn::LoadU(d, sums + x));
+        hn::StoreU(sum, d, sums + x);
+    }
+    for (; x < count; ++x) sums[x] = (kFirst ? 0 : sums[x]) + row[x] + next[x];
+}
+
+// The sums of columns over `rows` rows.
+template <typename T>
+void AddUp(T const* row, std::ptrdiff_t stride, std::ptrdiff_t rows, std::ptrdiff_t count,
+           std::int32_t* sums) {
+    if (rows == 1) return AddRow<true>(row, count, sums);
+    AddRows<true>(row, stride, count, sums);
+    for (std::ptrdiff_t y = 2; y + 2 <= rows; y += 2) AddRows<false>(row + y * stride, stride, count, sums);
+    if (rows % 2 == 1) AddRow<false>(row + (rows - 1) * stride, count, sums);
+}
+
 // Adds a row's pixels that are not the code to the sums of columns, and 1 for each to the counts.
 template <typename T>
 void AddRowWithout(T code, T const* row, std::ptrdiff_t count, std::int32_t* sums, std::int32_t* counts) {
@@ -142,9 +168,7 @@ void Run(T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks
     std::ptrdiff_t const most = kColumns / side;
     for (std::ptrdiff_t done = 0; done < blocks; done += most) {
         std::ptrdiff_t const now = std::min(most, blocks - done);
-        T const* row = pixels + done * side;
-        AddRow<true>(row, now * side, sums);
-        for (int y = 1; y < side; ++y) AddRow<false>(row += stride, now * side, sums);
+        AddUp(pixels + done * side, stride, side, now * side, sums);
         AddColumns(sums, now, side);
         Divide(sums, now, side * side, means + done);
     }

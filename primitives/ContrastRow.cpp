@@ -35,9 +35,16 @@ void Square(double const* row, double* squares, std::ptrdiff_t count) {
         [&](std::ptrdiff_t x) { squares[x] = row[x] * row[x]; });
 }
 
+// The sums wait for their additions; the quotients and roots of the next pixels are made meanwhile.
 void Contrast(double const* row, double const* mean, double const* meanSquare, double* contrast,
-              std::ptrdiff_t count) {
+              std::ptrdiff_t count, Sums& sums) {
     D const d;
+    double values = sums.values;
+    double squares = sums.squares;
+    auto const add = [&](double value) {
+        values += value;
+        squares += value * value;
+    };
     ForEach(
         count,
         [&](std::ptrdiff_t x) {
@@ -45,10 +52,14 @@ void Contrast(double const* row, double const* mean, double const* meanSquare, d
             auto const variance = hn::Sub(hn::LoadU(d, meanSquare + x), hn::Mul(means, means));
             auto const distance = hn::Sub(hn::LoadU(d, row + x), means);
             hn::StoreU(hn::Div(distance, hn::Sqrt(variance)), d, contrast + x);
+            for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(hn::Lanes(d)); ++i)
+                add(contrast[x + i]);
         },
         [&](std::ptrdiff_t x) {
             contrast[x] = (row[x] - mean[x]) / std::sqrt(meanSquare[x] - mean[x] * mean[x]);
+            add(contrast[x]);
         });
+    sums = {values, squares};
 }
 
 void Standardize(double* row, std::ptrdiff_t count, double mean, double deviation) {
@@ -78,8 +89,8 @@ void SquareRow(double const* row, double* squares, std::ptrdiff_t count) {
     HWY_DYNAMIC_DISPATCH(Square)(row, squares, count);
 }
 void ContrastRow(double const* row, double const* mean, double const* meanSquare, double* contrast,
-                 std::ptrdiff_t count) {
-    HWY_DYNAMIC_DISPATCH(Contrast)(row, mean, meanSquare, contrast, count);
+                 std::ptrdiff_t count, Sums& sums) {
+    HWY_DYNAMIC_DISPATCH(Contrast)(row, mean, meanSquare, contrast, count, sums);
 }
 void StandardizeRow(double* row, std::ptrdiff_t count, double mean, double deviation) {
     HWY_DYNAMIC_DISPATCH(Standardize)(row, count, mean, deviation);

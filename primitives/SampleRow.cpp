@@ -1,6 +1,8 @@
 // Samples of a row: every second or fourth element is the low part of a wider one.
 #include "primitives/SampleRow.h"
 
+#include <cstring>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/SampleRow.cpp"
 #include <hwy/foreach_target.h>  // before highway.h
@@ -33,8 +35,13 @@ void Run(std::uint16_t const* row, int step, int offset, std::uint16_t* samples,
     if (step == 2) x = RunWide<std::uint32_t>(row, offset, samples, count);
     if (step == 4) x = RunWide<std::uint64_t>(row, offset, samples, count);
 #endif
-    row += offset;
-    for (; x < count; ++x) samples[x] = row[x * step];
+    std::ptrdiff_t const far = step;
+    row += offset + x * far;
+    for (; x + 4 <= count; x += 4, row += 4 * far) {
+        std::uint16_t const four[] = {row[0], row[far], row[2 * far], row[3 * far]};
+        std::memcpy(samples + x, four, sizeof four);
+    }
+    for (; x < count; ++x, row += far) samples[x] = row[0];
 }
 
 }  // namespace

@@ -28,25 +28,47 @@ void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
 
 #if HWY_TARGET != HWY_SCALAR
 
-template <typename T> using Vector = hn::FixedTag<T, 16 / sizeof(T)>;
-template <typename T> constexpr std::ptrdiff_t kSide = 16 / static_cast<std::ptrdiff_t>(sizeof(T));
+// Squares have sides of one vector, of two blocks where there are such vectors; bytes would need too many.
+template <typename T> constexpr std::size_t kBytes = HWY_MAX_BYTES >= 32 && sizeof(T) > 1 ? 32 : 16;
+template <typename T> constexpr std::ptrdiff_t kSide = kBytes<T> / sizeof(T);
+template <typename T> using Square = hn::FixedTag<T, kBytes<T> / sizeof(T)>;
 
-// A square with sides of one vector. Interleaving row i with the one half a square below, for all i, moves
-// the elements as a shuffle of cards does; after as many rounds as the side has bits, each row holds a
-// column.
+// Turns the squares of 16 bytes in as many rows. Interleaving row i with the one half a square below, for all
+// i, moves the elements as a shuffle of cards does; after as many rounds as the side has bits, each row holds
+// a column.
+template <typename T> HWY_INLINE void TurnBlocks(hn::Vec<Square<T>>* rows) {
+    constexpr std::ptrdiff_t kBlock = 16 / sizeof(T);
+    Square<T> const d;
+    hn::Vec<Square<T>> shuffled[kBlock];
+    for (std::ptrdiff_t round = 1; round < kBlock; round *= 2) {
+        for (std::ptrdiff_t i = 0; i < kBlock / 2; ++i) {
+            shuffled[2 * i] = hn::InterleaveLower(d, rows[i], rows[i + kBlock / 2]);
+            shuffled[2 * i + 1] = hn::InterleaveUpper(d, rows[i], rows[i + kBlock / 2]);
+        }
+        for (std::ptrdiff_t i = 0; i < kBlock; ++i) rows[i] = shuffled[i];
+    }
+}
+
 template <typename T>
 HWY_INLINE void TurnSquare(T const* source, std::ptrdiff_t sourceStride, T* destination,
                            std::ptrdiff_t destinationStride) {
-    Vector<T> const d;
-    hn::Vec<Vector<T>> rows[kSide<T>], shuffled[kSide<T>];
+    Square<T> const d;
+    hn::Vec<Square<T>> rows[kSide<T>];
     for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = hn::LoadU(d, source + i * sourceStride);
-    for (std::ptrdiff_t round = 1; round < kSide<T>; round *= 2) {
-        for (std::ptrdiff_t i = 0; i < kSide<T> / 2; ++i) {
-            shuffled[2 * i] = hn::InterleaveLower(d, rows[i], rows[i + kSide<T> / 2]);
-            shuffled[2 * i + 1] = hn::InterleaveUpper(d, rows[i], rows[i + kSide<T> / 2]);
+    TurnBlocks<T>(rows);
+#if HWY_MAX_BYTES >= 32
+    if constexpr (kBytes<T> == 32) {
+        constexpr std::ptrdiff_t kHalf = kSide<T> / 2;
+        TurnBlocks<T>(rows + kHalf);
+        for (std::ptrdiff_t i = 0; i < kHalf; ++i) {
+            hn::StoreU(hn::ConcatLowerLower(d, rows[i + kHalf], rows[i]), d,
+                       destination + i * destinationStride);
+            hn::StoreU(hn::ConcatUpperUpper(d, rows[i + kHalf], rows[i]), d,
+                       destination + (i + kHalf) * destinationStride);
         }
-        for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = shuffled[i];
+        return;
     }
+#endif
     for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) hn::StoreU(rows[i], d, destination + i * destinationStride);
 }
 
