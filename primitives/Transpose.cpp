@@ -13,10 +13,10 @@ namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// A line of the cache in the destination is as many rows of the source.
-template <typename T> constexpr std::ptrdiff_t kRows = 64 / static_cast<std::ptrdiff_t>(sizeof(T));
-// So many rows of the destination are written in turn: no more pages than the processor keeps track of.
-constexpr std::ptrdiff_t kColumns = 64;
+// So many columns become rows together: a line of the cache in the source, if that is not too many rows.
+template <typename T> constexpr std::ptrdiff_t kColumns = std::min<std::ptrdiff_t>(64 / sizeof(T), 16);
+// And over so many rows: the processor keeps track of their pages.
+constexpr std::ptrdiff_t kRows = 512;
 
 template <typename T>
 void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
@@ -84,12 +84,13 @@ void Turn(T const* source, std::ptrdiff_t sourceStride, T* destination, std::ptr
 #else
     std::ptrdiff_t const squaresWidth = width - width % kSide<T>;
     std::ptrdiff_t const squaresHeight = height - height % kSide<T>;
-    for (std::ptrdiff_t left = 0; left < squaresWidth; left += kColumns) {
-        std::ptrdiff_t const right = std::min(left + kColumns, squaresWidth);
-        for (std::ptrdiff_t top = 0; top < squaresHeight; top += kRows<T>) {
-            std::ptrdiff_t const bottom = std::min(top + kRows<T>, squaresHeight);
-            for (std::ptrdiff_t x = left; x < right; x += kSide<T>)
-                for (std::ptrdiff_t y = top; y < bottom; y += kSide<T>)
+    // Stores wait in line, loads do not: so the destination is written from left to right.
+    for (std::ptrdiff_t top = 0; top < squaresHeight; top += kRows) {
+        std::ptrdiff_t const bottom = std::min(top + kRows, squaresHeight);
+        for (std::ptrdiff_t left = 0; left < squaresWidth; left += kColumns<T>) {
+            std::ptrdiff_t const right = std::min(left + kColumns<T>, squaresWidth);
+            for (std::ptrdiff_t y = top; y < bottom; y += kSide<T>)
+                for (std::ptrdiff_t x = left; x < right; x += kSide<T>)
                     TurnSquare(source + y * sourceStride + x, sourceStride,
                                destination + x * destinationStride + y, destinationStride);
         }
