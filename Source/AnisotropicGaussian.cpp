@@ -28,7 +28,7 @@ struct AnisotropicFilterPlan {
 
     AnisotropicFilterPlan(double u, double v, double angleDegrees, int orderU, int orderV)
         : derivativeOrderU(orderU), derivativeOrderV(orderV) {
-        // The angle of the axis v, as seen from the column: at right angles c and s are as exact as they get.
+        // A right angle behind the axis u: c is the sine of its angle, s the negative cosine.
         double const theta = (angleDegrees - 180.0 + 90.0) * kPi / 180.0;
         double const c = std::cos(theta);
         double const s = std::sin(theta);
@@ -116,6 +116,7 @@ void Filter(AnisotropicFilterPlan const& plan, Pixels image) {
 bool IsServed(eTypeCode type) {
     return type == eDouble || type == eByte || type == eUInt16 || type == eInt16;
 }
+
 // The whole filter: from the input into contiguous doubles, which are the output's where they can be.
 SOLVANE_RETURNCODE FilterImage(AnisotropicFilterPlan const& plan, ImageAttributes const& input,
                                ImageAttributes* output) {

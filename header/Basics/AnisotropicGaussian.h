@@ -33,7 +33,9 @@ namespace ZPA {
 /// direction. At the border the pixel itself stands for the missing one.
 ///
 /// Pixels that are not finite spread over their row and column, and further. Negative sigmas count as
-/// positive ones. All arithmetic is in double precision and gives the same bits on every machine.
+/// positive ones. All arithmetic is in double precision and gives the same bits on every instruction set.
+/// Where a bright pixel stands in large areas of exact zeros, its fading traces become denormal numbers,
+/// which take several times as long.
 ///
 /// Sources: L. van Vliet, I. Young and P. Verbeek, "Recursive Gaussian derivative filters" (1998); I. Young,
 /// L. van Vliet and M. van Ginkel, "Recursive Gabor filtering" (2002), for the coefficients; B. Triggs and
