@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "primitives/CountTables.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
@@ -53,7 +54,16 @@ template <typename T> std::uint64_t BinOf(T pixel, std::uint64_t bins) {
     }
 }
 
-template <typename T> void Count(ImageView<T const> const& pixels, ULong32* counts, std::uint64_t bins) {
+// Fills `counts`, all of them zero.
+template <typename T> void Count(ImageView<T const> const& pixels, ULong32* counts, std::uint32_t bins) {
+    if constexpr (std::is_same_v<T, std::uint8_t> || std::is_same_v<T, std::uint16_t>) {
+        // Each pixel is its bin; the library's counts of 32 bits have one form or another, of the same size.
+        CountTables<T> tables;
+        if (!tables.Prepare(0, bins)) throw std::bad_alloc();
+        for (std::ptrdiff_t y = 0; y < pixels.Height(); ++y) tables.Count(pixels.Row(y), pixels.Width());
+        tables.AddTo(reinterpret_cast<std::uint32_t*>(counts));
+        return;
+    }
     for (std::ptrdiff_t y = 0; y < pixels.Height(); ++y) {
         T const* const row = pixels.Row(y);
         for (std::ptrdiff_t x = 0; x < pixels.Width(); ++x) {

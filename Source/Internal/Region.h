@@ -4,6 +4,8 @@
 
 #include <Basics/CoreTypes.h>
 
+#include <cstdint>
+
 #include "Source/Internal/ImageView.h"
 
 namespace ZPA {
@@ -28,25 +30,48 @@ public:
                                              ImageAttributes const* mask, APOINT const* maskOrigin,
                                              RegionTexts const& texts);
 
+    // The two halves of it, for operations with checks in between: the first two refusals, and the others.
+    [[nodiscard]] SOLVANE_RETURNCODE ResolveRectangle(ImageAttributes const& image,
+                                                      Rectangle const* rectangle, RegionTexts const& texts);
+    [[nodiscard]] SOLVANE_RETURNCODE ResolveMask(ImageAttributes const& image, ImageAttributes const* mask,
+                                                 APOINT const* maskOrigin);
+
     Rectangle const& Area() const { return area_; }
-    bool IsMasked() const { return maskStart_ != nullptr; }
+    bool IsMasked() const { return mask_.buffer != nullptr; }
+
+    // True if `output` has room for the region where `image` has it, counted by the stride of `image`.
+    bool FitsInto(ImageAttributes const& output, ImageAttributes const& image) const;
 
     // Calls work(pixels, mask, count) for every row of the region, or once if all pixels follow each other.
-    // Without a mask, `mask` is null and every pixel is selected.
-    template <typename T, typename Work> void ForEachRow(ImageView<T> const& image, Work const& work) const {
-        std::ptrdiff_t const width = area_.width;
-        std::ptrdiff_t const height = area_.height;
-        T* const first = image.Row(area_.y) + area_.x;
-        bool const withoutGaps = image.Stride() == width && (!IsMasked() || maskStride_ == width);
-        if (withoutGaps) return work(first, maskStart_, width * height);
-        for (std::ptrdiff_t y = 0; y < height; ++y)
-            work(first + y * image.Stride(), IsMasked() ? maskStart_ + y * maskStride_ : nullptr, width);
+    // Without a mask, `mask` is null and every pixel is selected. No count passes 2^31.
+    template <typename Mask = unsigned char, typename T, typename Work>
+    void ForEachRow(ImageView<T> const& image, Work const& work) const {
+        std::int64_t const pixels = std::int64_t{area_.width} * area_.height;
+        bool const withoutGaps =
+            image.Stride() == area_.width && (!IsMasked() || mask_.stride == area_.width);
+        if (withoutGaps && pixels <= INT32_MAX)
+            return work(image.Row(area_.y), MaskRow<Mask>(0), static_cast<std::ptrdiff_t>(pixels));
+        ForEachNumberedRow<Mask>(
+            image, [&](int, T* row, Mask const* mask, std::ptrdiff_t count) { work(row, mask, count); });
+    }
+
+    // Calls work(y, pixels, mask, count) for every row of the region, the first being row 0.
+    template <typename Mask = unsigned char, typename T, typename Work>
+    void ForEachNumberedRow(ImageView<T> const& image, Work const& work) const {
+        for (int y = 0; y < area_.height; ++y)
+            work(y, image.Row(std::ptrdiff_t{area_.y} + y) + area_.x, MaskRow<Mask>(y),
+                 std::ptrdiff_t{area_.width});
     }
 
 private:
+    template <typename Mask> Mask const* MaskRow(int y) const {
+        if (!IsMasked()) return nullptr;
+        return ImageView<Mask const>(mask_).Row(std::ptrdiff_t{origin_.y} + y) + origin_.x;
+    }
+
     Rectangle area_;
-    unsigned char const* maskStart_ = nullptr;
-    std::ptrdiff_t maskStride_ = 0;
+    ImageAttributes mask_;
+    APOINT origin_;
 };
 
 // True if the rectangle leaves an image of this size; sums of its fields must not overflow.

@@ -1,8 +1,13 @@
-// Each step as raw file, PGM and PNG, and as a section of the page.
+// Each step as raw file, PGM and PNG and as a section of the page, and all of them as a bag document.
 #include "radiograph/Output.h"
 
 #include <Basics/RawFile.h>
 
+#include <cstdint>
+#include <numeric>
+
+#include "radiograph/Document.h"
+#include "radiograph/HistogramPlot.h"
 #include "radiograph/Library.h"
 #include "radiograph/OutputFolder.h"
 #include "radiograph/Picture.h"
@@ -31,20 +36,27 @@ Section WriteStep(Step const& step, bool highIsDark, OutputFolder const& folder)
           raw + " cannot be written");
     Check(ZPA::dumpPgm8bit(image.GetBufferPtr(), width, height, folder.PathFor(pgm).c_str()),
           pgm + " cannot be written");
-    GreyScale const scale = ChooseScale(image, highIsDark);
+    Counts const counts = CountByValue(image);
+    GreyScale const scale = ChooseScale(counts, highIsDark);
     Picture const picture = Show(image, scale);
     folder.Write(png, EncodePng(picture));
 
-    Statistics const found = Measure(image);
+    Statistics const found = Measure(image, counts);
+    Pixel const threshold = OtsuThreshold(counts);
+    auto const above =
+        static_cast<double>(std::accumulate(counts.begin() + threshold + 1, counts.end(), std::uint64_t{0}));
+    double const share = 100 * above / static_cast<double>(Pixels(image).size());
     Section section;
     section.title = step.title;
     section.caption = step.caption;
     section.picture = ScaleDown(picture, kLongestOnPage);
     section.scale = scale;
+    section.histogram = HistogramSvg(MakeHistogram(counts), threshold);
     section.figures = {
         {"Size", Dimensions(width, height)},       {"Minimum", Number(found.minimum)},
         {"Maximum", Number(found.maximum)},        {"Mean", Number(found.mean, 1)},
-        {"Deviation", Number(found.deviation, 1)}, {"Time", Number(step.seconds * 1000, 1) + " ms"}};
+        {"Deviation", Number(found.deviation, 1)}, {"Threshold", Number(threshold)},
+        {"Above it", Number(share, 1) + " %"},     {"Time", Number(step.seconds * 1000, 1) + " ms"}};
     section.fullSize = png;
     section.files = {{"PNG", png}, {"PGM", pgm}, {"Raw", raw}};
     return section;
@@ -62,6 +74,7 @@ std::string WriteOutput(std::vector<Step> const& steps, CommandLine const& optio
     report.greyNote = highIsDark ? "High values, where more of the beam arrived, are shown dark, as on film."
                                  : "High values are shown bright.";
     for (Step const& step : steps) report.sections.push_back(WriteStep(step, highIsDark, folder));
+    WriteDocument(steps, options, folder);
     folder.Write("report.html", MakePage(report));
     folder.Publish(options.file);
     progress.Done();

@@ -37,6 +37,11 @@ article { display: flex; flex-direction: column; background: var(--card); border
 .scale i { flex: 1; height: .6rem; border: 1px solid var(--line); border-radius: .3rem;
   background: linear-gradient(to right, #000, #fff); }
 .scale, dt, dd, .files { font-size: .875rem; font-variant-numeric: tabular-nums; }
+.histogram { display: block; width: 100%; height: 6rem; border-bottom: 1px solid var(--line); }
+.histogram path { fill: none; vector-effect: non-scaling-stroke; }
+.histogram .counts { fill: var(--line); }
+.histogram .smoothed { stroke: var(--link); stroke-width: 1.5; }
+.histogram .threshold { stroke: var(--ink); stroke-width: 1; stroke-dasharray: 4 3; }
 dl { display: grid; grid-template-columns: repeat(auto-fill, minmax(6.6rem, 1fr)); gap: .7rem; margin: 0;
   padding-top: .9rem; border-top: 1px solid var(--line); }
 dt { color: var(--soft); }

@@ -8,8 +8,8 @@
 
 namespace Radiograph {
 
-GreyScale ChooseScale(Image const& image, bool highIsDark) {
-    Range const shown = Percentiles(image, 0.005, 0.995);
+GreyScale ChooseScale(Counts const& counts, bool highIsDark) {
+    Range const shown = Percentiles(counts, 0.005, 0.995);
     return highIsDark ? GreyScale{shown.high, shown.low} : GreyScale{shown.low, shown.high};
 }
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "radiograph/Histogram.h"
 #include "radiograph/Image.h"
 
 namespace Radiograph {
@@ -19,8 +20,9 @@ struct GreyScale {
     Pixel black, white;
 };
 
-// A scale that leaves out the few extreme pixels, which would take the contrast from all others.
-GreyScale ChooseScale(Image const& image, bool highIsDark);
+// A scale that leaves out the few extreme of the counted pixels, which would take the contrast from all
+// others.
+GreyScale ChooseScale(Counts const& counts, bool highIsDark);
 
 Picture Show(Image const& image, GreyScale scale);
 

@@ -74,8 +74,8 @@ std::string FilesHtml(std::vector<Link> const& files) {
 std::string SectionHtml(Section const& section) {
     return "<article>\n" + PictureHtml(section) + "<div class=\"text\">\n<div><h2>" + Escaped(section.title) +
            "</h2>\n<p class=\"caption\">" + Escaped(section.caption) + "</p></div>\n" +
-           ScaleHtml(section.scale) + FiguresHtml(section.figures) + FilesHtml(section.files) +
-           "</div>\n</article>\n";
+           ScaleHtml(section.scale) + section.histogram + FiguresHtml(section.figures) +
+           FilesHtml(section.files) + "</div>\n</article>\n";
 }
 
 }  // namespace
@@ -92,7 +92,12 @@ std::string MakePage(Report const& report) {
     return html + "</main>\n<footer><p>" + Escaped(report.greyNote) +
            " The bar under a picture tells the values shown black and white; the few pixels beyond them are "
            "cut. The PGM files spread the whole range from dark to bright, and the raw files hold the values "
-           "as they are.</p></footer>\n</body>\n</html>\n";
+           "as they are. The histogram runs from the lowest value to the highest: the counts as an area, "
+           "smoothed "
+           "as a line, and a dashed line at the threshold of Otsu’s method (IEEE Transactions on Systems, "
+           "Man, "
+           "and Cybernetics, 1979), which parts low values from high ones "
+           "best.</p></footer>\n</body>\n</html>\n";
 }
 
 }  // namespace Radiograph

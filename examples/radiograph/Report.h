@@ -9,7 +9,7 @@
 
 namespace Radiograph {
 
-// All texts here are plain; the page escapes what HTML gives a meaning to.
+// All texts here but the drawing are plain; the page escapes what HTML gives a meaning to.
 struct Figure {
     std::string name, value;
 };
@@ -21,6 +21,7 @@ struct Section {
     std::string title, caption;
     Picture picture;
     GreyScale scale;
+    std::string histogram;  // an SVG element, as it is
     std::vector<Figure> figures;
     std::string fullSize;  // the file that the picture leads to
     std::vector<Link> files;

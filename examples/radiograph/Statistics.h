@@ -2,7 +2,7 @@
 #ifndef RADIOGRAPH_STATISTICS_H
 #define RADIOGRAPH_STATISTICS_H
 
-#include "radiograph/Image.h"
+#include "radiograph/Histogram.h"
 
 namespace Radiograph {
 
@@ -11,13 +11,14 @@ struct Statistics {
     double mean, deviation;
 };
 
-Statistics Measure(Image const& image);
+// `counts`: of the same image, here and below.
+Statistics Measure(Image const& image, Counts const& counts);
 
 // The values that `lowPart` and `highPart` of the pixels do not pass.
 struct Range {
     Pixel low, high;
 };
-Range Percentiles(Image const& image, double lowPart, double highPart);
+Range Percentiles(Counts const& counts, double lowPart, double highPart);
 
 }  // namespace Radiograph
 

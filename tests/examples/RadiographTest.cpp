@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include "radiograph/HistogramPlot.h"
 #include "radiograph/Phantom.h"
 #include "radiograph/Picture.h"
 #include "radiograph/Png.h"
@@ -18,8 +19,10 @@ ImagePtr ImageOf(int width, std::vector<Pixel> const& pixels) {
     return image;
 }
 
+Statistics Measured(Image const& image) { return Measure(image, CountByValue(image)); }
+
 TEST(Statistics, DescribeWholeRangeOfPixels) {
-    Statistics const found = Measure(*ImageOf(2, {0, 65535, 65535, 0}));
+    Statistics const found = Measured(*ImageOf(2, {0, 65535, 65535, 0}));
     EXPECT_EQ(found.minimum, 0);
     EXPECT_EQ(found.maximum, 65535);
     EXPECT_DOUBLE_EQ(found.mean, 32767.5);
@@ -30,12 +33,53 @@ TEST(Statistics, PercentilesLeaveOutliersAside) {
     std::vector<Pixel> pixels(1000, 500);
     pixels[0] = 0;
     pixels[1] = 65535;
-    Range const range = Percentiles(*ImageOf(100, pixels), 0.01, 0.99);
+    Range const range = Percentiles(CountByValue(*ImageOf(100, pixels)), 0.01, 0.99);
     EXPECT_EQ(range.low, 500);
     EXPECT_EQ(range.high, 500);
-    Range const all = Percentiles(*ImageOf(100, pixels), 0, 1);
+    Range const all = Percentiles(CountByValue(*ImageOf(100, pixels)), 0, 1);
     EXPECT_EQ(all.low, 0);
     EXPECT_EQ(all.high, 65535);
+}
+
+TEST(Histogram, BinsHoldEveryPixelFromFirstToLast) {
+    Counts counts(0x10000);
+    counts[65535] = 3;
+    Histogram const one = MakeHistogram(counts);
+    EXPECT_EQ(one.low, 65535);
+    EXPECT_EQ(one.counts, (std::vector<float>{3}));
+    counts[65535 - 600] = 5;
+    counts[65534] = 1;
+    Histogram const wide = MakeHistogram(counts);  // 601 values, three a bin: the last bin has one only
+    EXPECT_EQ(wide.valuesPerBin, 3);
+    EXPECT_EQ(wide.counts.size(), 201U);
+    EXPECT_EQ(wide.counts.front(), 5);
+    EXPECT_EQ(wide.counts[199], 1);
+    EXPECT_EQ(wide.counts.back(), 3);
+    EXPECT_EQ(wide.smoothed.size(), wide.counts.size());
+}
+
+TEST(Histogram, ThresholdPartsTwoGroups) {
+    Counts counts(0x10000);
+    counts[40000] = 10;
+    EXPECT_EQ(OtsuThreshold(counts), 40000);
+    counts[65535] = 1000;
+    EXPECT_EQ(OtsuThreshold(counts), 40000);
+    // Two groups of different sizes and widths, whose threshold is the last value of the lower one.
+    counts = Counts(0x10000);
+    for (std::size_t value = 100; value <= 140; ++value) counts[value] = 50;
+    for (std::size_t value = 300; value <= 305; ++value) counts[value] = 20;
+    EXPECT_EQ(OtsuThreshold(counts), 140);
+}
+
+TEST(Histogram, IsDrawnInsideItsFrame) {
+    Counts counts(0x10000);
+    counts[7] = 9;
+    // One bin, which the threshold ends.
+    std::string const one = HistogramSvg(MakeHistogram(counts), 7);
+    EXPECT_NE(one.find("H256.00"), std::string::npos);
+    EXPECT_NE(one.find("M256.00 0V100"), std::string::npos);
+    EXPECT_EQ(one.find("nan"), std::string::npos);
+    EXPECT_EQ(one.find('-', one.find(" d=\"")), std::string::npos);  // nothing negative
 }
 
 TEST(Picture, SpreadsEitherDirectionAndCutsTheRest) {
@@ -44,7 +88,8 @@ TEST(Picture, SpreadsEitherDirectionAndCutsTheRest) {
     EXPECT_EQ(Show(*image, {100, 200}).grey, (Grey{0, 0, 128, 255, 255}));
     EXPECT_EQ(Show(*image, {200, 100}).grey, (Grey{255, 255, 128, 0, 0}));
     EXPECT_EQ(Show(*image, {150, 150}).grey, (Grey{0, 0, 0, 255, 255}));  // one value only: no division
-    EXPECT_GT(ChooseScale(*image, true).black, ChooseScale(*image, true).white);
+    Counts const counts = CountByValue(*image);
+    EXPECT_GT(ChooseScale(counts, true).black, ChooseScale(counts, true).white);
 }
 
 TEST(Picture, ScalesDownWithPartialBlocksAtTheEdges) {
@@ -97,7 +142,7 @@ TEST(Phantom, IsBrightInAirAndDarkInTheMiddleAtAnySize) {
         ImagePtr const image = MakePhantom(side);
         ASSERT_EQ(image->GetWidth(), side);
         ASSERT_EQ(image->GetHeight(), side);
-        Statistics const found = Measure(*image);
+        Statistics const found = Measured(*image);
         EXPECT_LT(found.maximum, 1 << 14);
         Pixel const corner = *Pixels(*image).begin();
         Pixel const middle = Pixels(*image).begin()[side / 2 * side + side / 2];

@@ -1,0 +1,408 @@
+// Statistics of images and buffers, and standard scores: values, regions, and what is refused.
+#include <Basics/Statistics.h>
+#include <gtest/gtest.h>
+
+#include "support/CapturedLog.h"
+#include "support/Regions.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+struct Measures {
+    double min, max, mean, stdDev;
+};
+
+bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b); }
+testing::AssertionResult operator==(Measures const& a, Measures const& b) {
+    if (SameBits(a.min, b.min) && SameBits(a.max, b.max) && SameBits(a.mean, b.mean) &&
+        SameBits(a.stdDev, b.stdDev))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << a.min << " " << a.max << " " << a.mean << " " << a.stdDev << ", but expected " << b.min << " "
+           << b.max << " " << b.mean << " " << b.stdDev;
+}
+
+// The running sums in extended precision, pixel by pixel.
+struct Model {
+    double min, max;
+    long double sum = 0, squares = 0, count = 0;
+
+    template <typename T> void Add(T pixel) {
+        if (pixel < min) min = pixel;
+        if (pixel > max) max = pixel;
+        sum += pixel;
+        if constexpr (std::is_integral_v<T>)
+            squares += static_cast<int>(static_cast<unsigned>(pixel) * static_cast<unsigned>(pixel));
+        else
+            squares += static_cast<long double>(pixel) * pixel;
+        count += 1;
+    }
+    Measures Result() const {
+        if (count == 0) return {min, max, 0, 0};
+        long double const mean = sum / count;
+        return {min, max, static_cast<double>(mean),
+                static_cast<double>(std::sqrt(squares / count - mean * mean))};
+    }
+};
+
+template <typename T> Model Start() {
+    return {static_cast<double>(std::numeric_limits<T>::max()),
+            std::is_integral_v<T> ? 0.0 : std::numeric_limits<double>::lowest()};
+}
+
+template <typename T>
+Measures ModelOf(TestImage<T> const& image, TestImage<unsigned char> const& mask, Choice const& choice) {
+    Model model = Start<T>();
+    for (int y = 0; y < choice.area.height; ++y)
+        for (int x = 0; x < choice.area.width; ++x)
+            if (choice.Selects(mask, x, y)) model.Add(image.At(choice.area.x + x, choice.area.y + y));
+    return model.Result();
+}
+
+template <typename T> class StatisticsOf : public testing::Test {};
+using Served = testing::Types<unsigned char, short, unsigned short, double>;
+TYPED_TEST_SUITE(StatisticsOf, Served, );
+
+TYPED_TEST(StatisticsOf, AreThoseOfTheModelOnEverySimdTarget) {
+    for (Shape const shape : kShapes) {
+        auto image = RandomImage<TypeParam>(shape, 1);
+        auto mask = RandomMask(MaskShape(shape), 2);
+        ImageAttributes const maskAttributes = mask.Attributes();
+        for (Choice const& choice : Choices(shape)) {
+            SCOPED_TRACE(testing::Message() << shape << ", " << choice);
+            Measures const expected = ModelOf(image, mask, choice);
+            ForEachSimdTarget([&] {
+                // Every choice of outputs; the others stay as they were.
+                for (int wanted = 0; wanted < 16; ++wanted) {
+                    Measures found{1, 2, 3, 4};
+                    bool const min = wanted & 1, max = wanted & 2, mean = wanted & 4, stdDev = wanted & 8;
+                    EXPECT_EQ(CalculateImageStats(
+                                  image.Attributes(), choice.Roi(), choice.masked ? &maskAttributes : nullptr,
+                                  choice.Origin(), min ? &found.min : nullptr, max ? &found.max : nullptr,
+                                  mean ? &found.mean : nullptr, stdDev ? &found.stdDev : nullptr),
+                              SOLVANE_OK);
+                    EXPECT_TRUE(found == (Measures{min ? expected.min : 1, max ? expected.max : 2,
+                                                   mean ? expected.mean : 3, stdDev ? expected.stdDev : 4}));
+                }
+            });
+        }
+    }
+}
+
+template <typename T> Measures Measured(TestImage<T>& image, ImageAttributes const* mask = nullptr) {
+    Measures found{};
+    EXPECT_EQ(CalculateImageStats(image.Attributes(), nullptr, mask, nullptr, &found.min, &found.max,
+                                  &found.mean, &found.stdDev),
+              SOLVANE_OK);
+    return found;
+}
+
+TYPED_TEST(StatisticsOf, DoNotOverflowWithExtremePixels) {
+    using Limits = std::numeric_limits<TypeParam>;
+    // More vectors than are summed in 32 bits, of any instruction set.
+    Shape const shape{1024, 1100, 1024};
+    TestImage<TypeParam> image(shape);
+    TestImage<unsigned char> mask(MaskShape(shape));
+    std::fill_n(mask.Pixels(), mask.Size(), static_cast<unsigned char>(255));
+    ImageAttributes const maskAttributes = mask.Attributes();
+    for (TypeParam const pixel : {Limits::max(), Limits::lowest(), static_cast<TypeParam>(46341)}) {
+        std::fill_n(image.Pixels(), image.Size(), pixel);
+        Measures const expected = ModelOf(image, mask, Choices(shape)[0]);
+        ForEachSimdTarget([&] {
+            EXPECT_TRUE(Measured(image) == expected) << pixel;
+            EXPECT_TRUE(Measured(image, &maskAttributes) == expected) << pixel;
+        });
+    }
+}
+
+TEST(Statistics, OfManyDoublesRoundInOrder) {
+    // Sums that lose bits, so that another order or precision would show.
+    Shape const shape{301, 211, 310};
+    TestImage<double> image(shape);
+    std::mt19937_64 random(5);
+    for (std::size_t i = 0; i < image.Size(); ++i)
+        image.Pixels()[i] =
+            std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 40) - 60);
+    auto mask = RandomMask(shape, 6);
+    ImageAttributes const maskAttributes = mask.Attributes();
+    EXPECT_TRUE(Measured(image) == ModelOf(image, mask, Choices(shape)[0]));
+    EXPECT_TRUE(Measured(image, &maskAttributes) == ModelOf(image, mask, Choices(shape)[2]));
+}
+
+TEST(Statistics, KeepTheFirstZeroAndPassOverWhatIsNoNumber) {
+    double const kNone = std::numeric_limits<double>::quiet_NaN();
+    ForEachSimdTarget([&] {
+        TestImage<double> image({40, 1, 40});
+        for (bool const negativeFirst : {false, true}) {
+            for (int x = 0; x < 40; ++x) image.At(x, 0) = x % 3 ? 5.0 + x : kNone;
+            image.At(2, 0) = negativeFirst ? -0.0 : 0.0;
+            image.At(8, 0) = negativeFirst ? 0.0 : -0.0;
+            Measures const found = Measured(image);
+            EXPECT_EQ(std::signbit(found.min), negativeFirst);
+            EXPECT_EQ(found.max, 5.0 + 38);
+            EXPECT_TRUE(std::isnan(found.mean));
+        }
+    });
+}
+
+TEST(Statistics, OfNoPixelAreWhereTheSearchStarts) {
+    TestImage<unsigned char> nothing({4, 3, 4});
+    std::fill_n(nothing.Pixels(), nothing.Size(), static_cast<unsigned char>(0));
+    ImageAttributes const mask = nothing.Attributes();
+    auto bytes = RandomImage<unsigned char>({4, 3, 4}, 1);
+    auto words = RandomImage<unsigned short>({4, 3, 4}, 1);
+    auto signedWords = RandomImage<short>({4, 3, 4}, 1);
+    auto doubles = RandomImage<double>({4, 3, 4}, 1);
+    constexpr double kMost = std::numeric_limits<double>::max();
+    EXPECT_TRUE(Measured(bytes, &mask) == (Measures{255, 0, 0, 0}));
+    EXPECT_TRUE(Measured(words, &mask) == (Measures{65535, 0, 0, 0}));
+    EXPECT_TRUE(Measured(signedWords, &mask) == (Measures{32767, 0, 0, 0}));
+    EXPECT_TRUE(Measured(doubles, &mask) == (Measures{kMost, -kMost, 0, 0}));
+}
+
+TEST(Statistics, WrapTheSquaresOfBrightPixels) {
+    TestImage<unsigned short> image({50, 2, 50});
+    for (int const pixel : {40000, 46340, 46341, 50000}) {
+        std::fill_n(image.Pixels(), image.Size(), static_cast<unsigned short>(pixel));
+        Measures const found = Measured(image);
+        EXPECT_EQ(found.mean, pixel);
+        if (pixel <= 46340)
+            EXPECT_EQ(found.stdDev, 0) << pixel;
+        else
+            EXPECT_TRUE(std::isnan(found.stdDev)) << pixel;
+    }
+}
+
+template <typename T> class BufferStatisticsOf : public testing::Test {};
+using ServedInBuffers = testing::Types<unsigned char, unsigned short, float, double>;
+TYPED_TEST_SUITE(BufferStatisticsOf, ServedInBuffers, );
+
+TYPED_TEST(BufferStatisticsOf, AreThoseOfTheModel) {
+    auto image = RandomImage<TypeParam>({2500, 1, 2500}, 3);
+    if constexpr (std::is_floating_point_v<TypeParam>)
+        for (int x = 10; x < 400; ++x) image.At(x, 0) = static_cast<TypeParam>(-1.5 - x);
+    BufferAttributes const buffer(TypeCodeOf<TypeParam>, image.Pixels(), 2500);
+    struct Range {
+        int start, end;
+    };
+    for (Range const range : {Range{0, 2500}, {10, 400}, {2499, 2500}, {7, 7}, {9, 3}, {3000, 2600}}) {
+        SCOPED_TRACE(testing::Message() << range.start << " to " << range.end);
+        Model model{0, 0};
+        for (int i = range.start; i < range.end; ++i) model.Add(image.At(i, 0));
+        Measures const expected = model.Result();
+        bool const whole = range.end - range.start == 2500;
+        int const* const start = whole ? nullptr : &range.start;
+        int const* const end = whole ? nullptr : &range.end;
+        Measures found{1, 2, 3, 4}, withoutMean{1, 2, 3, 4};
+        EXPECT_EQ(
+            CalculateBufferStats(buffer, start, end, &found.min, &found.max, &found.mean, &found.stdDev),
+            SOLVANE_OK);
+        EXPECT_TRUE(found == expected);
+        EXPECT_EQ(CalculateBufferStats(buffer, start, end, nullptr, nullptr, nullptr, &withoutMean.stdDev),
+                  SOLVANE_OK);
+        EXPECT_TRUE(withoutMean == (Measures{1, 2, 3, 0}));
+    }
+}
+
+template <typename T> T Score(T element, Measures const& measures) {
+    if (measures.stdDev == 0) return 0;
+    double const score = (element - measures.mean) / measures.stdDev;
+    if constexpr (std::is_integral_v<T>)
+        return std::isnan(score) ? T{0} : static_cast<T>(static_cast<int>(score));
+    else
+        return static_cast<T>(score);
+}
+
+template <typename T> class Scores : public testing::Test {};
+using Scored = testing::Types<unsigned char, unsigned short, double>;
+TYPED_TEST_SUITE(Scores, Scored, );
+
+TYPED_TEST(Scores, ReplaceWhatIsSelectedAndNothingElse) {
+    for (Shape const shape : kShapes) {
+        // Of integers both bright and dark, for deviations that are numbers and such that are not.
+        for (int const shift : {0, 3}) {
+            auto image = RandomImage<TypeParam>(shape, 1);
+            if constexpr (std::is_integral_v<TypeParam>)
+                for (std::size_t i = 0; i < image.Size(); ++i)
+                    image.Pixels()[i] = static_cast<TypeParam>(image.Pixels()[i] >> shift);
+            auto mask = RandomMask(MaskShape(shape), 2);
+            ImageAttributes const maskAttributes = mask.Attributes();
+            for (Choice const& choice : Choices(shape)) {
+                SCOPED_TRACE(testing::Message() << shape << ", " << choice);
+                Measures const measures = ModelOf(image, mask, choice);
+                auto output = RandomImage<TypeParam>(shape, 4);
+                auto expected = output, inPlace = image, expectedInPlace = image;
+                for (int y = 0; y < choice.area.height; ++y)
+                    for (int x = 0; x < choice.area.width; ++x) {
+                        if (!choice.Selects(mask, x, y)) continue;
+                        int const column = choice.area.x + x, row = choice.area.y + y;
+                        TypeParam const score = Score(image.At(column, row), measures);
+                        expected.At(column, row) = expectedInPlace.At(column, row) = score;
+                    }
+                ImageAttributes to = output.Attributes(), same = inPlace.Attributes();
+                ImageAttributes const* const chosen = choice.masked ? &maskAttributes : nullptr;
+                EXPECT_EQ(NormalizeImage(image.Attributes(), choice.Roi(), chosen, choice.Origin(), &to),
+                          SOLVANE_OK);
+                EXPECT_TRUE(output == expected);
+                EXPECT_EQ(NormalizeImage(same, choice.Roi(), chosen, choice.Origin(), &same), SOLVANE_OK);
+                EXPECT_TRUE(inPlace == expectedInPlace);
+            }
+        }
+    }
+}
+
+TEST(ScoresOfBuffers, ReplaceTheRange) {
+    float elements[] = {9, 1, 2, 3, 9}, scores[] = {7, 7, 7, 7, 7};
+    BufferAttributes output(eSingle, scores, 5);
+    int const start = 1, end = 4;
+    EXPECT_EQ(NormalizeBuffer({eSingle, elements, 5}, &start, &end, &output), SOLVANE_OK);
+    auto const one = static_cast<float>(1 / std::sqrt(2.0 / 3));
+    float const expected[] = {7, -one, 0, one, 7};
+    for (int i = 0; i < 5; ++i) EXPECT_FLOAT_EQ(scores[i], expected[i]) << i;
+
+    unsigned short words[] = {10, 20, 30, 40, 90}, wordScores[5] = {};
+    BufferAttributes wordOutput(eUInt16, wordScores, 5);
+    EXPECT_EQ(NormalizeBuffer({eUInt16, words, 5}, nullptr, nullptr, &wordOutput), SOLVANE_OK);
+    unsigned short const cut[] = {0, 0, 0, 0, 1};  // -1.0, -0.6, -0.3, 0.07, 1.9
+    for (int i = 1; i < 5; ++i) EXPECT_EQ(wordScores[i], cut[i]) << i;
+    EXPECT_EQ(wordScores[0], 65535);
+}
+
+// What both operations on images refuse, each by a call of its own.
+constexpr auto kMaskType = L"The mask must be of type eByte.";
+constexpr auto kType = L"The input image type is not supported";
+constexpr auto kNull = L"The input image had a NULL buffer pointer.";
+constexpr auto kEmpty = L"The rectangular ROI was empty.";
+constexpr auto kBounds = L"The rectangular ROI was out of bounds in the input image.";
+constexpr auto kNoMask = L"The mask had a NULL buffer pointer.";
+constexpr auto kMaskBounds = L"The rectangular ROI was out of bounds in the mask.";
+
+TEST(Statistics, RefuseInTheirOrder) {
+    unsigned short pixels[24] = {};
+    unsigned char maskPixels[24] = {};
+    ImageAttributes const image(eUInt16, pixels, 4, 3, 6, 16, 0), noPixels(eUInt16, nullptr, 4, 3, 6, 16, 0);
+    ImageAttributes const floats(eSingle, nullptr, 4, 3, 6, 32, 0), narrow(eUInt16, pixels, 4, 3, 3, 16, 0);
+    ImageAttributes const mask(eByte, maskPixels, 4, 3, 4, 8, 0), noMask(eByte, nullptr, 4, 3, 4, 8, 0);
+    ImageAttributes const wrongMask(eSByte, nullptr, 4, 3, 4, 8, 0);
+    Rectangle const empty(0, 0, 0, 2), negative(0, -1, 2, 2), huge(1, 1, INT_MAX, INT_MAX),
+        inside(1, 1, 3, 2);
+    APOINT const before(-1, 0), beyond(0, INT_MAX);
+    struct Case {
+        char const* name;
+        ImageAttributes image;
+        Rectangle const* roi;
+        ImageAttributes const* mask;
+        APOINT const* origin;
+        int code;
+        std::wstring message;
+    };
+    Case const cases[] = {
+        {"mask type first", floats, &empty, &wrongMask, nullptr, 7, kMaskType},
+        {"type", floats, &empty, &noMask, nullptr, 6, kType},
+        {"null", noPixels, &empty, &noMask, nullptr, 2, kNull},
+        {"empty", image, &empty, &noMask, nullptr, 3, kEmpty},
+        {"negative", image, &negative, &noMask, nullptr, 3, kBounds},
+        {"huge", image, &huge, &noMask, nullptr, 3, kBounds},
+        {"null mask", image, &inside, &noMask, &before, 2, kNoMask},
+        {"origin before", image, &inside, &mask, &before, 3, kMaskBounds},
+        {"origin beyond", image, &inside, &mask, &beyond, 3, kMaskBounds},
+        {"rows overlap", narrow, nullptr, nullptr, nullptr, 7, L"The image's rows overlap."},
+    };
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.name);
+        CapturedLog log;
+        Measures found{1, 2, 3, 4};
+        EXPECT_EQ(CalculateImageStats(each.image, each.roi, each.mask, each.origin, &found.min, &found.max,
+                                      &found.mean, &found.stdDev),
+                  each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_TRUE(found == (Measures{1, 2, 3, 4}));
+        log.Clear();
+        EXPECT_EQ(NormalizeImage(each.image, each.roi, each.mask, each.origin, nullptr), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Code(), each.code);
+    }
+    EXPECT_EQ(CalculateImageStats(image, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              SOLVANE_OK);
+}
+
+TEST(ScoresOfImages, RefuseOutputsWithoutRoom) {
+    unsigned short pixels[24] = {}, scores[24] = {};
+    ImageAttributes const image(eUInt16, pixels, 4, 3, 6, 16, 0);
+    Rectangle const top(0, 0, 4, 2);
+    struct Case {
+        char const* name;
+        ImageAttributes output;
+        Rectangle const* roi;
+        int code;
+    };
+    Case const cases[] = {
+        {"null", {eUInt16, nullptr, 4, 3, 6, 16, 0}, nullptr, 2},
+        {"narrower elements", {eByte, scores, 8, 6, 8, 8, 0}, nullptr, 7},
+        {"too few rows", {eUInt16, scores, 4, 2, 6, 16, 0}, nullptr, 7},
+        {"too short a stride", {eUInt16, scores, 4, 3, 5, 16, 0}, nullptr, 7},
+        {"negative", {eUInt16, scores, 4, -3, -6, 16, 0}, nullptr, 7},
+        {"another shape with room", {eUInt16, scores, 16, 1, 16, 16, 0}, nullptr, 0},
+        {"room for the region", {eUInt16, scores, 4, 2, 6, 16, 0}, &top, 0},
+    };
+    for (Case each : cases) {
+        SCOPED_TRACE(each.name);
+        EXPECT_EQ(NormalizeImage(image, each.roi, nullptr, nullptr, &each.output), each.code);
+    }
+}
+
+TEST(BufferStatistics, RefuseInTheirOrder) {
+    float elements[4] = {};
+    BufferAttributes const buffer(eSingle, elements, 4), shorts(eInt16, nullptr, 4),
+        none(eSingle, nullptr, 4);
+    int const before = -1, beyond = 5;
+    constexpr auto kRange = L"The range of indices was out of bounds in the input buffer.";
+    constexpr auto kSizes = L"Input and Output buffers must be of the same size";
+    constexpr auto kNoOutput = L"The output buffer had a NULL buffer pointer.";
+    BufferAttributes sameSize(eSingle, nullptr, 4), longer(eSingle, elements, 5),
+        narrow(eUInt16, elements, 4);
+    struct Case {
+        char const* name;
+        BufferAttributes buffer;
+        int const *start, *end;
+        int code;
+        std::wstring message;
+    };
+    Case const cases[] = {{"type", shorts, &before, nullptr, 6, kType},
+                          {"null", none, &before, nullptr, 2, kNull},
+                          {"before", buffer, &before, nullptr, 3, kRange},
+                          {"beyond", buffer, nullptr, &beyond, 3, kRange}};
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.name);
+        CapturedLog log;
+        double mean = 1;
+        EXPECT_EQ(CalculateBufferStats(each.buffer, each.start, each.end, nullptr, nullptr, &mean, nullptr),
+                  each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(mean, 1);
+        log.Clear();
+        EXPECT_EQ(NormalizeBuffer(each.buffer, each.start, each.end, &sameSize), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+    }
+    struct OutputCase {
+        BufferAttributes input;
+        BufferAttributes* output;
+        int code;
+        std::wstring message;
+    };
+    OutputCase const outputs[] = {{buffer, nullptr, 2, kNoOutput},
+                                  {shorts, &longer, 7, kSizes},
+                                  {buffer, &sameSize, 2, kNoOutput},
+                                  {buffer, &narrow, 7, L"The output buffer's elements are too small."}};
+    for (OutputCase const& each : outputs) {
+        CapturedLog const log;
+        EXPECT_EQ(NormalizeBuffer(each.input, nullptr, nullptr, each.output), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+    }
+}
+
+}  // namespace
+}  // namespace ZPA

@@ -1,0 +1,43 @@
+// The ways to choose pixels of an image that tests of regions go through.
+#ifndef ZPA_TESTS_SUPPORT_REGIONS_H
+#define ZPA_TESTS_SUPPORT_REGIONS_H
+
+#include <string>
+
+#include "support/Images.h"
+
+namespace ZPA::Testing {
+
+// A rectangle, a mask and its origin, each of which may be missing; the null pointers that operations take.
+struct Choice {
+    std::string name;
+    Rectangle area;
+    bool givesRectangle;
+    bool masked;
+    APOINT origin;
+    bool givesOrigin;
+
+    Rectangle const* Roi() const { return givesRectangle ? &area : nullptr; }
+    APOINT const* Origin() const { return givesOrigin ? &origin : nullptr; }
+    // Whether the mask, if there is one, selects the pixel (x, y) of the rectangle.
+    template <typename Mask> bool Selects(TestImage<Mask> const& mask, int x, int y) const {
+        return !masked || mask.At(origin.x + x, origin.y + y) != 0;
+    }
+};
+inline std::ostream& operator<<(std::ostream& out, Choice const& choice) { return out << choice.name; }
+
+// The whole image and an inner part, each with and without a mask of the shape that MaskShape gives.
+inline std::vector<Choice> Choices(Shape shape) {
+    int const left = shape.width / 4, top = shape.height / 3;
+    Rectangle const whole(0, 0, shape.width, shape.height);
+    Rectangle const inner(left, top, shape.width - left, shape.height - top);
+    return {{"whole", whole, false, false, {}, false},
+            {"inner", inner, true, false, {}, false},
+            {"whole, masked", whole, false, true, {}, false},
+            {"inner, masked", inner, true, true, {left / 2, top}, true}};
+}
+inline Shape MaskShape(Shape shape) { return {shape.width, shape.height, shape.stride}; }
+
+}  // namespace ZPA::Testing
+
+#endif
