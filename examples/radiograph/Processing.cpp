@@ -1,7 +1,9 @@
 // The steps, in their order.
 #include "radiograph/Processing.h"
 
+#include <Basics/BlockAverage.h>
 #include <Basics/FlatTopFilter.h>
+#include <Basics/HomoFilter.h>
 
 #include <algorithm>
 #include <numeric>
@@ -53,6 +55,32 @@ ImagePtr Flattened(Image const& input, Image const& background) {
     return flattened;
 }
 
+// The local contrast, in deviations of the whole, from -4 on black to 4 on white.
+ImagePtr Normalised(Image const& input, double sigma) {
+    ZPA::ZPA_Image<double> contrast(nullptr, input.GetWidth(), input.GetHeight(), 0, 64, 1, true, false);
+    ZPA::ImageAttributes output = contrast;
+    Check(ZPA::HomoFilter(input, sigma, &output), "cannot normalise the local contrast");
+    ImagePtr const normalised = NewImage(input.GetWidth(), input.GetHeight());
+    Pixels const to(*normalised);
+    std::transform(contrast.GetBufferPtr(), contrast.GetBufferPtr() + to.size(), to.begin(),
+                   [](double value) {
+                       // Where the image is flat there is no contrast, and the value not a number.
+                       double const shown = value == value ? value : 0;
+                       return static_cast<Pixel>(std::clamp((shown + 4) / 8, 0.0, 1.0) * 0xFFFF);
+                   });
+    return normalised;
+}
+
+ImagePtr Preview(Image const& input, int factor) {
+    int const width = input.GetWidth() / factor;
+    int const height = input.GetHeight() / factor;
+    ImagePtr const preview = NewImage(width, height);
+    Check(ZPA::blockAverageDownSample_ushort(input.GetBufferPtr(), preview->GetBufferPtr(), input.GetWidth(),
+                                             input.GetHeight(), width, height, factor),
+          "cannot reduce the radiograph by " + std::to_string(factor));
+    return preview;
+}
+
 }  // namespace
 
 std::vector<Step> Process(std::string const& file) {
@@ -77,6 +105,19 @@ std::vector<Step> Process(std::string const& file) {
        "Input − background + the background’s mean, kept within 16 bits: what is large and "
        "slow has gone, what is small and sharp stands out.",
        [&] { return Flattened(*input, *background); });
+
+    int const side = std::min(input->GetWidth(), input->GetHeight());
+    double const sigma = std::max(1.0, side / 64.0);
+    Do(steps, "Normalised", "normalised",
+       "Every pixel’s distance from its surroundings’ mean in units of their deviation: faint structures "
+       "show as "
+       "clearly as strong ones.",
+       [&] { return Normalised(*input, sigma); });
+
+    int const factor = std::clamp(side / 256, 1, 8);
+    Do(steps, "Preview", "preview",
+       "The means of blocks of " + Dimensions(factor, factor) + " pixels: small, and with less noise.",
+       [&] { return Preview(*input, factor); });
 
     return steps;
 }

@@ -5,16 +5,19 @@
 /// @file
 /// Includes every public header. Each can be included alone as well.
 
+#include <Basics/AnisotropicGaussian.h>
 #include <Basics/Any.h>
 #include <Basics/Arithmetic.h>
 #include <Basics/Bag.h>
 #include <Basics/BagIO.h>
 #include <Basics/BagOperations.h>
+#include <Basics/BlockAverage.h>
 #include <Basics/CoreTypes.h>
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
 #include <Basics/FlatTopFilter.h>
 #include <Basics/Histogram.h>
+#include <Basics/HomoFilter.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
 #include <Basics/Logging.h>

@@ -1,0 +1,228 @@
+// Means over blocks: sums of columns, added up along the row, and divided by a product with the reciprocal.
+#include "primitives/BlockMeans.h"
+
+#include <algorithm>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "primitives/BlockMeans.cpp"
+#include <hwy/foreach_target.h>  // before highway.h
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace ZPA::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Sums = hn::ScalableTag<std::int32_t>;
+constexpr std::ptrdiff_t kLanes = hn::MaxLanes(Sums());
+
+// As many columns are summed at once: their sums stay in the first cache.
+constexpr std::ptrdiff_t kColumns = 2048;
+
+// Sets the sums of columns to a row, or adds one.
+template <bool kFirst, typename T> void AddRow(T const* row, std::ptrdiff_t count, std::int32_t* sums) {
+    Sums const d;
+    hn::Rebind<T, Sums> const narrow;
+    std::ptrdiff_t x = 0;
+    for (; x + kLanes <= count; x += kLanes) {
+        auto sum = hn::PromoteTo(d, hn::LoadU(narrow, row + x));
+        if (!kFirst) sum = hn::Add(sum, hn::LoadU(d, sums + x));
+        hn::StoreU(sum, d, sums + x);
+    }
+    for (; x < count; ++x) sums[x] = (kFirst ? 0 : sums[x]) + row[x];
+}
+
+// The same for two rows at once: the sums move half as often.
+template <bool kFirst, typename T>
+void AddRows(T const* row, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums) {
+    Sums const d;
+    hn::Rebind<T, Sums> const narrow;
+    T const* const next = row + stride;
+    std::ptrdiff_t x = 0;
+    for (; x + kLanes <= count; x += kLanes) {
+        auto sum = hn::Add(hn::PromoteTo(d, hn::LoadU(narrow, row + x)),
+                           hn::PromoteTo(d, hn::LoadU(narrow, next + x)));
+        if (!kFirst) sum = hn::Add(sum, hn::LoadU(d, sums + x));
+        hn::StoreU(sum, d, sums + x);
+    }
+    for (; x < count; ++x) sums[x] = (kFirst ? 0 : sums[x]) + row[x] + next[x];
+}
+
+// The sums of columns over `rows` rows.
+template <typename T>
+void AddUp(T const* row, std::ptrdiff_t stride, std::ptrdiff_t rows, std::ptrdiff_t count,
+           std::int32_t* sums) {
+    if (rows == 1) return AddRow<true>(row, count, sums);
+    AddRows<true>(row, stride, count, sums);
+    for (std::ptrdiff_t y = 2; y + 2 <= rows; y += 2) AddRows<false>(row + y * stride, stride, count, sums);
+    if (rows % 2 == 1) AddRow<false>(row + (rows - 1) * stride, count, sums);
+}
+
+// Adds a row's pixels that are not the code to the sums of columns, and 1 for each to the counts.
+template <typename T>
+void AddRowWithout(T code, T const* row, std::ptrdiff_t count, std::int32_t* sums, std::int32_t* counts) {
+    Sums const d;
+    hn::Rebind<T, Sums> const narrow;
+    hn::Rebind<std::int16_t, Sums> const flags;
+    auto const codes = hn::Set(narrow, code);
+    std::ptrdiff_t x = 0;
+    for (; x + kLanes <= count; x += kLanes) {
+        auto const pixels = hn::LoadU(narrow, row + x);
+        auto const counted = hn::Ne(pixels, codes);
+        auto const sum = hn::PromoteTo(d, hn::IfThenElseZero(counted, pixels));
+        auto const minusOne = hn::PromoteTo(d, hn::BitCast(flags, hn::VecFromMask(narrow, counted)));
+        hn::StoreU(hn::Add(hn::LoadU(d, sums + x), sum), d, sums + x);
+        hn::StoreU(hn::Sub(hn::LoadU(d, counts + x), minusOne), d, counts + x);
+    }
+    for (; x < count; ++x) {
+        sums[x] += row[x] != code ? row[x] : 0;
+        counts[x] += row[x] != code;
+    }
+}
+
+// Adds up neighbours, in place: `side` columns at a time become one.
+void AddColumns(std::int32_t* sums, std::ptrdiff_t blocks, std::ptrdiff_t side) {
+    for (; side % 2 == 0; side /= 2) {
+        std::ptrdiff_t const pairs = blocks * side / 2;
+        std::ptrdiff_t x = 0;
+#if HWY_TARGET != HWY_SCALAR
+        Sums const d;
+        for (; x + kLanes <= pairs; x += kLanes) {
+            auto const left = hn::LoadU(d, sums + 2 * x);
+            auto const right = hn::LoadU(d, sums + 2 * x + kLanes);
+            hn::StoreU(hn::Add(hn::ConcatEven(d, right, left), hn::ConcatOdd(d, right, left)), d, sums + x);
+        }
+#endif
+        for (; x < pairs; ++x) sums[x] = sums[2 * x] + sums[2 * x + 1];
+    }
+    if (side == 1) return;
+    for (std::ptrdiff_t block = 0; block < blocks; ++block) {
+        std::int32_t const* const of = sums + block * side;
+        std::int32_t sum = of[0] + of[1] + of[2];
+        for (std::ptrdiff_t x = 3; x < side; ++x) sum += of[x];
+        sums[block] = sum;
+    }
+}
+
+// A quotient of whole numbers is 1 / area away from the next one at least. Half of that, added, outweighs the
+// error of the product and brings no quotient to the next whole number.
+template <class D> hn::Vec<D> AwayFromZero(D d, hn::Vec<D> sum) {
+    return hn::Add(sum, hn::CopySign(hn::Set(d, 0.5), sum));
+}
+
+template <typename T>
+void DivideByShift(std::int32_t const* sums, std::ptrdiff_t blocks, int shift, T* means) {
+    Sums const d;
+    hn::Rebind<T, Sums> const narrow;
+    std::int32_t const last = (1 << shift) - 1;  // makes the shift of what is negative truncate toward zero
+    std::ptrdiff_t x = 0;
+    for (; x + kLanes <= blocks; x += kLanes) {
+        auto const sum = hn::LoadU(d, sums + x);
+        auto const raised = hn::Add(sum, hn::And(hn::BroadcastSignBit(sum), hn::Set(d, last)));
+        hn::StoreU(hn::DemoteTo(narrow, hn::ShiftRightSame(raised, shift)), narrow, means + x);
+    }
+    for (; x < blocks; ++x) means[x] = static_cast<T>(sums[x] / (1 << shift));
+}
+
+template <typename T> void Divide(std::int32_t const* sums, std::ptrdiff_t blocks, int area, T* means) {
+    int shift = 0;
+    while (1 << shift < area) ++shift;
+    if (1 << shift == area) return DivideByShift(sums, blocks, shift, means);
+    hn::ScalableTag<double> const d;
+    hn::Rebind<std::int32_t, decltype(d)> const whole;
+    hn::Rebind<T, decltype(d)> const narrow;
+    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
+    auto const reciprocal = hn::Set(d, 1.0 / area);
+    std::ptrdiff_t x = 0;
+    for (; x + lanes <= blocks; x += lanes) {
+        auto const sum = hn::PromoteTo(d, hn::LoadU(whole, sums + x));
+        auto const mean = hn::DemoteTo(whole, hn::Mul(AwayFromZero(d, sum), reciprocal));
+        hn::StoreU(hn::DemoteTo(narrow, mean), narrow, means + x);
+    }
+    for (; x < blocks; ++x) means[x] = static_cast<T>(sums[x] / area);
+}
+
+template <typename T>
+void DivideByCounts(T code, std::int32_t const* sums, std::int32_t const* counts, std::ptrdiff_t blocks,
+                    T* means) {
+    hn::ScalableTag<double> const d;
+    hn::Rebind<std::int32_t, decltype(d)> const whole;
+    hn::Rebind<T, decltype(d)> const narrow;
+    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
+    auto const codes = hn::Set(whole, code);
+    auto const one = hn::Set(d, 1.0);
+    std::ptrdiff_t x = 0;
+    for (; x + lanes <= blocks; x += lanes) {
+        auto const count = hn::LoadU(whole, counts + x);
+        auto const sum = AwayFromZero(d, hn::PromoteTo(d, hn::LoadU(whole, sums + x)));
+        auto const mean = hn::DemoteTo(whole, hn::Div(sum, hn::Max(hn::PromoteTo(d, count), one)));
+        auto const none = hn::Eq(count, hn::Zero(whole));
+        hn::StoreU(hn::DemoteTo(narrow, hn::IfThenElse(none, codes, mean)), narrow, means + x);
+    }
+    for (; x < blocks; ++x) means[x] = counts[x] ? static_cast<T>(sums[x] / counts[x]) : code;
+}
+
+template <typename T>
+void Run(T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks, T* means) {
+    alignas(64) std::int32_t sums[kColumns];
+    std::ptrdiff_t const most = kColumns / side;
+    for (std::ptrdiff_t done = 0; done < blocks; done += most) {
+        std::ptrdiff_t const now = std::min(most, blocks - done);
+        AddUp(pixels + done * side, stride, side, now * side, sums);
+        AddColumns(sums, now, side);
+        Divide(sums, now, side * side, means + done);
+    }
+}
+
+template <typename T>
+void RunWithout(T code, T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks, T* means) {
+    alignas(64) std::int32_t sums[kColumns];
+    alignas(64) std::int32_t counts[kColumns];
+    std::ptrdiff_t const most = kColumns / side;
+    for (std::ptrdiff_t done = 0; done < blocks; done += most) {
+        std::ptrdiff_t const now = std::min(most, blocks - done);
+        std::fill_n(sums, now * side, 0);
+        std::fill_n(counts, now * side, 0);
+        for (int y = 0; y < side; ++y)
+            AddRowWithout(code, pixels + y * stride + done * side, now * side, sums, counts);
+        AddColumns(sums, now, side);
+        AddColumns(counts, now, side);
+        DivideByCounts(code, sums, counts, now, means + done);
+    }
+}
+
+#define ZPA_KERNEL(name, T)                                                                               \
+    void Means##name(T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks, T* means) { \
+        Run(pixels, stride, side, blocks, means);                                                         \
+    }                                                                                                     \
+    void Without##name(T code, T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks,   \
+                       T* means) {                                                                        \
+        RunWithout(code, pixels, stride, side, blocks, means);                                            \
+    }
+ZPA_KERNEL(16u, std::uint16_t)
+ZPA_KERNEL(16s, std::int16_t)
+#undef ZPA_KERNEL
+
+}  // namespace
+}  // namespace ZPA::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace ZPA {
+
+#define ZPA_EXPORT(name, T)                                                                                 \
+    HWY_EXPORT(Means##name);                                                                                \
+    void BlockMeans(T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks, T* means) {    \
+        HWY_DYNAMIC_DISPATCH(Means##name)(pixels, stride, side, blocks, means);                             \
+    }                                                                                                       \
+    HWY_EXPORT(Without##name);                                                                              \
+    void BlockMeansWithout(T code, T const* pixels, std::ptrdiff_t stride, int side, std::ptrdiff_t blocks, \
+                           T* means) {                                                                      \
+        HWY_DYNAMIC_DISPATCH(Without##name)(code, pixels, stride, side, blocks, means);                     \
+    }
+ZPA_EXPORT(16u, std::uint16_t)
+ZPA_EXPORT(16s, std::int16_t)
+#undef ZPA_EXPORT
+
+}  // namespace ZPA
+#endif

@@ -1,0 +1,260 @@
+// Block averages beside a model that sums every block anew, and plain samples.
+#include <Basics/BlockAverage.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <type_traits>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+#include "support/NoMemory.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+struct Case {
+    int width, height, factor;
+};
+std::ostream& operator<<(std::ostream& out, Case const& c) {
+    return out << c.width << " x " << c.height << " by " << c.factor;
+}
+
+// Left-over columns and rows, every way in which a side falls apart into twos, both sides of a vector and of
+// the columns that are summed at once, and blocks whose sums pass 31 bits.
+Case const kCases[] = {{1, 1, 1},    {10, 7, 3},     {33, 5, 1},      {2, 2, 2},       {67, 9, 2},
+                       {131, 8, 4},  {130, 13, 6},   {99, 17, 8},     {300, 11, 5},    {777, 14, 7},
+                       {8200, 5, 2}, {2100, 24, 12}, {400, 200, 181}, {371, 190, 182}, {530, 300, 256},
+                       {5, 4, 9},    {3, 0, 2}};
+
+template <typename T>
+TestImage<T> Model(Case const& c, TestImage<T> const& input, T const* code,
+                   std::function<T(std::int64_t, std::int64_t)> const& divide = nullptr) {
+    using Sum = std::conditional_t<std::is_integral_v<T>, std::int64_t, long double>;
+    TestImage<T> means({c.width / c.factor, c.height / c.factor, c.width / c.factor});
+    for (int y = 0; y < means.shape.height; ++y)
+        for (int x = 0; x < means.shape.width; ++x) {
+            Sum sum = 0;
+            std::int64_t count = 0;
+            for (int j = 0; j < c.factor; ++j)
+                for (int i = 0; i < c.factor; ++i) {
+                    T const pixel = input.At(x * c.factor + i, y * c.factor + j);
+                    if (code && pixel == *code) continue;
+                    sum += pixel;
+                    ++count;
+                }
+            if (count == 0)
+                means.At(x, y) = *code;
+            else
+                means.At(x, y) = divide ? divide(static_cast<std::int64_t>(sum), count)
+                                        : static_cast<T>(sum / static_cast<Sum>(count));
+        }
+    return means;
+}
+
+// Few values, so that whole blocks are of one; the extremes among them.
+template <typename T> TestImage<T> Coarse(Case const& c, unsigned seed) {
+    auto image = RandomImage<T>({c.width, c.height, c.width}, seed);
+    T const values[] = {T(7), T(7), T(100), std::numeric_limits<T>::max(), std::numeric_limits<T>::lowest()};
+    std::mt19937 random(seed);
+    for (std::size_t i = 0; i < image.Size(); ++i)
+        if (i % 64 < 32) image.Pixels()[i] = values[random() % 5 * ((i / 64) % 3 != 0)];
+    return image;
+}
+
+// The function gives the means, leaves the rest alone, and may write them over the pixels.
+template <typename T>
+void Expect(Case const& c, TestImage<T> input, TestImage<T> const& means,
+            std::function<SOLVANE_RETURNCODE(T*, T*)> const& reduce) {
+    ForEachSimdTarget([&] {
+        SCOPED_TRACE(testing::Message() << c << " of " << TypeCodeOf<T>);
+        auto const before = input;
+        TestImage<T> output(means.shape);
+        ASSERT_EQ(reduce(input.Pixels(), output.Pixels()), SOLVANE_OK);
+        EXPECT_TRUE(output == means);
+        EXPECT_TRUE(input == before);
+
+        auto both = input;
+        ASSERT_EQ(reduce(both.Pixels(), both.Pixels()), SOLVANE_OK);
+        EXPECT_TRUE(std::equal(means.Pixels(), means.Pixels() + means.Size(), both.Pixels()));
+        EXPECT_TRUE(std::equal(both.Pixels() + means.Size(), both.Pixels() + both.Size(),
+                               before.Pixels() + means.Size()));
+    });
+}
+
+template <typename T> void ExpectTyped(Case const& c) {
+    int const width = c.width / c.factor, height = c.height / c.factor;
+    auto const input = Coarse<T>(c, 1);
+    Expect<T>(c, input, Model<T>(c, input, nullptr), [&](T* in, T* out) {
+        return blockAverageDownSampleTemplate(in, out, c.width, c.height, width, height, c.factor);
+    });
+    for (T const code : {T(7), T(0), std::numeric_limits<T>::lowest()})
+        Expect<T>(c, input, Model<T>(c, input, &code), [&](T* in, T* out) {
+            return blockAverageDownSampleCodedMaskTemplate(in, out, c.width, c.height, width, height,
+                                                           c.factor, code);
+        });
+}
+
+TEST(BlockAverage, GivesTheTruncatedMeansOnEverySimdTarget) {
+    for (Case const& c : kCases) {
+        ExpectTyped<unsigned short>(c);
+        ExpectTyped<short>(c);
+        ExpectTyped<double>(c);
+    }
+}
+
+TEST(BlockAverage, OfIntegersWrapsAroundAt32Bits) {
+    for (Case const& c : kCases) {
+        auto const input = Coarse<unsigned short>(c, 2);
+        auto const means = Model<unsigned short>(c, input, nullptr, [](std::int64_t sum, std::int64_t count) {
+            return static_cast<unsigned short>(static_cast<std::int32_t>(static_cast<std::uint32_t>(sum)) /
+                                               count);
+        });
+        Expect<unsigned short>(c, input, means, [&](unsigned short* in, unsigned short* out) {
+            return blockAverage(in, out, c.width, c.height, c.width / c.factor, c.height / c.factor,
+                                c.factor);
+        });
+    }
+}
+
+TEST(BlockAverage, OfLargestPixelsDoesNotOverflowUpToASideOf181) {
+    for (int const side : {2, 3, 64, 180, 181}) {
+        auto const area = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
+        std::vector<unsigned short> block(area, 65535);
+        std::vector<short> low(area, -32768);
+        unsigned short mean = 0;
+        short lowest = 0;
+        EXPECT_EQ(blockAverage(block.data(), &mean, side, side, 1, 1, side), SOLVANE_OK);
+        EXPECT_EQ(mean, 65535) << side;
+        block.back() = 65534;
+        low.back() = -32767;
+        EXPECT_EQ(blockAverage(block.data(), &mean, side, side, 1, 1, side), SOLVANE_OK);
+        EXPECT_EQ(mean, 65534) << side;
+        EXPECT_EQ(blockAverageDownSample_short(low.data(), &lowest, side, side, 1, 1, side), SOLVANE_OK);
+        EXPECT_EQ(lowest, -32767) << side;
+    }
+}
+
+TEST(BlockAverage, RefusesInItsOrder) {
+    unsigned short pixels[100] = {}, out[100] = {};
+    auto const all = [&](unsigned short* in, unsigned short* to, int w, int h, int ow, int oh, int factor,
+                         int code, std::wstring const& message) {
+        CapturedLog const log;
+        EXPECT_EQ(blockAverage(in, to, w, h, ow, oh, factor), code);
+        EXPECT_EQ(log.Text(), L"blockAverageDownSample() - " + message);
+        EXPECT_EQ(blockAverageDownSample_ushort(in, to, w, h, ow, oh, factor), code);
+        EXPECT_EQ(log.Text(), L"blockAverageDownSampleTemplate() - " + message);
+        EXPECT_EQ(blockAverageDownSampleCodedMask_ushort(in, to, w, h, ow, oh, factor, 1), code);
+        EXPECT_EQ(log.Text(), L"blockAverageDownSampleCodedMaskTemplate() - " + message);
+        EXPECT_EQ(log.Code(), code);
+    };
+    all(nullptr, out, 10, 10, 1, 1, 0, 2, L"NULL pointer(s).");
+    all(pixels, nullptr, 10, 10, 5, 5, 2, 2, L"NULL pointer(s).");
+    all(pixels, out, 10, 10, 1, 1, 0, 3, L"subsample factor < 1.");
+    all(pixels, out, 10, 10, 5, 5, -2, 3, L"subsample factor < 1.");
+    all(pixels, out, 10, 10, 4, 5, 2, 999, L"Incorrect SS w x h passed in = 4 x 5.");
+    all(pixels, out, 10, 10, 5, 6, 2, 999, L"Incorrect SS w x h passed in = 5 x 6.");
+    EXPECT_EQ(blockAverage(pixels, out, -10, -10, -5, -5, 2), SOLVANE_OK);
+    EXPECT_EQ(out[0], 0);
+}
+
+TEST(Subsample, TakesEverySampleOnEverySimdTarget) {
+    struct Sampling {
+        Shape shape;
+        int factor, row, column;
+    };
+    Sampling const samplings[] = {
+        {{100, 100, 100}, 4, 1, 2}, {{131, 9, 140}, 2, 1, 1},  {{64, 4, 64}, 2, 0, 0}, {{70, 7, 70}, 3, 2, 2},
+        {{263, 9, 263}, 4, 3, 3},   {{50, 12, 51}, 11, 10, 0}, {{3, 2, 3}, 1, 0, 0}};
+    for (Sampling const& each : samplings)
+        ForEachSimdTarget([&] {
+            auto source = RandomImage<unsigned short>(each.shape, 3);
+            int const width = each.shape.width / each.factor, height = each.shape.height / each.factor;
+            TestImage<unsigned short> result({width, height, width});
+            auto expected = result;
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x)
+                    expected.At(x, y) = source.At(each.column + x * each.factor, each.row + y * each.factor);
+            ImageAttributes const from = source.Attributes(12, 5);
+            ImageAttributes to = result.Attributes();
+            ASSERT_EQ(subsample(&from, &to, each.factor, each.row, each.column), SOLVANE_OK);
+            EXPECT_TRUE(result == expected);
+
+            ImageAttributes made;
+            ASSERT_EQ(subsample(&from, &made, each.factor, each.row, each.column), SOLVANE_OK);
+            EXPECT_TRUE(std::equal(expected.Pixels(), expected.Pixels() + expected.Size(),
+                                   static_cast<unsigned short*>(made.buffer)));
+            EXPECT_EQ(made.type, eUInt16);
+            EXPECT_EQ(made.width, width);
+            EXPECT_EQ(made.height, height);
+            EXPECT_EQ(made.stride, width);
+            EXPECT_EQ(made.bitsperpixel, 12);
+            EXPECT_EQ(made.pixelspacing, 5 * each.factor);
+            FreePixels(made.buffer);
+
+            ImageAttributes place = from;
+            ASSERT_EQ(subsample(&from, &place, each.factor, each.row, each.column), SOLVANE_OK);
+            EXPECT_TRUE(std::equal(expected.Pixels(), expected.Pixels() + expected.Size(), source.Pixels()));
+        });
+}
+
+TEST(Subsample, RefusesInItsOrder) {
+    unsigned short pixels[100] = {}, out[25] = {};
+    auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
+        return ImageAttributes(type, buffer, width, height, stride, 16, 1);
+    };
+    ImageAttributes const good = image(eUInt16, pixels, 10, 10, 10), room = image(eUInt16, out, 5, 5, 5);
+    struct Refusal {
+        char const* name;
+        ImageAttributes source, destination;
+        int factor, row, column;
+        int code;
+        std::wstring message;
+    };
+    Refusal const refusals[] = {
+        {"no pixels", image(eUInt16, nullptr, 10, 10, 10), room, 0, 9, 9, 4, L"Invalid source image."},
+        {"no width", image(eUInt16, pixels, 0, 10, 10), room, 2, 0, 0, 4, L"Invalid source image."},
+        {"factor 0", good, room, 0, 9, 9, 3, L"Invalid subsample factor."},
+        {"factor below 0", good, room, -2, 0, 0, 3, L"Invalid subsample factor."},
+        {"factor as the width", good, room, 10, 0, 0, 3, L"Invalid subsample factor."},
+        {"row", good, room, 2, 2, 0, 3, L"Invalid row or col offset(s)."},
+        {"column", good, room, 2, 0, -1, 3, L"Invalid row or col offset(s)."},
+        {"small", good, image(eUInt16, out, 4, 6, 4), 2, 0, 0, 3, L"Destination buffer too small."},
+        {"negative", good, image(eUInt16, out, -9, -9, 9), 2, 0, 0, 3, L"Destination buffer too small."},
+        {"8-bit source", image(eByte, pixels, 10, 10, 10), room, 2, 0, 0, 6,
+         L"The source image is not a 16-bit image."},
+        {"source rows", image(eUInt16, pixels, 10, 10, 9), room, 2, 0, 0, 7,
+         L"The source image's rows overlap."},
+        {"8-bit destination", good, image(eByte, out, 5, 5, 5), 2, 0, 0, 7,
+         L"The destination image is not a 16-bit image."},
+        {"destination rows", good, image(eUInt16, out, 5, 5, 1), 2, 0, 0, 7,
+         L"The destination image's rows overlap."},
+    };
+    for (Refusal const& each : refusals) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        ImageAttributes destination = each.destination;
+        EXPECT_EQ(subsample(&each.source, &destination, each.factor, each.row, each.column), each.code);
+        EXPECT_EQ(log.Text(), L"subsample(): " + each.message);
+        EXPECT_EQ(destination.width, each.destination.width);
+        EXPECT_EQ(destination.type, each.destination.type);
+    }
+    CapturedLog const log;
+    ImageAttributes made;
+    EXPECT_EQ(subsample(nullptr, &made, 2, 0, 0), SOLVANE_NULL_POINTER);
+    EXPECT_EQ(subsample(&good, nullptr, 2, 0, 0), SOLVANE_NULL_POINTER);
+    EXPECT_EQ(log.Text(), L"subsample(): Null pointer(s).");
+    {
+        NoMemory const nothing;
+        EXPECT_EQ(subsample(&good, &made, 2, 0, 0), SOLVANE_OUT_OF_MEMORY);
+    }
+    EXPECT_EQ(log.Text(), L"subsample(): Memory allocation failed for 50 bytes.");
+    EXPECT_EQ(made.width, 0);
+}
+
+}  // namespace
+}  // namespace ZPA
