@@ -10,9 +10,9 @@
 #include <new>
 #include <vector>
 
-#include "primitives/ExtremeOfRows.h"
 #include "primitives/ForEachRow.h"
 #include "primitives/ReplicateBorder.h"
+#include "primitives/RowExtremes.h"
 
 namespace ZPA {
 namespace {
@@ -142,11 +142,11 @@ public:
     // A null scratch says that the source has its surroundings in memory. Else it has room for 2 * (mask
     // height)
     // - 1 rows within their borders, or for as many as the mask has where the worker has all rows.
-    Worker(Plan const& plan, Region<T> const& region, ExtremeOfRows<T> extreme, int first, int end,
+    Worker(Plan const& plan, Region<T> const& region, RowExtremes<T> const& extremes, int first, int end,
            T* scratch)
         : plan_(plan),
           region_(region),
-          extreme_(extreme),
+          extremes_(extremes),
           first_(first),
           end_(end),
           height_(plan.mask.size.height),
@@ -177,11 +177,14 @@ public:
         std::ptrdiff_t row = first_ - plan_.mask.anchorY;
         for (std::ptrdiff_t i = 1; i < height_; ++i) Take(row++);
         for (std::ptrdiff_t y = first_; y < end_; ++y) {
-            Take(row++);
-            if (plan_.isTallRectangle)
+            if (plan_.isTallRectangle) {
+                Prefetch(region_.destination[y]);
+                Take(row++);
                 RunningExtreme(region_.destination[y]);
-            else
+            } else {
+                Take(row++);
                 ExtremeOfRuns(region_.destination[y]);
+            }
         }
     }
 
@@ -231,7 +234,7 @@ private:
             for (std::ptrdiff_t offset = 0; offset < last; offset += step) terms[count++] = shorter + offset;
             terms[count++] = shorter + last;
             T* const longer = LevelRow(level, newest_);
-            extreme_(terms, count, longer, width_ - last - step + 1);
+            extremes_.ofRows(terms, count, longer, width_ - last - step + 1);
             shorter = longer;
         }
     }
@@ -245,7 +248,12 @@ private:
                 run.level == 0 ? sources_[static_cast<std::size_t>(slot)] : LevelRow(run.level, slot);
             operands_[count++] = row + run.column;
         }
-        extreme_(operands_.data(), static_cast<std::ptrdiff_t>(count), result, region_.size.width);
+        extremes_.ofRows(operands_.data(), static_cast<std::ptrdiff_t>(count), result, region_.size.width);
+    }
+
+    void Prefetch(T const* row) const noexcept {
+        constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
+        for (std::ptrdiff_t x = 0; x < region_.size.width; x += kLine) __builtin_prefetch(row + x, 1);
     }
 
     // The mask's rows are all the same run, and the rows in reach lie in two blocks of as many rows: of the
@@ -255,15 +263,16 @@ private:
     void RunningExtreme(T* result) noexcept {
         std::ptrdiff_t const oldest = newest_ + 1 == height_ ? 0 : newest_ + 1;
         T* const carried = work_[0];
+        std::ptrdiff_t const count = region_.size.width;
         if (oldest == 0) {
-            for (std::ptrdiff_t slot = height_ - 2; slot > 0; --slot)
-                Extreme(RunsOf(slot), RunsOf(slot + 1), RunsOf(slot));
-            Extreme(RunsOf(0), RunsOf(1), result);
+            extremes_.gatherUp(RunsOf(0), RunsOf(1) - RunsOf(0), height_, count);
+            std::copy_n(RunsOf(0), count, result);
         } else if (oldest == 1) {
-            Extreme(RunsOf(1), RunsOf(0), result);
+            std::copy_n(RunsOf(0), count, carried);
+            T const* const rows[] = {carried, RunsOf(1)};
+            extremes_.ofRows(rows, 2, result, count);
         } else {
-            Extreme(oldest == 2 ? RunsOf(0) : carried, RunsOf(oldest - 1), carried);
-            Extreme(RunsOf(oldest), carried, result);
+            extremes_.carry(RunsOf(oldest - 1), carried, RunsOf(oldest), result, count);
         }
     }
 
@@ -271,14 +280,10 @@ private:
         return LevelRow(plan_.runs[0].level, slot) + plan_.runs[0].column;
     }
 
-    void Extreme(T const* a, T const* b, T* result) const noexcept {
-        T const* const rows[] = {a, b};
-        extreme_(rows, 2, result, region_.size.width);
-    }
-
     Plan const& plan_;
     Region<T> const& region_;
-    ExtremeOfRows<T> extreme_;
+
+    RowExtremes<T> const extremes_;
     std::ptrdiff_t first_;
     std::ptrdiff_t end_;
     std::ptrdiff_t height_;  // of the mask; row r of the source is in slot (r - its first row) % height_
@@ -300,7 +305,7 @@ int CountWorkers(Plan const& plan, Size size, std::int64_t workPerRow) {
 }
 
 template <typename T>
-void WorkOnRows(Plan const& plan, Region<T> const& region, ExtremeOfRows<T> extreme, T* scratch) {
+void WorkOnRows(Plan const& plan, Region<T> const& region, RowExtremes<T> const& extremes, T* scratch) {
     // An extreme in the cache takes about a quarter of the time that a byte takes from memory.
     std::int64_t const workPerRow =
         std::int64_t{region.size.width} * std::int64_t{sizeof(T)} * (2 + plan.Effort() / 4);
@@ -312,7 +317,7 @@ void WorkOnRows(Plan const& plan, Region<T> const& region, ExtremeOfRows<T> extr
         auto const border = [&](int worker) {
             return static_cast<int>(std::int64_t{region.size.height} * worker / count);
         };
-        workers.push_back(std::make_unique<Worker<T>>(plan, region, extreme, border(i), border(i + 1),
+        workers.push_back(std::make_unique<Worker<T>>(plan, region, extremes, border(i), border(i + 1),
                                                       scratch ? scratch + i * scratchSize : nullptr));
         if (scratch) workers.back()->CopyNeighbours();
     }
@@ -321,7 +326,8 @@ void WorkOnRows(Plan const& plan, Region<T> const& region, ExtremeOfRows<T> extr
 }
 
 template <typename T>
-Status Morph(ExtremeOfRows<T> extreme, Region<T> const& region, Mask const& mask, T* scratch) noexcept try {
+Status Morph(RowExtremes<T> const& extremes, Region<T> const& region, Mask const& mask, T* scratch) noexcept
+    try {
     if (!region.source.first || !region.destination.first || !mask.elements) return kNullPointer;
     if (region.size.width < 1 || region.size.height < 1) return kBadSize;
     if (mask.size.width < 1 || mask.size.height < 1) return kBadSize;
@@ -329,7 +335,7 @@ Status Morph(ExtremeOfRows<T> extreme, Region<T> const& region, Mask const& mask
     if (plan.runs.empty()) return kEmptyMask;
     if (mask.anchorX < 0 || mask.anchorX >= mask.size.width) return kAnchorOutside;
     if (mask.anchorY < 0 || mask.anchorY >= mask.size.height) return kAnchorOutside;
-    WorkOnRows(plan, region, extreme, scratch);
+    WorkOnRows(plan, region, extremes, scratch);
     return kDone;
 } catch (...) {
     return kNoMemory;
@@ -341,20 +347,20 @@ Status Morph(ExtremeOfRows<T> extreme, Region<T> const& region, Mask const& mask
     Status ippi##name##_##suffix##_C1R(T const* source, std::ptrdiff_t sourceStep, T* destination,          \
                                        std::ptrdiff_t destinationStep, Size size, std::uint8_t const* mask, \
                                        Size maskSize, int anchorX, int anchorY) noexcept {                  \
-        return Morph<T>(extreme, {{source, sourceStep}, {destination, destinationStep}, size},              \
+        return Morph<T>(extreme<T>(), {{source, sourceStep}, {destination, destinationStep}, size},         \
                         {mask, maskSize, anchorX, anchorY}, nullptr);                                       \
     }                                                                                                       \
     Status name##WithinBorder(T const* source, std::ptrdiff_t sourceStep, T* destination,                   \
                               std::ptrdiff_t destinationStep, Size size, std::uint8_t const* mask,          \
                               Size maskSize, int anchorX, int anchorY, T* scratch) noexcept {               \
         if (!scratch) return kNullPointer;                                                                  \
-        return Morph<T>(extreme, {{source, sourceStep}, {destination, destinationStep}, size},              \
+        return Morph<T>(extreme<T>(), {{source, sourceStep}, {destination, destinationStep}, size},         \
                         {mask, maskSize, anchorX, anchorY}, scratch);                                       \
     }
-ZPA_MORPHOLOGY(Dilate, 8u, std::uint8_t, MaximumOfRows)
-ZPA_MORPHOLOGY(Dilate, 16u, std::uint16_t, MaximumOfRows)
-ZPA_MORPHOLOGY(Erode, 8u, std::uint8_t, MinimumOfRows)
-ZPA_MORPHOLOGY(Erode, 16u, std::uint16_t, MinimumOfRows)
+ZPA_MORPHOLOGY(Dilate, 8u, std::uint8_t, RowMaxima)
+ZPA_MORPHOLOGY(Dilate, 16u, std::uint16_t, RowMaxima)
+ZPA_MORPHOLOGY(Erode, 8u, std::uint8_t, RowMinima)
+ZPA_MORPHOLOGY(Erode, 16u, std::uint16_t, RowMinima)
 #undef ZPA_MORPHOLOGY
 
 }  // namespace ZPA
