@@ -42,6 +42,7 @@ struct Level {
 // mask has none between.
 constexpr int kMostTerms = 5;
 constexpr int kGrowth = 4;
+static_assert(kGrowth <= kMostTerms);
 
 // From this height on, running extremes down the columns of a rectangle are faster than the extreme of its
 // rows. benchmarks/Morphology.cpp found these three.
