@@ -224,9 +224,29 @@ private:
 
     // Makes all levels of the next row, in the place of the row that has gone out of reach.
     void Take(std::ptrdiff_t row) noexcept {
+        std::ptrdiff_t const before = newest_;
         newest_ = newest_ + 1 == height_ ? 0 : newest_ + 1;
-        T const* shorter = Source(row);
-        sources_[static_cast<std::size_t>(newest_)] = shorter;
+        sources_[static_cast<std::size_t>(newest_)] = Source(row);
+        if (RepeatsTheOneBefore(row))
+            CopyLevels(before);
+        else
+            MakeLevels();
+    }
+
+    // Beyond the edges, but for the first row of all.
+    bool RepeatsTheOneBefore(std::ptrdiff_t row) const noexcept {
+        return copies_ && (row <= 0 || row >= region_.size.height) && row > first_ - plan_.mask.anchorY;
+    }
+
+    void CopyLevels(std::ptrdiff_t slot) noexcept {
+        for (std::size_t level = 1; level < plan_.levels.size(); ++level)
+            if (plan_.levels[level].isKept)
+                std::copy_n(LevelRow(level, slot), width_ - plan_.levels[level].length + 1,
+                            LevelRow(level, newest_));
+    }
+
+    void MakeLevels() noexcept {
+        T const* shorter = sources_[static_cast<std::size_t>(newest_)];
         for (std::size_t level = 1; level < plan_.levels.size(); ++level) {
             std::ptrdiff_t const step = plan_.levels[level - 1].length;
             std::ptrdiff_t const last = plan_.levels[level].length - step;
@@ -235,7 +255,7 @@ private:
             for (std::ptrdiff_t offset = 0; offset < last; offset += step) terms[count++] = shorter + offset;
             terms[count++] = shorter + last;
             T* const longer = LevelRow(level, newest_);
-            extremes_.ofRows(terms, count, longer, width_ - last - step + 1);
+            extremes_.ofRows(terms, count, longer, width_ - plan_.levels[level].length + 1);
             shorter = longer;
         }
     }
