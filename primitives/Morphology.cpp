@@ -140,9 +140,8 @@ private:
 // Makes output rows from `first` up to `end`, on one thread.
 template <typename T> class Worker {
 public:
-    // A null scratch says that the source has its surroundings in memory. Else it has room for 2 * (mask
-    // height)
-    // - 1 rows within their borders, or for as many as the mask has where the worker has all rows.
+    // A null scratch says that the source has its surroundings in memory. Else it has room for rows within
+    // their borders: as many as the mask has, and where other workers have rows too, for those in reach.
     Worker(Plan const& plan, Region<T> const& region, RowExtremes<T> const& extremes, int first, int end,
            T* scratch)
         : plan_(plan),
@@ -272,6 +271,8 @@ private:
         extremes_.ofRows(operands_.data(), static_cast<std::ptrdiff_t>(count), result, region_.size.width);
     }
 
+    // Stores of the running extreme come too fast for the memory to keep up, so their lines are asked for
+    // while there is other work to do.
     void Prefetch(T const* row) const noexcept {
         constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
         for (std::ptrdiff_t x = 0; x < region_.size.width; x += kLine) __builtin_prefetch(row + x, 1);
@@ -303,7 +304,6 @@ private:
 
     Plan const& plan_;
     Region<T> const& region_;
-
     RowExtremes<T> const extremes_;
     std::ptrdiff_t first_;
     std::ptrdiff_t end_;

@@ -20,7 +20,7 @@
 /// - `anchorX`, `anchorY`: the anchor's column and row in `se`, from zero. They are not the centre that strel
 ///   writes.
 ///
-/// A pixel's cost does not depend on the size of a rectangle; of another element it grows with the number of
+/// A pixel's cost hardly depends on the size of a rectangle; for another element it grows with the number of
 /// runs in it (set elements side by side), and slightly with that of different lengths among them. Work
 /// memory is asked for as (width + 2b) * (height + 2b) * (bytes of an element) elements, with b the larger
 /// side of `se`; much less of it is touched. Large images use the threads of the OpenMP runtime. The method
@@ -35,11 +35,10 @@
 /// - 1, no work memory: the number of elements is logged as bytes.
 /// - 5, types other than eByte and eUInt16: "ippiCopyReplicateBorder failed. code -12"
 /// - 5, `src` without pixels or size: "ippiCopyReplicateBorder failed. code -8" or "... -5"
+/// - 7, elements of `dst` that are narrower than those of `src`, rows that overlap, and working in place with
+///   a stride of `dst` that leads out of both images.
 /// - 5, "ippiDilate failed. code %d", or "ippiErode ...", with the reason: -8, no elements; -5, an element
 ///   without a size; -33, one without a set pixel; -34, an anchor outside it; -9, no work memory.
-/// - 7, elements of `dst` that are narrower than those of `src`, rows that overlap, and a `dst` in place
-/// whose
-///   stride leads out of both images.
 
 namespace ZPA {
 

@@ -10,23 +10,20 @@
 /// A mask is made in two steps: strel_GetBufferSize tells its size, the caller allocates an image of that
 /// size, and strel fills it. In a mask 1 is set and 0 is clear. The shapes, their names matched with case:
 ///
-/// | Shape          | param1 | param2                               | param3 | Size of the mask |
-/// |----------------|--------|--------------------------------------|--------|--------------------------------|
-/// | "square"       | side   | -                                    | -      | side | | "rectangle"    |
-/// height | width, an `int`                      | -      | as told                        | | "line" |
-/// length | angle in degrees, at a `double`      | -      | of one point, see below        | | "periodicline"
-/// | count  | row and column step, at two `double` | -      | 2 * count * abs(step) + 1      | | "disk" |
-/// radius | -                                    | 0 or 1 | (radius + param3) * 2 - 1      |
-///
-/// - "line" sets ONE pixel, not a run of them: the point one step behind the end of a line of the length. The
-///   mask is as large as that point demands: length 5 at 0 degrees gives 7 by 1 with the last pixel set. A
-///   point above or left of the centre gives a negative size, and no such mask can be filled.
-/// - "periodicline" sets the pixel at the centre, and `count` more on either side, each one step further,
-///   truncated toward zero.
-/// - "disk" copies a fixed pattern. Radius 1 and 2 want param3 1, radius 3, 4 and 6 want 0, and radius 5 has
-///   a pattern for either. `center` is not written.
-/// - "diamond" (height, width) has a size, and is not made. "arbitrary", "octagon", "pair" and "ball" are
-///   neither.
+/// - "square": `param1` is the side.
+/// - "rectangle": `param1` is the height, `param2` the width, an `int`.
+/// - "line": `param1` is a length, `param2` the address of an angle in degrees, a `double`. Sets ONE pixel,
+///   not a run: the point one step behind the end of a line of that length. The mask is as large as that
+///   point demands: length 5 at 0 degrees gives 7 by 1 with the last pixel set. A point above or left of the
+///   centre gives a negative size, and no such mask can be filled.
+/// - "periodicline": `param1` is a count, `param2` the address of two `double`, a step in rows and one in
+///   columns. Sets the pixel at the centre, and `param1` more on either side, each one step further,
+///   truncated toward zero. Height and width are 2 * param1 * (size of the step) + 1.
+/// - "disk": `param1` is the radius. Copies a fixed pattern; the mask's side is (radius + param3) * 2 - 1.
+///   Radius 1 and 2 want `param3` 1, radius 3, 4 and 6 want 0, and radius 5 has a pattern for either. The
+///   centre is not written.
+/// - "diamond" (`param1` is the height, `param2` the width) has a size, and is not made. "arbitrary",
+///   "octagon", "pair" and "ball" are neither sized nor made.
 ///
 /// All run on the caller's thread, allocate next to nothing and keep nothing.
 
