@@ -1,4 +1,5 @@
-# Builds nothing that is used: compiles each public header alone, as callers may, and holds ZPA.h to its promise.
+# Builds nothing that is used: compiles each public header alone, in every language version that callers
+# may use, and holds ZPA.h to its promise.
 file(GLOB public_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/header
     ${PROJECT_SOURCE_DIR}/header/Basics/*.h)
 list(APPEND public_headers Basics/Export.h)
@@ -18,7 +19,10 @@ set(source ${PROJECT_BINARY_DIR}/public_headers/umbrella_is_complete.cpp)
 file(CONFIGURE OUTPUT ${source} CONTENT "${umbrella_source}")
 list(APPEND public_header_sources ${source})
 
-add_library(zpa_public_headers OBJECT ${public_header_sources})
-target_link_libraries(zpa_public_headers PRIVATE zpa)
-target_compile_options(zpa_public_headers PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
-set_target_properties(zpa_public_headers PROPERTIES CXX_STANDARD 14)
+foreach(standard 14 17 20)
+    set(target zpa_public_headers_${standard})
+    add_library(${target} OBJECT ${public_header_sources})
+    target_link_libraries(${target} PRIVATE zpa)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+    set_target_properties(${target} PROPERTIES CXX_STANDARD ${standard})
+endforeach()

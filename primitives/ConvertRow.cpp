@@ -122,6 +122,41 @@ auto Convert([[maybe_unused]] D d, hn::Vec<hn::Rebind<From, D>> value) {
     }
 }
 
+// As many elements as a vector of 32-bit integers has, as such integers; their low bits are wanted.
+template <class D32, typename From> hn::Vec<D32> LoadIntegers(D32 integers, From const* source) {
+    if constexpr (std::is_same_v<From, double>) {
+        hn::Half<D32> const half;
+        hn::Rebind<double, decltype(half)> const d;
+        return hn::Combine(integers, Round(d, hn::LoadU(d, source + hn::Lanes(d))),
+                           Round(d, hn::LoadU(d, source)));
+    } else if constexpr (std::is_same_v<From, float>) {
+        hn::Rebind<float, D32> const d;
+        return Round(d, hn::LoadU(d, source));
+    } else {
+        return hn::LoadU(integers, source);
+    }
+}
+
+// Fills a whole vector of To with the low bits of as many elements of 32 or 64 bits.
+template <typename To, typename From> void NarrowWholeVector(From const* source, To* destination) {
+    hn::ScalableTag<std::int32_t> const integers;
+    hn::Repartition<std::uint16_t, decltype(integers)> const shorts;
+    hn::Repartition<std::uint8_t, decltype(integers)> const bytes;
+    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(integers));
+    auto const two = [&](From const* at) {
+        auto const lower = hn::BitCast(shorts, LoadIntegers(integers, at));
+        auto const upper = hn::BitCast(shorts, LoadIntegers(integers, at + lanes));
+        return hn::ConcatEven(shorts, upper, lower);
+    };
+    if constexpr (sizeof(To) == 2) {
+        hn::StoreU(two(source), shorts, destination);
+    } else {
+        auto const lower = hn::BitCast(bytes, two(source));
+        auto const upper = hn::BitCast(bytes, two(source + 2 * lanes));
+        hn::StoreU(hn::ConcatEven(bytes, upper, lower), bytes, destination);
+    }
+}
+
 #endif
 
 template <typename From, typename To> void Run(From const* source, To* destination, std::ptrdiff_t count) {
@@ -135,6 +170,18 @@ template <typename From, typename To> void Run(From const* source, To* destinati
     auto const step = [&](std::ptrdiff_t at) {
         hn::StoreU(Convert<From, To>(d, hn::LoadU(from, source + at)), to, destination + at);
     };
+    // A vector that crosses lines of the cache costs two: the wider side is brought into step with them.
+    void const* const wider = sizeof(To) > sizeof(From) ? static_cast<void const*>(destination) : source;
+    auto const address = reinterpret_cast<std::uintptr_t>(wider);
+    auto const past = static_cast<std::ptrdiff_t>(address / sizeof(Wider)) & (lanes - 1);
+    if (past != 0 && count >= 2 * lanes) {
+        step(0);
+        x = lanes - past;
+    }
+    if constexpr (sizeof(From) >= 4 && sizeof(To) <= 2) {
+        auto const whole = static_cast<std::ptrdiff_t>(hn::Lanes(hn::ScalableTag<To>()));
+        for (; x + whole <= count; x += whole) NarrowWholeVector(source + x, destination + x);
+    }
     for (; x + 2 * lanes <= count; x += 2 * lanes) {
         step(x);
         step(x + lanes);

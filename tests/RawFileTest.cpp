@@ -206,6 +206,22 @@ TEST_F(RawFile, PicturesStretchToEightBits) {
     EXPECT_EQ(Picture(std::vector<unsigned char>{9, 10, 11}, Path("a.pgm")), std::string("\0\x80\xFF", 3));
 }
 
+TEST_F(RawFile, PicturesFindTheirExtremesAnywhere) {
+    constexpr std::size_t kSize = 19;
+    for (std::size_t place = 0; place < kSize; ++place) {
+        std::vector<double> pixels(kSize, 5.0);
+        std::string expected(kSize, '\0');
+        pixels[place] = 9;
+        expected[place] = '\xFF';
+        // The first pixel decides about the whole picture.
+        if (place + 1 < kSize) pixels[place + 1] = std::numeric_limits<double>::quiet_NaN();
+        EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place;
+        for (double& pixel : pixels) pixel = -pixel;
+        for (std::size_t i = 0; i < kSize; ++i) expected[i] = pixels[i] == -5 ? '\xFF' : '\0';
+        EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place;
+    }
+}
+
 TEST_F(RawFile, LargePicturesAreWhole) {
     auto const image = RandomImage<unsigned short>({257, 201, 257}, 3);  // some passes through any buffer
     auto const range = std::minmax_element(image.Pixels(), image.Pixels() + image.Size());

@@ -1,8 +1,9 @@
-// Each step as raw file, PGM and PNG, and as a section of the page.
+// Each step as raw file, PGM and PNG and as a section of the page, and all of them as a bag document.
 #include "radiograph/Output.h"
 
 #include <Basics/RawFile.h>
 
+#include "radiograph/Document.h"
 #include "radiograph/Library.h"
 #include "radiograph/OutputFolder.h"
 #include "radiograph/Picture.h"
@@ -62,6 +63,7 @@ std::string WriteOutput(std::vector<Step> const& steps, CommandLine const& optio
     report.greyNote = highIsDark ? "High values, where more of the beam arrived, are shown dark, as on film."
                                  : "High values are shown bright.";
     for (Step const& step : steps) report.sections.push_back(WriteStep(step, highIsDark, folder));
+    WriteDocument(steps, options, folder);
     folder.Write("report.html", MakePage(report));
     folder.Publish(options.file);
     progress.Done();

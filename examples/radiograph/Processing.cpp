@@ -21,19 +21,17 @@ ImagePtr Do(std::vector<Step>& steps, std::string title, std::string name, std::
             Make const& make) {
     Progress progress(title);
     ImagePtr const result = make();
-    steps.push_back({std::move(title), std::move(name), std::move(caption), result, progress.Done()});
+    steps.push_back({std::move(title), std::move(name), std::move(caption), result, progress.Done(), {}});
     return result;
 }
 
 // An odd window of about a quarter of the image: wider than ribs and vessels, narrower than the chest.
 int Window(int side) { return std::max(3, side / 4 | 1); }
 
-ImagePtr Background(Image const& input) {
+ImagePtr Background(Image const& input, int across, int down) {
     int const width = input.GetWidth();
     int const height = input.GetHeight();
     ImagePtr const background = NewImage(width, height);
-    int const across = Window(width);
-    int const down = Window(height);
     // In double precision, since the 16-bit pixels of so wide a window pass 32 bits.
     Check(ZPA::rectFlatTopFilteringTemplate(input.GetBufferPtr(), background->GetBufferPtr(), width, height,
                                             across, down),
@@ -67,11 +65,13 @@ std::vector<Step> Process(std::string const& file) {
                    : "The radiograph as it was read.",
            [&] { return phantom ? MakePhantom(2048) : ReadRadiograph(file); });
 
-    auto const window = Dimensions(Window(input->GetWidth()), Window(input->GetHeight()));
-    auto const background =
-        Do(steps, "Background", "background",
-           "The mean of every pixel’s surroundings, " + window + " pixels, cut off at the edges.",
-           [&] { return Background(*input); });
+    int const across = Window(input->GetWidth());
+    int const down = Window(input->GetHeight());
+    auto const background = Do(steps, "Background", "background",
+                               "The mean of every pixel’s surroundings, " + Dimensions(across, down) +
+                                   " pixels, cut off at the edges.",
+                               [&] { return Background(*input, across, down); });
+    steps.back().parameters = {{"WindowWidth", across}, {"WindowHeight", down}};
 
     Do(steps, "Flattened", "flattened",
        "Input − background + the background’s mean, kept within 16 bits: what is large and "

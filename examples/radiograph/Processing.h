@@ -9,6 +9,12 @@
 
 namespace Radiograph {
 
+// A number that a step worked with.
+struct Parameter {
+    std::string name;
+    int value;
+};
+
 // One step: what a person should know of it, and what it made.
 struct Step {
     std::string title;
@@ -16,6 +22,7 @@ struct Step {
     std::string caption;
     ImagePtr result;
     double seconds = 0;
+    std::vector<Parameter> parameters = {};
 };
 
 // Reads `file`, or makes a phantom if it is empty, and flattens its background. Tells the terminal of every

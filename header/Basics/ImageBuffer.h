@@ -13,7 +13,7 @@
 
 namespace ZPA {
 
-template <typename T> class IZPA_Buffer;
+template <typename T> class ZPA_TEMPLATE_API IZPA_Buffer;
 
 /// An image of elements of type T, seen through its interface.
 template <typename T> class ZPA_TEMPLATE_API IZPA_Image : public ISolvane_Object {

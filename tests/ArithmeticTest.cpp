@@ -1,0 +1,553 @@
+// Sums, differences, products, quotients and absolute values of images.
+#include <Basics/Arithmetic.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <functional>
+#include <tuple>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+using Types = std::tuple<signed char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
+
+template <typename Visit> void ForEachType(Visit const& visit) {
+    std::apply([&](auto... element) { (visit(element), ...); }, Types());
+}
+
+using WithImage = SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes, ImageAttributes*);
+using WithConstant = SOLVANE_RETURNCODE (*)(ImageAttributes, void*, ImageAttributes*);
+
+struct Operation {
+    char name;
+    WithImage image;
+    WithConstant constant;
+};
+Operation const kOperations[] = {{'+', Add, AddC}, {'-', Sub, SubC}, {'*', MulP, MulC}, {'/', DivP, DivC}};
+
+// The rule in its plainest form: floating point in its own type, integers exactly and then their low bits.
+template <typename T> T Model(char operation, T a, T b) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return operation == '+' ? a + b : operation == '-' ? a - b : operation == '*' ? a * b : a / b;
+    } else {
+        auto const x = static_cast<std::int64_t>(a), y = static_cast<std::int64_t>(b);
+        auto const left = static_cast<std::uint64_t>(x), right = static_cast<std::uint64_t>(y);
+        return static_cast<T>(operation == '+'   ? left + right
+                              : operation == '-' ? left - right
+                              : operation == '*' ? left * right
+                                                 : static_cast<std::uint64_t>(x / y));
+    }
+}
+template <typename T> T SaturatedSum(T a, T b) {
+    using Limits = std::numeric_limits<T>;
+    return static_cast<T>(std::clamp<int>(a + b, Limits::min(), Limits::max()));
+}
+template <typename T> T ModelOfImages(char operation, T a, T b) {
+    constexpr bool kSaturates = std::is_same_v<T, unsigned char> || sizeof(T) == 2;
+    if constexpr (kSaturates)
+        if (operation == '+') return SaturatedSum(a, b);
+    return Model(operation, a, b);
+}
+
+// Random, with the limits, their neighbours, 0 and -1 among them.
+template <typename T> TestImage<T> Hard(Shape shape, unsigned seed) {
+    using Limits = std::numeric_limits<T>;
+    T const values[] = {0,
+                        1,
+                        static_cast<T>(-1),
+                        2,
+                        Limits::lowest(),
+                        Limits::max(),
+                        static_cast<T>(Limits::max() - 1),
+                        static_cast<T>(3)};
+    auto image = RandomImage<T>(shape, seed);
+    std::mt19937 random(seed);
+    for (std::size_t i = 0; i < image.Size(); ++i)
+        if (random() % 2) image.Pixels()[i] = values[random() % std::size(values)];
+    return image;
+}
+template <typename T> TestImage<T> Divisors(Shape shape, unsigned seed) {
+    auto image = Hard<T>(shape, seed);
+    if constexpr (std::is_integral_v<T>)
+        for (std::size_t i = 0; i < image.Size(); ++i)
+            if (image.Pixels()[i] == 0) image.Pixels()[i] = 1;
+    return image;
+}
+
+template <typename T> struct Case { TestImage<T> first, second, result; };
+
+TEST(Arithmetic, OfTwoImagesIsWhatTheModelSaysOnEverySimdTarget) {
+    ForEachSimdTarget([&] {
+        ForEachType([&](auto element) {
+            using T = decltype(element);
+            unsigned seed = 0;
+            for (Shape const shape : kShapes)
+                for (Operation const& operation : kOperations) {
+                    SCOPED_TRACE(testing::Message()
+                                 << operation.name << " of type " << TypeCodeOf<T> << ", " << shape);
+                    auto const first = Hard<T>(shape, ++seed);
+                    auto const second = Divisors<T>({shape.width, shape.height, shape.stride + 1}, ++seed);
+                    auto inPlace = first, a = first;
+                    auto b = second, overSecond = second;
+                    TestImage<T> apart({shape.width, shape.height, shape.width + 2});
+                    auto expected = apart;
+                    auto expectedInPlace = first;
+                    auto expectedOverSecond = second;
+                    for (int y = 0; y < shape.height; ++y)
+                        for (int x = 0; x < shape.width; ++x)
+                            expected.At(x, y) = expectedInPlace.At(x, y) = expectedOverSecond.At(x, y) =
+                                ModelOfImages(operation.name, first.At(x, y), second.At(x, y));
+
+                    ASSERT_EQ(operation.image(inPlace.Attributes(), b.Attributes(), nullptr), SOLVANE_OK);
+                    ASSERT_TRUE(inPlace == expectedInPlace);
+                    if (std::is_floating_point_v<T> && operation.name == '*') continue;  // a matrix product
+                    ImageAttributes output = apart.Attributes();
+                    ASSERT_EQ(operation.image(a.Attributes(), b.Attributes(), &output), SOLVANE_OK);
+                    ASSERT_TRUE(apart == expected);
+                    output = overSecond.Attributes();
+                    ASSERT_EQ(operation.image(a.Attributes(), overSecond.Attributes(), &output), SOLVANE_OK);
+                    ASSERT_TRUE(overSecond == expectedOverSecond);
+                    ASSERT_TRUE(a == first && b == second);
+                }
+        });
+    });
+}
+
+TEST(Arithmetic, WithAConstantIsWhatTheModelSaysOnEverySimdTarget) {
+    ForEachSimdTarget([&] {
+        ForEachType([&](auto element) {
+            using T = decltype(element);
+            auto constants = Divisors<T>({16, 1, 16}, 99);
+            unsigned seed = 0;
+            for (Shape const shape : kShapes)
+                for (Operation const& operation : kOperations) {
+                    T constant = constants.At(static_cast<int>(seed % 16), 0);
+                    SCOPED_TRACE(testing::Message() << operation.name << " " << +constant << " of type "
+                                                    << TypeCodeOf<T> << ", " << shape);
+                    auto image = Hard<T>(shape, ++seed);
+                    TestImage<T> apart({shape.width, shape.height, shape.width + 2});
+                    auto expected = apart;
+                    auto expectedInPlace = image;
+                    for (int y = 0; y < shape.height; ++y)
+                        for (int x = 0; x < shape.width; ++x)
+                            expected.At(x, y) = expectedInPlace.At(x, y) =
+                                Model(operation.name, image.At(x, y), constant);
+                    ImageAttributes output = apart.Attributes();
+                    ASSERT_EQ(operation.constant(image.Attributes(), &constant, &output), SOLVANE_OK);
+                    ASSERT_TRUE(apart == expected);
+                    ASSERT_EQ(operation.constant(image.Attributes(), &constant, nullptr), SOLVANE_OK);
+                    ASSERT_TRUE(image == expectedInPlace);
+                }
+        });
+    });
+}
+
+TEST(Arithmetic, DividesWhereQuotientsAreNearestToTheNextInteger) {
+    auto const check = [](auto element, std::uint64_t divisors) {
+        using T = decltype(element);
+        std::mt19937 random(7);
+        std::vector<T> dividends, divisorsOf;
+        for (std::uint64_t i = 0; i < divisors; ++i) {
+            T const m = sizeof(T) == 1 || i > 40 ? static_cast<T>(random()) : static_cast<T>(i * 1640 - 7);
+            if (m == 0) continue;
+            for (int j = 0; j < 64; ++j) {
+                auto const n = static_cast<std::int64_t>(static_cast<T>(random()));
+                std::int64_t const multiple = n / m * m;
+                for (std::int64_t const dividend : {multiple - 1, multiple, multiple + 1}) {
+                    dividends.push_back(static_cast<T>(dividend));
+                    divisorsOf.push_back(m);
+                }
+            }
+        }
+        auto const size = static_cast<int>(dividends.size());
+        ImageAttributes const first(TypeCodeOf<T>, dividends.data(), size, 1, size, 32, 0);
+        ImageAttributes const second(TypeCodeOf<T>, divisorsOf.data(), size, 1, size, 32, 0);
+        ForEachSimdTarget([&] {
+            std::vector<T> quotients(dividends.size());
+            ImageAttributes output(TypeCodeOf<T>, quotients.data(), size, 1, size, 32, 0);
+            ASSERT_EQ(DivP(first, second, &output), SOLVANE_OK);
+            for (std::size_t i = 0; i < quotients.size(); ++i)
+                ASSERT_EQ(+quotients[i], +Model('/', dividends[i], divisorsOf[i]))
+                    << +dividends[i] << " / " << +divisorsOf[i];
+            // All dividends by each of some divisors, which takes the way of constants.
+            for (std::size_t i = 0; i < divisorsOf.size(); i += divisorsOf.size() / 23) {
+                ASSERT_EQ(DivC(first, &divisorsOf[i], &output), SOLVANE_OK);
+                for (std::size_t j = 0; j < quotients.size(); ++j)
+                    ASSERT_EQ(+quotients[j], +Model('/', dividends[j], divisorsOf[i]))
+                        << +dividends[j] << " / " << +divisorsOf[i];
+            }
+        });
+    };
+    check(std::int8_t(), 3000);
+    check(std::uint8_t(), 3000);
+    check(std::int16_t(), 2000);
+    check(std::uint16_t(), 2000);
+    check(std::int32_t(), 2000);
+    check(std::uint32_t(), 2000);
+}
+
+// What a fault makes of the process: sanitizers report it before it happens, and exit.
+bool Faulted(int status) {
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+    return status != 0;
+#endif
+#endif
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGFPE;
+}
+
+template <typename T> class IntegerDivisionDeathTest : public testing::Test {};
+using Integers = testing::Types<signed char, unsigned char, short, unsigned short, int, unsigned int>;
+TYPED_TEST_SUITE(IntegerDivisionDeathTest, Integers, );
+
+TYPED_TEST(IntegerDivisionDeathTest, ByZeroFaults) {
+    struct Place {
+        Shape shape;
+        int x, y;
+    };
+    // Alone, first, in the middle, last, in a short row.
+    Place const places[] = {{{1, 1, 1}, 0, 0},
+                            {{200, 1, 200}, 0, 0},
+                            {{200, 3, 200}, 101, 1},
+                            {{201, 2, 205}, 200, 1},
+                            {{5, 4, 9}, 3, 2}};
+    for (Place const& place : places) {
+        SCOPED_TRACE(place.shape);
+        auto first = Hard<TypeParam>(place.shape, 1);
+        auto second = Divisors<TypeParam>(place.shape, 2);
+        second.At(place.x, place.y) = 0;
+        EXPECT_EXIT((void)DivP(first.Attributes(), second.Attributes(), nullptr), Faulted, "");
+        TypeParam zero = 0;
+        EXPECT_EXIT((void)DivC(first.Attributes(), &zero, nullptr), Faulted, "");
+    }
+    // Padding is not divided, and nothing by nothing is nothing.
+    auto first = Hard<TypeParam>({100, 4, 130}, 3);
+    TestImage<TypeParam> second({100, 4, 131});
+    for (std::size_t i = 0; i < second.Size(); ++i) second.Pixels()[i] = i % 131 < 100;
+    EXPECT_EQ(DivP(first.Attributes(), second.Attributes(), nullptr), SOLVANE_OK);
+    TypeParam zero = 0;
+    ImageAttributes none = first.Attributes();
+    none.width = 0;
+    EXPECT_EQ(DivC(none, &zero, nullptr), SOLVANE_OK);
+}
+
+TEST(Arithmetic, OfFloatsFollowsTheirRules) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    TestImage<float> first({5, 1, 5}), second({5, 1, 5});
+    float const dividends[] = {1, -1, 0, kInfinity, 1}, divisors[] = {0, 0, 0, kInfinity, -0.0f};
+    std::copy_n(dividends, 5, first.Pixels());
+    std::copy_n(divisors, 5, second.Pixels());
+    ASSERT_EQ(DivP(first.Attributes(), second.Attributes(), nullptr), SOLVANE_OK);
+    EXPECT_EQ(first.At(0, 0), kInfinity);
+    EXPECT_EQ(first.At(1, 0), -kInfinity);
+    EXPECT_TRUE(std::isnan(first.At(2, 0)));
+    EXPECT_TRUE(std::isnan(first.At(3, 0)));
+    EXPECT_EQ(first.At(4, 0), -kInfinity);
+}
+
+TEST(Arithmetic, HasTheLimitsThatAreDocumented) {
+    auto const combined = [](WithImage operation, auto a, auto b) {
+        using T = decltype(a);
+        ImageAttributes const first(TypeCodeOf<T>, &a, 1, 1, 1, 8, 0);
+        EXPECT_EQ(operation(first, {TypeCodeOf<T>, &b, 1, 1, 1, 8, 0}, nullptr), SOLVANE_OK);
+        return static_cast<std::int64_t>(a);
+    };
+    using u8 = unsigned char;
+    EXPECT_EQ(combined(Add, u8{200}, u8{100}), 255);
+    EXPECT_EQ(combined(Add, short{-30000}, short{-10000}), -32768);
+    EXPECT_EQ(combined(Add, static_cast<signed char>(100), static_cast<signed char>(100)), -56);
+    EXPECT_EQ(combined(Add, 2147483647, 1), -2147483647 - 1);
+    EXPECT_EQ(combined(Sub, u8{100}, u8{200}), 156);
+    EXPECT_EQ(combined(DivP, INT_MIN, -1), INT_MIN);
+    EXPECT_EQ(combined(DivP, static_cast<signed char>(-128), static_cast<signed char>(-1)), -128);
+    u8 pixel = 200, constant = 100;
+    EXPECT_EQ(AddC({eByte, &pixel, 1, 1, 1, 8, 0}, &constant, nullptr), SOLVANE_OK);
+    EXPECT_EQ(pixel, 44);
+}
+
+TEST(Arithmetic, GivesTheSameForAnyNumberOfThreads) {
+    for (Shape const shape : {Shape{2000, 1100, 2000}, Shape{2000, 1100, 2010}}) {
+        auto first = RandomImage<unsigned short>(shape, 1), second = RandomImage<unsigned short>(shape, 2);
+        auto expected = first;
+        for (std::size_t i = 0; i < expected.Size(); ++i)
+            if (static_cast<int>(i % static_cast<std::size_t>(shape.stride)) < shape.width)
+                expected.Pixels()[i] = SaturatedSum(first.Pixels()[i], second.Pixels()[i]);
+        ForEachThreadCount([&] {
+            auto sum = first;
+            ASSERT_EQ(Add(sum.Attributes(), second.Attributes(), nullptr), SOLVANE_OK);
+            ASSERT_TRUE(sum == expected);
+        });
+    }
+}
+
+TEST(Abs, DropsTheSignOnEverySimdTarget) {
+    auto const check = [](auto element) {
+        using T = decltype(element);
+        ForEachSimdTarget([&] {
+            for (Shape const shape : kShapes) {
+                SCOPED_TRACE(testing::Message() << "type " << TypeCodeOf<T> << ", " << shape);
+                auto image = Hard<T>(shape, 5);
+                if constexpr (std::is_floating_point_v<T>)
+                    image.At(0, 0) = -std::numeric_limits<T>::quiet_NaN();
+                TestImage<T> apart({shape.width, shape.height, shape.width + 1});
+                auto expected = apart;
+                auto expectedInPlace = image;
+                for (int y = 0; y < shape.height; ++y)
+                    for (int x = 0; x < shape.width; ++x) {
+                        T const value = image.At(x, y);
+                        T size = value;
+                        if constexpr (std::is_floating_point_v<T>)
+                            size = std::copysign(value, T(1));
+                        else if (value < 0)
+                            size = static_cast<T>(-std::int64_t{value});
+                        expected.At(x, y) = expectedInPlace.At(x, y) = size;
+                    }
+                ImageAttributes output = apart.Attributes();
+                ASSERT_EQ(Abs(image.Attributes(), &output), SOLVANE_OK);
+                ASSERT_TRUE(apart == expected);
+                ASSERT_EQ(Abs(image.Attributes(), nullptr), SOLVANE_OK);
+                ASSERT_TRUE(image == expectedInPlace);
+            }
+        });
+    };
+    check(std::int8_t());
+    check(std::int16_t());
+    check(std::int32_t());
+    check(float());
+    check(double());
+}
+
+TEST(Abs, CopiesUnsignedPixelsAsOneBlock) {
+    auto const check = [](auto element) {
+        using T = decltype(element);
+        auto image = RandomImage<T>({5, 4, 8}, 1);
+        auto const before = image;
+        EXPECT_EQ(Abs(image.Attributes(), nullptr), SOLVANE_OK);
+        TestImage<T> copy({5, 4, 6});
+        auto expected = copy;
+        std::memcpy(expected.Pixels(), image.Pixels(), 20 * sizeof(T));
+        ImageAttributes output = copy.Attributes();
+        EXPECT_EQ(Abs(image.Attributes(), &output), SOLVANE_OK);
+        EXPECT_TRUE(copy == expected);
+        EXPECT_TRUE(image == before);
+    };
+    check(std::uint8_t());
+    check(std::uint16_t());
+    check(std::uint32_t());
+}
+
+TEST(Arithmetic, CreatesTheOutputFromTheFirstOperand) {
+    auto first = RandomImage<unsigned short>({5, 3, 8}, 1);
+    auto second = RandomImage<unsigned short>({5, 3, 6}, 2);
+    unsigned short constant = 3;
+    std::function<SOLVANE_RETURNCODE(ImageAttributes*)> const calls[] = {
+        [&](ImageAttributes* output) { return Add(first.Attributes(12, 3), second.Attributes(), output); },
+        [&](ImageAttributes* output) { return Sub(first.Attributes(12, 3), second.Attributes(), output); },
+        [&](ImageAttributes* output) { return AddC(first.Attributes(12, 3), &constant, output); },
+        [&](ImageAttributes* output) { return Abs(first.Attributes(12, 3), output); },
+    };
+    for (auto const& call : calls) {
+        ImageAttributes output;
+        ASSERT_EQ(call(&output), SOLVANE_OK);
+        EXPECT_EQ(output.type, eUInt16);
+        EXPECT_EQ(output.stride, 8);
+        EXPECT_EQ(output.bitsperpixel, 12);
+        EXPECT_EQ(output.pixelspacing, 3);
+        FreePixels(output.buffer);
+    }
+}
+
+constexpr auto kTypes = L"Input images are different datatypes.";
+constexpr auto kSizes = L"Input images have different dimensions.";
+constexpr auto kNull = L"At least one input image is NULL.";
+constexpr auto kImageNull = L"Input image can not be NULL.";
+constexpr auto kValidate = L"Failed of ValidateImageBuffer when validate buffer of output image.";
+constexpr auto kUnsupported = L"Unsupported image datatype.";
+
+struct Refusal {
+    std::string name;
+    std::function<SOLVANE_RETURNCODE(ImageAttributes*)> call;
+    ImageAttributes output;
+    int code;
+    std::wstring message;
+};
+
+class ArithmeticRefuses : public testing::Test {
+protected:
+    // The message must be the last one that is logged, the output as it was.
+    static void Check(Refusal const& each) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        ImageAttributes output = each.output;
+        EXPECT_EQ(each.call(&output), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Code(), each.message.empty() ? 0 : each.code);
+        EXPECT_EQ(output.buffer, each.output.buffer);
+    }
+    static ImageAttributes Of(eTypeCode type, int width = 4, int height = 3, int stride = 5) {
+        return {type, pixels, width, height, stride, 16, 0};
+    }
+    alignas(8) static inline unsigned char pixels[512];
+    alignas(8) static inline unsigned char others[512];
+};
+
+TEST_F(ArithmeticRefuses, TwoImagesInItsOrder) {
+    ImageAttributes const wrong(static_cast<eTypeCode>(11), nullptr, 4, 3, 5, 16, 0);
+    ImageAttributes const valid = Of(eByte), empty;
+    auto const call = [](WithImage operation, ImageAttributes first, ImageAttributes second) {
+        return [=](ImageAttributes* output) { return operation(first, second, output); };
+    };
+    for (WithImage const operation : {Add, Sub, MulP, DivP}) {
+        std::string const name = operation == Add    ? "Add"
+                                 : operation == Sub  ? "Sub"
+                                 : operation == MulP ? "MulP"
+                                                     : "DivP";
+        bool const silent = operation == Sub || operation == DivP;
+        ImageAttributes narrow(eByte, others, 4, 3, 3, 8, 0), small(eByte, others, 4, 2, 4, 8, 0);
+        ImageAttributes same = Of(eByte), twoBytes = Of(eUInt16), back = Of(eByte, 4, 3, -4);
+        Refusal const cases[] = {
+            {"types", call(operation, wrong, Of(eByte, 9)), empty, 4, kTypes},
+            {"unsupported", call(operation, wrong, wrong), empty, silent ? 999 : 6,
+             silent ? L"" : kUnsupported},
+            {"width", call(operation, Described(eByte, 4, 3, 5), Of(eByte, 3)), empty, 4, kSizes},
+            {"height", call(operation, Of(eByte), Of(eByte, 4, 2)), empty, 4, kSizes},
+            {"first null", call(operation, Described(eByte, 4, 3, 5), valid), same, 4, kNull},
+            {"second null", call(operation, valid, Described(eByte, 4, 3, 5)), same, 4, kNull},
+            {"output is first", call(operation, valid, valid), same, 5, kValidate},
+            {"output size", call(operation, valid, valid), small, 5, kValidate},
+            {"output narrower",
+             call(operation, twoBytes, twoBytes),
+             {eByte, others, 4, 3, 4, 8, 0},
+             7,
+             L"The elements of the output image are too narrow."},
+            {"output rows", call(operation, valid, valid), narrow, 7, L"The output image's rows overlap."},
+            {"first rows",
+             call(operation, Of(eByte, 4, 3, 3), valid),
+             {eByte, others, 4, 3, 4, 8, 0},
+             7,
+             L"The first image's rows overlap."},
+            {"second rows, output freed", call(operation, valid, back), empty, 7,
+             L"The second image's rows overlap."},
+        };
+        for (Refusal each : cases) {
+            each.name = name + ", " + each.name;
+            Check(each);
+        }
+    }
+}
+
+TEST_F(ArithmeticRefuses, ConstantsInItsOrder) {
+    std::pair<WithConstant, std::wstring> const operations[] = {
+        {AddC, L"AddC"}, {SubC, L"SubC"}, {MulC, L"MulC"}, {DivC, L"DivC"}};
+    for (auto const& operation : operations) {
+        auto const call = [&](ImageAttributes image, void* constant) {
+            return [=](ImageAttributes* output) { return operation.first(image, constant, output); };
+        };
+        static double three = 3;
+        ImageAttributes const empty;
+        Refusal const cases[] = {
+            {"constant", call(Described(eUnknown, 0, 0, 0), nullptr), empty, 4,
+             L"ZPA::" + operation.second + L"(): nput data cannot be NULL."},
+            {"type", call(Described(static_cast<eTypeCode>(12), 4, 3, 5), &three), empty, 999, L""},
+            {"image", call(Described(eByte, 4, 3, 5), &three), Of(eByte), 4, kImageNull},
+            {"output is image", call(Of(eDouble), &three), Of(eDouble), 5, kValidate},
+            {"output narrower",
+             call(Of(eDouble), &three),
+             {eSingle, others, 4, 3, 4, 8, 0},
+             7,
+             L"The elements of the output image are too narrow."},
+            {"rows, output freed", call(Of(eDouble, 4, 3, 2), &three), empty, 7,
+             L"The first image's rows overlap."},
+        };
+        for (Refusal const& each : cases) Check(each);
+    }
+}
+
+TEST_F(ArithmeticRefuses, AbsoluteValuesInItsOrder) {
+    auto const call = [](ImageAttributes image) {
+        return [=](ImageAttributes* output) { return Abs(image, output); };
+    };
+    ImageAttributes const empty;
+    ImageAttributes const narrow(eSByte, others, 4, 3, 4, 8, 0);
+    for (eTypeCode const type : {eInt16, eUInt16}) {
+        Refusal const cases[] = {
+            {"type", call(Described(eUnknown, 4, 3, 5)), empty, 6, L"Abs not support input type."},
+            {"null", call(Described(type, 4, 3, 5)), empty, 4, kNull},
+            {"output is image", call(Of(type)), Of(type), 5, kValidate},
+            {"output narrower", call(Of(type)), narrow, 7,
+             L"The elements of the output image are too narrow."},
+            {"rows, output freed", call(Of(type, 4, 3, 3)), empty, 7, L"The first image's rows overlap."},
+        };
+        for (Refusal const& each : cases) Check(each);
+        EXPECT_EQ(Abs(Described(type, 4, 3, 5), nullptr), SOLVANE_INVALID_ARGUMENT);
+    }
+}
+
+TEST_F(ArithmeticRefuses, CoresCalledByThemselves) {
+    ImageAttributes const valid = Of(eByte), empty;
+    auto const add = [](ImageAttributes image, bool inPlace) {
+        return [=](ImageAttributes* output) { return ipp_add(image, image, output, inPlace); };
+    };
+    Refusal const cases[] = {
+        {"no primitive", add(Of(eInt32), true), empty, 5, L"Add(): ippiAdd. code -12"},
+        {"no type", add(Of(eUnknown), true), empty, 5, L"Add(): ippiAdd. code -2"},
+        {"no type, output freed", add(Of(eUnknown), false), empty, 5, L"Add(): ippiAdd. code -2"},
+        {"no pixels", add(Of(eByte, 0, 3), true), empty, 5, L"Add(): ippiAdd. code -5"},
+        {"null output", [&](ImageAttributes*) { return ipp_add(valid, valid, nullptr, false); }, empty, 5,
+         kValidate},
+        {"null output of a template",
+         [&](ImageAttributes*) { return template_sub<char>(valid, valid, nullptr, false); }, empty, 5,
+         kValidate},
+        {"elements of a template",
+         [&](ImageAttributes*) { return template_sub<double>(valid, valid, nullptr, true); }, empty, 7,
+         L"The elements of the first image are too narrow."},
+        {"constant of a template",
+         [&](ImageAttributes* output) { return template_addc<char>(valid, nullptr, output, false); }, empty,
+         2, L"The constant is NULL."},
+    };
+    for (Refusal const& each : cases) Check(each);
+}
+
+TEST(Arithmetic, OpensAScopeForEveryFunction) {
+    alignas(8) unsigned char pixels[64] = {};
+    double one = 1;
+    int oneInt = 1;
+    auto const image = [&](eTypeCode type) { return ImageAttributes(type, pixels, 2, 2, 2, 8, 0); };
+    ImageAttributes output(eSingle, pixels + 32, 2, 2, 2, 32, 0);
+    std::fill_n(pixels, 16, static_cast<unsigned char>(1));
+    struct Call {
+        std::wstring outer, inner;
+        std::function<void()> call;
+    };
+    Call const calls[] = {
+        {L"Add", L"ipp_add", [&] { (void)Add(image(eByte), image(eByte), nullptr); }},
+        {L"Add", L"template_add", [&] { (void)Add(image(eSByte), image(eSByte), nullptr); }},
+        {L"Sub", L"template_sub", [&] { (void)Sub(image(eByte), image(eByte), nullptr); }},
+        {L"MulP", L"template_mulp", [&] { (void)MulP(image(eSingle), image(eSingle), nullptr); }},
+        {L"MulP", L"ipp_mul", [&] { (void)MulP(image(eSingle), image(eSingle), &output); }},
+        {L"Mul", L"ipp_mul", [&] { (void)Mul(image(eSingle), image(eSingle), &output); }},
+        {L"DivP", L"template_divp", [&] { (void)DivP(image(eSingle), image(eSingle), nullptr); }},
+        {L"AddC", L"template_addc", [&] { (void)AddC(image(eDouble), &one, nullptr); }},
+        {L"SubC", L"template_subc", [&] { (void)SubC(image(eDouble), &one, nullptr); }},
+        {L"MulC", L"template_mulpc", [&] { (void)MulC(image(eDouble), &one, nullptr); }},
+        {L"DivC", L"template_divpc", [&] { (void)DivC(image(eInt32), &oneInt, nullptr); }},
+        {L"Abs", L"template_abs", [&] { (void)Abs(image(eInt16), nullptr); }},
+    };
+    for (Call const& each : calls) {
+        CapturedLog log;
+        log.Debug(eLogFunction);
+        each.call();
+        ASSERT_EQ(log.DebugLines().size(), 4u);
+        EXPECT_EQ(log.DebugLines()[0].message, L"Entering function ZPA::" + each.outer);
+        EXPECT_EQ(log.DebugLines()[1].message, L"Entering function ZPA::" + each.inner);
+    }
+}
+
+}  // namespace
+}  // namespace ZPA
