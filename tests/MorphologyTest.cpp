@@ -1,0 +1,363 @@
+// Dilation, erosion, openings and iterations beside a model; what is refused.
+#include <Basics/Morphology.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+using Mask = TestImage<unsigned char>;
+using Operation = SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes*, ImageAttributes, int, int);
+
+struct Element {
+    std::string name;
+    Mask mask;
+    APOINT anchor;
+};
+
+template <typename Set> Element MakeElement(std::string name, Shape shape, APOINT anchor, Set const& set) {
+    Element element{name, Mask(shape), anchor};
+    for (int y = 0; y < shape.height; ++y)
+        for (int x = 0; x < shape.width; ++x) element.mask.At(x, y) = set(x, y) ? 255 : 0;
+    return element;
+}
+
+Element Block(int width, int height, APOINT anchor) {
+    std::string const name = std::to_string(width) + " by " + std::to_string(height);
+    return MakeElement(name, {width, height, width}, anchor, [](int, int) { return true; });
+}
+
+Element Random(Shape shape, APOINT anchor, unsigned percent) {
+    std::mt19937 random(percent);
+    return MakeElement(std::to_string(percent) + " % random", shape, anchor,
+                       [&](int x, int y) { return (x == 0 && y == 0) || random() % 100 < percent; });
+}
+
+// One of each kind that is worked on in its own way, with sizes on both sides of where the way changes.
+std::vector<Element> Elements() {
+    std::vector<Element> all;
+    for (int const width : {1, 2, 5, 6, 17, 26, 40}) all.push_back(Block(width, 1, {width / 3, 0}));
+    for (int const height : {1, 3, 7, 8, 9, 20})
+        for (int const width : {1, 3, 21}) all.push_back(Block(width, height, {width - 1, height / 4}));
+    all.push_back(
+        MakeElement("block beside its anchor", {9, 10, 12}, {0, 9}, [](int x, int) { return x > 5; }));
+    all.push_back(
+        MakeElement("last pixel", {7, 5, 7}, {3, 2}, [](int x, int y) { return x == 6 && y == 4; }));
+    all.push_back(MakeElement("disk", {23, 23, 23}, {11, 11},
+                              [](int x, int y) { return (x - 11) * (x - 11) + (y - 11) * (y - 11) <= 127; }));
+    for (unsigned const percent : {3u, 50u, 90u}) all.push_back(Random({13, 11, 20}, {4, 10}, percent));
+    return all;
+}
+
+template <typename T> T Clamped(TestImage<T> const& image, int x, int y) {
+    return image.At(std::clamp(x, 0, image.shape.width - 1), std::clamp(y, 0, image.shape.height - 1));
+}
+
+// Leaves the padding of `result` alone.
+template <typename T>
+void Model(TestImage<T> const& source, Element const& element, bool dilates, TestImage<T>& result) {
+    for (int y = 0; y < source.shape.height; ++y)
+        for (int x = 0; x < source.shape.width; ++x) {
+            T extreme = dilates ? 0 : std::numeric_limits<T>::max();
+            for (int j = 0; j < element.mask.shape.height; ++j)
+                for (int i = 0; i < element.mask.shape.width; ++i) {
+                    if (element.mask.At(i, j) == 0) continue;
+                    T const pixel = Clamped(source, x + i - element.anchor.x, y + j - element.anchor.y);
+                    extreme = dilates ? std::max(extreme, pixel) : std::min(extreme, pixel);
+                }
+            result.At(x, y) = extreme;
+        }
+}
+
+SOLVANE_RETURNCODE Apply(Operation operation, ImageAttributes source, ImageAttributes* destination,
+                         Element& element) {
+    return operation(source, destination, element.mask.Attributes(), element.anchor.x, element.anchor.y);
+}
+
+template <typename T> class MorphologyOf : public testing::Test {};
+using Served = testing::Types<unsigned char, unsigned short>;
+TYPED_TEST_SUITE(MorphologyOf, Served, );
+
+TYPED_TEST(MorphologyOf, WhatTheModelGivesOnEverySimdTarget) {
+    for (Element& element : Elements())
+        for (Shape const shape : kShapes)
+            for (bool const dilates : {true, false}) {
+                SCOPED_TRACE(testing::Message() << element.name << " on " << shape << ", " << dilates);
+                auto const source = RandomImage<TypeParam>(shape, 1);
+                TestImage<TypeParam> const blank({shape.width, shape.height, shape.stride + 3});
+                auto expected = blank;
+                auto expectedInPlace = source;
+                Model(source, element, dilates, expected);
+                Model(source, element, dilates, expectedInPlace);
+                ForEachSimdTarget([&] {
+                    auto input = source;
+                    auto output = blank;
+                    ImageAttributes destination = output.Attributes();
+                    Operation const operation = dilates ? Dilate : Erode;
+                    ASSERT_EQ(Apply(operation, input.Attributes(), &destination, element), SOLVANE_OK);
+                    ASSERT_TRUE(output == expected);
+                    ASSERT_TRUE(input == source);
+                    ASSERT_EQ(Apply(operation, input.Attributes(), nullptr, element), SOLVANE_OK);
+                    ASSERT_TRUE(input == expectedInPlace);
+                });
+            }
+}
+
+// Large enough for threads, which in place must not read what another one has written.
+TYPED_TEST(MorphologyOf, TheSameOnAnyNumberOfThreads) {
+    Element elements[] = {Random({15, 17, 15}, {4, 3}, 8), Block(3, 11, {2, 10}), Block(9, 9, {0, 0})};
+    for (Element& element : elements) {
+        SCOPED_TRACE(element.name);
+        auto const source = RandomImage<TypeParam>({1200, 1100, 1203}, 2);
+        auto expected = source;
+        Model(source, element, true, expected);
+        ForEachThreadCount([&] {
+            auto image = source;
+            EXPECT_EQ(Apply(Dilate, image.Attributes(), nullptr, element), SOLVANE_OK);
+            EXPECT_TRUE(image == expected);
+        });
+    }
+}
+
+TYPED_TEST(MorphologyOf, TheSameWhereSourceAndDestinationOverlap) {
+    struct Case {
+        char const* name;
+        int offset;
+        int stride;
+    };
+    // The destination begins so far behind the source, whose rows are 40 apart.
+    for (Case const each : {Case{"a little behind", 3, 40},
+                            {"before", -41, 40},
+                            {"other rows", 0, 33},
+                            {"farther rows", 0, 50},
+                            {"same row ends", 7, 33},
+                            {"apart", 40 * 20, 37}}) {
+        SCOPED_TRACE(each.name);
+        constexpr int kWidth = 33, kHeight = 20, kMargin = 64;
+        auto memory = RandomImage<TypeParam>({40 * 50, 1, 40 * 50}, 3);
+        TestImage<TypeParam> source({kWidth, kHeight, 40});
+        std::copy_n(memory.Pixels() + kMargin, source.Size(), source.Pixels());
+        Element element = Random({7, 5, 7}, {1, 3}, 50);
+        TestImage<TypeParam> result({kWidth, kHeight, kWidth});
+        Model(source, element, true, result);
+        auto expected = memory;
+        for (int y = 0; y < kHeight; ++y)
+            std::copy_n(&result.At(0, y), kWidth,
+                        expected.Pixels() + kMargin + each.offset + y * each.stride);
+
+        ImageAttributes input = source.Attributes(), output = source.Attributes();
+        input.buffer = memory.Pixels() + kMargin;
+        output.buffer = memory.Pixels() + kMargin + each.offset;
+        output.stride = each.stride;
+        EXPECT_EQ(Apply(Dilate, input, &output, element), SOLVANE_OK);
+        EXPECT_TRUE(memory == expected);
+    }
+}
+
+TYPED_TEST(MorphologyOf, OpensClosesAndIterates) {
+    Shape const shape{50, 40, 53};
+    auto const source = RandomImage<TypeParam>(shape, 4);
+    Element element = Random({5, 4, 6}, {3, 0}, 40);
+    Element square = Block(3, 3, {1, 1});
+    for (bool const opens : {true, false}) {
+        auto between = source, opened = source, thrice = source;
+        Model(source, element, !opens, between);
+        Model(between, element, opens, opened);
+        Model(source, square, opens, thrice);
+        auto const once = thrice;
+        Model(once, square, opens, between);
+        Model(between, square, opens, thrice);
+
+        auto input = source, output = source;
+        ImageAttributes destination = output.Attributes();
+        EXPECT_EQ(Apply(opens ? ImOpen : ImClose, input.Attributes(), &destination, element), SOLVANE_OK);
+        EXPECT_TRUE(output == opened);
+        auto const iterate = opens ? Dilate3x3 : Erode3x3;
+        EXPECT_EQ(iterate(input.Attributes(), &destination, 3), SOLVANE_OK);
+        EXPECT_TRUE(output == thrice);
+        EXPECT_EQ(iterate(input.Attributes(), &destination, -7), SOLVANE_OK);
+        EXPECT_TRUE(output == once);
+        EXPECT_TRUE(input == source);
+        EXPECT_EQ(iterate(input.Attributes(), nullptr, 3), SOLVANE_OK);
+        EXPECT_TRUE(input == thrice);
+    }
+}
+
+TEST(Morphology, CreatesAnImageForTheCaller) {
+    TestImage<unsigned short> source({4, 3, 6});
+    std::fill_n(source.Pixels(), source.Size(), static_cast<unsigned short>(5));
+    source.At(3, 1) = 9;
+    Element element = Block(3, 3, {1, 1});
+    ImageAttributes created;
+    ASSERT_EQ(Apply(ImOpen, source.Attributes(12, 7), &created, element), SOLVANE_OK);
+    EXPECT_EQ(created.stride, 6);
+    EXPECT_EQ(created.bitsperpixel, 12);
+    EXPECT_EQ(created.pixelspacing, 7);
+    EXPECT_EQ(static_cast<unsigned short*>(created.buffer)[1 * 6 + 3], 5);
+    EXPECT_EQ(static_cast<unsigned short*>(created.buffer)[1 * 6 + 4], 0);
+    FreePixels(created.buffer);
+}
+
+struct Refusal {
+    char const* name;
+    ImageAttributes source, destination, se;
+    APOINT anchor;
+    int code;
+    std::vector<std::wstring> messages;
+};
+
+unsigned short pixels[64];
+unsigned short others[64];
+unsigned char ones[9] = {1, 1, 1, 1, 1, 1, 1, 1, 1};
+unsigned char zeros[9];
+
+ImageAttributes Source(eTypeCode type, void* buffer, int width, int height, int stride, int bits = 16) {
+    return {type, buffer, width, height, stride, bits, 0};
+}
+
+// In the order in which they are tried: a case also has what those behind it refuse, where that is possible.
+TEST(Morphology, RefusesInItsOrder) {
+    ImageAttributes const good = Source(eUInt16, pixels, 4, 3, 4);
+    ImageAttributes const se(eByte, ones, 3, 3, 3, 8, 0);
+    ImageAttributes const output = Source(eUInt16, others, 4, 3, 4);
+    ImageAttributes const small = Source(eUInt16, others, 3, 3, 4);
+    ImageAttributes const noPixels = Source(eUInt16, nullptr, 4, 3, 4);
+    ImageAttributes const noElements(eByte, nullptr, 3, 3, 3, 8, 0);
+    ImageAttributes const zeroElements(eByte, zeros, 3, 3, 3, 8, 0);
+    APOINT const middle(1, 1), outside(3, 1), above(1, -1);
+    constexpr auto kBorder = L"ippiCopyReplicateBorder failed. code ";
+    auto const border = [&](int status) { return kBorder + std::to_wstring(status); };
+    auto const dilate = [](int status) { return L"ippiDilate failed. code " + std::to_wstring(status); };
+    Refusal const refusals[] = {
+        {"element type",
+         Source(eUnknown, pixels, 4, 3, 4),
+         small,
+         Source(eSByte, ones, 3, 3, 3),
+         middle,
+         4,
+         {L"Structuring element must be eByte datatype."}},
+        {"size",
+         Source(eUnknown, pixels, 4, 3, 4),
+         small,
+         se,
+         middle,
+         5,
+         {L"Source and destination image must be same size.", L"Failed to ValidateImageBuffer."}},
+        {"type", Source(eUnknown, pixels, 4, 3, 4), output, se, middle, 6, {L"Unsupported image datatype."}},
+        {"memory",
+         Source(eInt16, pixels, 4, 3, 4),
+         output,
+         Source(eByte, ones, INT_MAX, 3, INT_MAX, 8),
+         middle,
+         1,
+         {L"template_Dilate(): Memory allocation failed for 2147483647 bytes."}},
+        {"signed", Source(eInt16, nullptr, 4, 3, 4), output, se, middle, 5, {border(-12)}},
+        {"float", Source(eSingle, pixels, 4, 3, 4), output, se, middle, 5, {border(-12)}},
+        {"no source", noPixels, output, noElements, middle, 5, {border(-8)}},
+        {"no source at all", noPixels, noPixels, se, middle, 5, {border(-8)}},
+        {"no width",
+         Source(eUInt16, pixels, 0, 3, 4),
+         Source(eUInt16, others, 0, 3, 4),
+         noElements,
+         middle,
+         5,
+         {border(-5)}},
+        {"negative height",
+         Source(eUInt16, pixels, 4, -9, 4),
+         Source(eUInt16, others, 4, -9, 4),
+         se,
+         middle,
+         5,
+         {border(-5)}},
+        {"negative element", good, output, Source(eByte, ones, -3, -3, 3), middle, 5, {border(-5)}},
+        {"no element", good, output, noElements, outside, 5, {dilate(-8)}},
+        {"empty element", good, output, Source(eByte, ones, 3, 0, 3), outside, 5, {dilate(-5)}},
+        {"clear element", good, output, zeroElements, outside, 5, {dilate(-33)}},
+        {"anchor beyond", good, output, se, outside, 5, {dilate(-34)}},
+        {"anchor before", good, output, se, above, 5, {dilate(-34)}},
+        {"source rows",
+         Source(eUInt16, pixels, 4, 3, 3),
+         output,
+         se,
+         middle,
+         7,
+         {L"The source image's rows overlap."}},
+        {"element rows",
+         good,
+         output,
+         Source(eByte, ones, 3, 3, -3),
+         middle,
+         7,
+         {L"The structuring element's rows overlap."}},
+        {"narrow destination",
+         good,
+         Source(eByte, others, 4, 3, 4),
+         se,
+         middle,
+         7,
+         {L"The destination image's elements are narrower than the source's."}},
+        {"destination rows",
+         good,
+         Source(eUInt16, others, 4, 3, 3),
+         se,
+         middle,
+         7,
+         {L"The destination image's rows overlap."}},
+        {"in place, far rows",
+         good,
+         Source(eUInt16, pixels, 0, 0, 5),
+         se,
+         middle,
+         7,
+         {L"The destination image's rows lead out of its memory."}},
+    };
+    for (Refusal const& each : refusals) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        ImageAttributes destination = each.destination;
+        EXPECT_EQ(Dilate(each.source, &destination, each.se, each.anchor.x, each.anchor.y), each.code);
+        ASSERT_EQ(log.Errors().size(), each.messages.size());
+        for (std::size_t i = 0; i < each.messages.size(); ++i)
+            EXPECT_EQ(log.Errors()[i].message, each.messages[i]);
+        EXPECT_EQ(log.Code(), each.code);
+    }
+    EXPECT_TRUE(std::all_of(others, others + 64, [](int pixel) { return pixel == 0; }));
+}
+
+TEST(Morphology, NamesItselfInItsFailures) {
+    ImageAttributes const source = Source(eUInt16, pixels, 4, 3, 4);
+    ImageAttributes const clear(eByte, zeros, 3, 3, 3, 8, 0);
+    ImageAttributes destination;
+    CapturedLog const log;
+    EXPECT_EQ(Erode(source, nullptr, clear, 1, 1), SOLVANE_OPERATION_FAILED);
+    EXPECT_EQ(log.Text(), L"ippiErode failed. code -33");
+    EXPECT_NE(log.Errors().back().location.find(L"Erode.cpp"), std::wstring::npos);
+    for (Operation const operation : {ImOpen, ImClose}) {
+        EXPECT_EQ(operation(source, nullptr, clear, 1, 1), SOLVANE_NULL_POINTER);
+        EXPECT_EQ(log.Text(), L"The destination image pointer was NULL.");
+    }
+    destination = Source(eUInt16, others, 4, 3, 4);
+    EXPECT_EQ(ImClose(source, &destination, clear, 1, 1), SOLVANE_OPERATION_FAILED);
+    EXPECT_EQ(log.Text(), L"ippiDilate failed. code -33");
+}
+
+TEST(Morphology, InPlaceTheSizeOfTheDestinationDoesNotCount) {
+    TestImage<unsigned char> image({5, 1, 5});
+    for (int x = 0; x < 5; ++x) image.At(x, 0) = static_cast<unsigned char>(x);
+    Element element = Block(2, 1, {0, 0});
+    ImageAttributes destination = image.Attributes();
+    destination.width = 77;
+    destination.height = -1;
+    EXPECT_EQ(Apply(Dilate, image.Attributes(), &destination, element), SOLVANE_OK);
+    for (int x = 0; x < 5; ++x) EXPECT_EQ(image.At(x, 0), std::min(x + 1, 4));
+}
+
+}  // namespace
+}  // namespace ZPA
