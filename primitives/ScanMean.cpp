@@ -3,10 +3,12 @@
 #include "primitives/ScanMean.h"
 
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/ScanMean.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
@@ -19,13 +21,15 @@ using D = hn::ScalableTag<std::int32_t>;
 using V = hn::Vec<D>;
 constexpr std::ptrdiff_t kLanes = hn::MaxLanes(D());
 
-// Adds a row of pixels to the column sums, and subtracts another one.
+// Adds a row of pixels to the column sums, and subtracts another one. `soon` is the row that will enter next:
+// the processor does not look ahead as far as that by itself.
 template <bool kEntering, bool kLeaving, typename T>
-void Slide(std::int32_t* sums, T const* entering, T const* leaving, std::ptrdiff_t width) {
+void Slide(std::int32_t* sums, T const* entering, T const* leaving, T const* soon, std::ptrdiff_t width) {
     D const d;
     hn::Rebind<T, D> const narrow;
     std::ptrdiff_t x = 0;
     for (; x + kLanes <= width; x += kLanes) {
+        if (kEntering) hwy::Prefetch(soon + x);
         V sum = hn::LoadU(d, sums + x);
         if (kEntering) sum = hn::Add(sum, hn::PromoteTo(d, hn::LoadU(narrow, entering + x)));
         if (kLeaving) sum = hn::Sub(sum, hn::PromoteTo(d, hn::LoadU(narrow, leaving + x)));
@@ -85,17 +89,17 @@ void FillReciprocals(double* reciprocals, std::ptrdiff_t width, std::ptrdiff_t h
     }
 }
 
-// The arithmetic is that of doubles, since it holds all sums and divides two columns in every pair of lanes:
+// The arithmetic is that of doubles, since they hold all sums, and two lanes make one:
 //
-// - A 32-bit number n in the low half of 2^52, with its sign bit flipped, is the double 2^52 + 2^31 + n.
-// - The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17 in
-// size,
-//   so it is off by less than 2^-34. Added to 2^20 + 2^-32 it is rounded to a multiple of 2^-32, and the
-//   upper half of the double then ends in the quotient's whole part: a quotient that is whole stays above the
-//   error, and the largest below a whole one is 1 / C short of it, which is too much to make up while C is at
-//   most 2^31. (Where C is larger, sums are the wrapping ones, of at most 2^31; the quotient is then below 1
-//   by as much.)
-// - A negative quotient gets 1 - 2^-32 in the place of 2^-32, and is truncated toward zero like this.
+// A 32-bit number n, with its sign bit flipped, in the low half of 2^52 is the double 2^52 + 2^31 + n.
+//
+// The quotient of a sum S and a count C is S times the reciprocals of C's factors. It is below 2^17, so it
+// is off by less than 2^-34. Added to kBase, whose last bit is worth 2^-32, its whole part comes to stand in
+// the upper half of the double. It is the right one if 2^-32 is added as well: that lifts a whole quotient
+// above the error, but does not make up the 1 / C that another one is short of the next whole number, as
+// long as C is at most 2^31. Only wrapping sums come with a larger C; they are at most 2^31 in size, so
+// that their quotients stay short of 1 by nearly 2^-31. To a negative quotient 1 - 2^-32 is added instead,
+// which truncates it toward zero.
 template <bool kWrapping, typename T>
 void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* output, std::ptrdiff_t width,
              std::ptrdiff_t half, std::ptrdiff_t rows) {
@@ -131,7 +135,7 @@ void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* outpu
         return hn::BitCast(real, hn::Xor(hn::ShiftRight<32>(hn::BitCast(pairs, v)), exponent));
     };
 
-    constexpr double kBase = 1572864.0;
+    constexpr double kBase = 1572864.0;  // 2^20 + 2^19, so that negative quotients stay in its binary order
     constexpr double kTiny = 1.0 / 4294967296.0;
     auto const unit = hn::Set(real, kBase + (kSigned ? 0.5 : kTiny));
     auto const nearHalf = hn::Set(real, 0.5 - kTiny);
@@ -144,7 +148,7 @@ void MeanRow(std::int32_t const* columnSums, double const* reciprocals, T* outpu
         }
     };
 
-    // The sum over the window of the column before the first one: in 32 bits, or as a double less kBias.
+    // The sum over the window that is centred before the first column: in 32 bits, or as a double less kBias.
     V wrapped = hn::Zero(d);
     auto exact = hn::Zero(real);
     for (std::ptrdiff_t x = 0; x < half;) {
@@ -225,21 +229,27 @@ void MeanImage(T const* input, T* output, Size image, Size window, double* work)
     std::fill_n(padded, PaddedColumns(image, window), 0);
     std::int32_t* const sums = padded + FirstColumn(window);
 
-    bool const served = ScanMeanServes(window);
+    // Most images do not fill their elements: rows whose sums cannot wrap go the quicker way. A column sum
+    // grows by one pixel from row to row, so the largest is looked for only where that may have brought it
+    // too far.
+    std::int64_t const most = ScanMeanServes(window) ? INT32_MAX / window.width : -1;
+    std::int64_t bound = 0;
     for (std::ptrdiff_t y = -halfHeight; y < height; ++y) {
         std::ptrdiff_t const entering = y + halfHeight, leaving = y - halfHeight - 1;
+        T const* const soon = input + std::min(entering + 1, height - 1) * width;
         if (leaving < 0)
-            Slide<true, false, T>(sums, input + entering * width, nullptr, width);
+            Slide<true, false, T>(sums, input + entering * width, nullptr, soon, width);
         else if (entering < height)
-            Slide<true, true>(sums, input + entering * width, input + leaving * width, width);
+            Slide<true, true>(sums, input + entering * width, input + leaving * width, soon, width);
         else
-            Slide<false, true, T>(sums, nullptr, input + leaving * width, width);
+            Slide<false, true, T>(sums, nullptr, input + leaving * width, soon, width);
+        bound += std::numeric_limits<T>::max();
         if (y < 0) continue;
 
         std::ptrdiff_t const rows = CountInside(y, halfHeight, height);
         T* const out = output + y * width;
-        // Most images do not fill their elements: what cannot wrap takes the quicker way.
-        if (kWrapping && (!served || Largest(sums, width) > INT32_MAX / window.width))
+        if (kWrapping && bound > most) bound = Largest(sums, width);
+        if (kWrapping && bound > most)
             MeanRow<true>(sums, reciprocals, out, width, halfWidth, rows);
         else
             MeanRow<false>(sums, reciprocals, out, width, halfWidth, rows);

@@ -15,11 +15,11 @@
 namespace ZPA {
 namespace {
 
-// As many rows as hide the time that an addition takes.
-constexpr std::ptrdiff_t kStripRows = 8;
+// As many rows as hide the time that an addition takes; with more, memory has too many places to look at.
+constexpr std::ptrdiff_t kStripRows = 4;
 
 // Column sums are made this many columns ahead of their use, to be near when they are wanted.
-constexpr std::ptrdiff_t kBlock = 32;
+constexpr std::ptrdiff_t kBlock = 64;
 
 }  // namespace
 }  // namespace ZPA
@@ -30,34 +30,36 @@ namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using D = hn::CappedTag<double, 4>;  // more lanes would need more steps across them
-using V = hn::Vec<D>;
-using Integers = hn::Rebind<std::int32_t, D>;
-constexpr std::ptrdiff_t kLanes = hn::MaxLanes(D());
-constexpr std::ptrdiff_t kGroups = kStripRows / kLanes;
-
 // ---- What is summed: pixels, weights, or their products, which are 32-bit integers where the pixels are.
+
+using WideD = hn::ScalableTag<double>;
+using WideV = hn::Vec<WideD>;
+constexpr std::ptrdiff_t kWideLanes = hn::MaxLanes(WideD());
 
 template <typename T> auto LoadTerms(T const* pixels) {
     if constexpr (std::is_integral_v<T>)
-        return hn::PromoteTo(Integers(), hn::LoadU(hn::Rebind<T, D>(), pixels));
+        return hn::PromoteTo(hn::Rebind<std::int32_t, WideD>(), hn::LoadU(hn::Rebind<T, WideD>(), pixels));
     else
-        return hn::LoadU(D(), pixels);
+        return hn::LoadU(WideD(), pixels);
 }
-V ToReal(hn::Vec<Integers> terms) { return hn::PromoteTo(D(), terms); }
-[[maybe_unused]] V ToReal(V terms) { return terms; }
+template <class Terms> WideV ToReal(Terms terms) {
+    if constexpr (std::is_same_v<Terms, WideV>)
+        return terms;
+    else
+        return hn::PromoteTo(WideD(), terms);
+}
 
 template <typename T> struct Plain {
     T const* pixels;
     double At(std::ptrdiff_t i) const { return static_cast<double>(pixels[i]); }
-    V Load(std::ptrdiff_t i) const { return ToReal(LoadTerms(pixels + i)); }
+    WideV Load(std::ptrdiff_t i) const { return ToReal(LoadTerms(pixels + i)); }
 };
 
 template <typename T> struct Weighted {
     T const* pixels;
     std::int8_t const* weights;
     double At(std::ptrdiff_t i) const { return static_cast<double>(pixels[i] * weights[i]); }
-    V Load(std::ptrdiff_t i) const {
+    WideV Load(std::ptrdiff_t i) const {
         auto const factors = LoadTerms(weights + i);
         if constexpr (std::is_integral_v<T>)
             return ToReal(hn::Mul(LoadTerms(pixels + i), factors));
@@ -65,6 +67,34 @@ template <typename T> struct Weighted {
             return hn::Mul(LoadTerms(pixels + i), ToReal(factors));
     }
 };
+
+// ---- Column sums
+
+template <bool kEntering, bool kLeaving, typename Terms>
+void Slide(double const* sums, double* next, Terms const& terms, std::ptrdiff_t entering,
+           std::ptrdiff_t leaving, std::ptrdiff_t count) {
+    WideD const d;
+    std::ptrdiff_t i = 0;
+    for (; i + kWideLanes <= count; i += kWideLanes) {
+        WideV sum = hn::LoadU(d, sums + i);
+        if (kEntering) sum = hn::Add(sum, terms.Load(entering + i));
+        if (kLeaving) sum = hn::Sub(sum, terms.Load(leaving + i));
+        hn::StoreU(sum, d, next + i);
+    }
+    for (; i < count; ++i) {
+        double sum = sums[i];
+        if (kEntering) sum += terms.At(entering + i);
+        if (kLeaving) sum -= terms.At(leaving + i);
+        next[i] = sum;
+    }
+}
+
+// ---- Running sums
+
+using D = hn::CappedTag<double, 4>;  // more lanes would need more steps across them
+using V = hn::Vec<D>;
+constexpr std::ptrdiff_t kLanes = hn::MaxLanes(D());
+constexpr std::ptrdiff_t kGroups = kStripRows / kLanes;
 
 // Makes vectors of the lanes that stand in the same place.
 void Transpose(V (&v)[kLanes]) {
@@ -85,27 +115,6 @@ void Transpose(V (&v)[kLanes]) {
         }
     }
 #endif
-}
-
-// ---- Column sums
-
-template <bool kEntering, bool kLeaving, typename Terms>
-void Slide(double const* sums, double* next, Terms const& terms, std::ptrdiff_t entering,
-           std::ptrdiff_t leaving, std::ptrdiff_t count) {
-    D const d;
-    std::ptrdiff_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        V sum = hn::LoadU(d, sums + i);
-        if (kEntering) sum = hn::Add(sum, terms.Load(entering + i));
-        if (kLeaving) sum = hn::Sub(sum, terms.Load(leaving + i));
-        hn::StoreU(sum, d, next + i);
-    }
-    for (; i < count; ++i) {
-        double sum = sums[i];
-        if (kEntering) sum += terms.At(entering + i);
-        if (kLeaving) sum -= terms.At(leaving + i);
-        next[i] = sum;
-    }
 }
 
 // The column sums of a strip of rows, and the sums that run along these rows.
@@ -195,10 +204,10 @@ template <typename T> void StoreMeans(V means, T* output, std::ptrdiff_t count) 
     T* const to = count < kLanes ? elements : output;
     if constexpr (std::is_integral_v<T>) {
         hn::Rebind<std::uint16_t, D> const narrow;
-        auto const fits =
-            hn::And(hn::Lt(means, hn::Set(d, 2147483648.0)), hn::Gt(means, hn::Set(d, -2147483649.0)));
-        auto const integers =
-            hn::DemoteTo(Integers(), hn::IfThenElse(fits, means, hn::Set(d, -2147483648.0)));
+        // What is too low becomes 0x80000000 by itself; what is too high, or not a number, must be told to.
+        auto const fits = hn::Lt(means, hn::Set(d, 2147483648.0));
+        auto const integers = hn::DemoteTo(hn::Rebind<std::int32_t, D>(),
+                                           hn::IfThenElse(fits, means, hn::Set(d, -2147483648.0)));
         hn::StoreU(hn::TruncateTo(narrow, hn::BitCast(hn::Rebind<std::uint32_t, D>(), integers)), narrow,
                    reinterpret_cast<std::uint16_t*>(to));
     } else {

@@ -238,7 +238,7 @@ TEST(RectFlatTopFilter, AddsDoublesInThePromisedOrder) {
 
 template <typename T> class WeightedFlatTop : public testing::Test {};
 using Elements = testing::Types<unsigned short, short, double>;
-TYPED_TEST_SUITE(WeightedFlatTop, Elements);
+TYPED_TEST_SUITE(WeightedFlatTop, Elements, );
 
 TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
     struct Weights {

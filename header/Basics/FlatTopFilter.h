@@ -26,7 +26,7 @@
 /// - 4, the output shares memory with the input: "... - input and output must be different buffers."
 /// - 4, the output shares memory with the mask: "... - mask and output must be different buffers."
 /// - 1, no work memory: "...: Memory allocation failed for %d bytes." The masked forms have cleared the
-/// output.
+///   output.
 
 namespace ZPA {
 
