@@ -1,0 +1,32 @@
+// Fills of connected pixels, in place.
+#ifndef ZPA_PRIMITIVES_FLOODFILL_H
+#define ZPA_PRIMITIVES_FLOODFILL_H
+
+#include "primitives/Status.h"
+
+namespace ZPA {
+
+// Bytes of the working buffer for an image of a size: about half a byte a pixel.
+Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept;
+
+// Replace the pixel at the seed, and those of its value that are connected with it, by `value`. The buffer
+// may have any alignment and content. Rows that the region does not reach are not read.
+Status ippiFloodFill_4Con(std::uint8_t* image, std::ptrdiff_t step, Size size, int seedX, int seedY,
+                          std::uint8_t value, void* buffer) noexcept;
+Status ippiFloodFill_4Con(std::uint16_t* image, std::ptrdiff_t step, Size size, int seedX, int seedY,
+                          std::uint16_t value, void* buffer) noexcept;
+Status ippiFloodFill_8Con(std::uint8_t* image, std::ptrdiff_t step, Size size, int seedX, int seedY,
+                          std::uint8_t value, void* buffer) noexcept;
+Status ippiFloodFill_8Con(std::uint16_t* image, std::ptrdiff_t step, Size size, int seedX, int seedY,
+                          std::uint16_t value, void* buffer) noexcept;
+
+// Replaces the pixels of value `background` on the image's border, and those connected with them, by `value`:
+// what a fill from each of them in turn would do.
+Status FloodFillFromBorder(std::uint8_t* image, std::ptrdiff_t step, Size size, std::uint8_t background,
+                           std::uint8_t value, bool eightNeighbours, void* buffer) noexcept;
+Status FloodFillFromBorder(std::uint16_t* image, std::ptrdiff_t step, Size size, std::uint16_t background,
+                           std::uint16_t value, bool eightNeighbours, void* buffer) noexcept;
+
+}  // namespace ZPA
+
+#endif

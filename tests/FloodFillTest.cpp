@@ -1,0 +1,215 @@
+// FloodFill and FillHoles against plain searches.
+#include <Basics/Regions.h>
+#include <gtest/gtest.h>
+
+#include <deque>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+// Both sides of a word of 64 pixels, and of several.
+constexpr Shape kSizes[] = {{1, 1, 1},   {1, 9, 4},     {9, 1, 9},      {63, 7, 70},    {64, 8, 64},
+                            {65, 9, 65}, {128, 5, 130}, {130, 20, 140}, {4200, 3, 4200}};
+
+template <typename T> void ModelFill(TestImage<T>& image, int seedX, int seedY, T value, int connectivity) {
+    T const wanted = image.At(seedX, seedY);
+    if (wanted == value) return;
+    std::deque<APOINT> open = {APOINT(seedX, seedY)};
+    image.At(seedX, seedY) = value;
+    while (!open.empty()) {
+        APOINT const at = open.front();
+        open.pop_front();
+        for (int dy = -1; dy <= 1; ++dy)
+            for (int dx = -1; dx <= 1; ++dx) {
+                int const x = at.x + dx, y = at.y + dy;
+                bool const neighbour = connectivity != 4 || dx == 0 || dy == 0;
+                if (!neighbour || x < 0 || y < 0 || x >= image.shape.width || y >= image.shape.height)
+                    continue;
+                if (image.At(x, y) != wanted) continue;
+                image.At(x, y) = value;
+                open.push_back(APOINT(x, y));
+            }
+    }
+}
+
+template <typename T> void ModelFillBorder(TestImage<T>& image, T background, T value, int connectivity) {
+    auto const fill = [&](int x, int y) {
+        if (image.At(x, y) == background) ModelFill(image, x, y, value, connectivity);
+    };
+    for (int x = 0; x < image.shape.width; ++x) fill(x, 0), fill(x, image.shape.height - 1);
+    for (int y = 0; y < image.shape.height; ++y) fill(0, y), fill(image.shape.width - 1, y);
+}
+
+template <typename T> void ModelFillHoles(TestImage<T>& image, int connectivity) {
+    T const marker = std::numeric_limits<T>::max();
+    ModelFillBorder(image, T{0}, marker, connectivity);
+    T carried = 0;
+    for (int y = 0; y < image.shape.height; ++y)
+        for (int x = 0; x < image.shape.width; ++x) {
+            T& pixel = image.At(x, y);
+            if (pixel == 0)
+                pixel = carried;
+            else
+                carried = pixel;
+        }
+    ModelFillBorder(image, marker, T{0}, connectivity);
+}
+
+// A share of the pixels has one value, the others one of two more.
+template <typename T>
+TestImage<T> Porous(Shape shape, unsigned seed, double share, T value, T other, T third) {
+    std::mt19937 random(seed);
+    TestImage<T> image(shape);
+    for (std::size_t i = 0; i < image.Size(); ++i) {
+        double const chance = static_cast<double>(random()) / 4294967296.0;
+        image.Pixels()[i] = chance < share ? value : random() % 8 ? other : third;
+    }
+    return image;
+}
+
+// One path that goes to and fro over the whole image, along rows or along columns.
+template <typename T> TestImage<T> Serpentine(int side, bool alongRows) {
+    TestImage<T> image({side, side, side});
+    for (int across = 0; across < side; ++across)
+        for (int along = 0; along < side; ++along) {
+            int const turn = across % 4 == 1 ? side - 1 : 0;
+            bool const open = across % 2 == 0 || along == turn;
+            (alongRows ? image.At(along, across) : image.At(across, along)) = open ? T{0} : T{7};
+        }
+    return image;
+}
+
+template <typename T> class Filling : public testing::Test {};
+using Served = testing::Types<unsigned char, unsigned short>;
+TYPED_TEST_SUITE(Filling, Served, );
+
+TYPED_TEST(Filling, RegionsAsAPlainSearchDoes) {
+    using T = TypeParam;
+    for (Shape const shape : kSizes)
+        for (double const share : {0.4, 0.5, 0.6, 0.9, 1.0})
+            for (int const connectivity : {4, 8, 6}) {
+                auto const image = Porous<T>(shape, 3, share, 0, 200, 9);
+                auto expected = image;
+                int const seedX = shape.width / 2, seedY = shape.height / 3;
+                ModelFill<T>(expected, seedX, seedY, 77, connectivity);
+                ForEachSimdTarget([&] {
+                    SCOPED_TRACE(testing::Message() << shape << ", share " << share << ", " << connectivity);
+                    auto filled = image;
+                    ASSERT_EQ(FloodFill(filled.Attributes(), seedX, seedY, 77 + 65536, connectivity),
+                              SOLVANE_OK);
+                    ASSERT_TRUE(filled == expected);
+                });
+            }
+}
+
+TYPED_TEST(Filling, LongPathsToTheirEnd) {
+    for (int const side : {5, 64, 131})
+        for (bool const alongRows : {false, true}) {
+            auto image = Serpentine<TypeParam>(side, alongRows);
+            auto expected = image;
+            ModelFill<TypeParam>(expected, 0, 0, 5, 4);
+            ASSERT_EQ(FloodFill(image.Attributes(), 0, 0, 5, 4), SOLVANE_OK);
+            EXPECT_TRUE(image == expected) << side;
+        }
+}
+
+TYPED_TEST(Filling, HolesAsThreeStagesDo) {
+    using T = TypeParam;
+    T const marker = std::numeric_limits<T>::max();
+    for (Shape const shape : kSizes)
+        for (double const share : {0.0, 0.3, 0.5, 0.6, 1.0})
+            for (int const connectivity : {4, 8}) {
+                // Foreground of one value, of two labels, and of the marker's value.
+                for (T const other : {T{1}, T{200}, marker}) {
+                    auto const image = Porous<T>(shape, 4, share, 0, other, 3);
+                    auto expected = image;
+                    ModelFillHoles(expected, connectivity);
+                    ForEachSimdTarget([&] {
+                        SCOPED_TRACE(testing::Message()
+                                     << shape << ", share " << share << ", " << connectivity);
+                        auto filled = image;
+                        ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
+                        ASSERT_TRUE(filled == expected);
+                    });
+                }
+            }
+}
+
+TEST(FloodFill, RefusesInItsOrder) {
+    unsigned char pixels[64] = {};
+    struct Case {
+        char const* name;
+        ImageAttributes image;
+        int x, y, code;
+        std::wstring message;
+    };
+    constexpr auto kType = L"Unsupported image datatype.";
+    constexpr auto kSize = L"ippiFloodFillGetSize failed. code -5";
+    auto const failed = [](int status) {
+        return L"ippiFloodFill_nCon failed. code " + std::to_wstring(status);
+    };
+    Case const cases[] = {
+        {"no type", {eUnknown, pixels, 0, 2, 2, 8, 0}, 0, 0, 6, kType},
+        {"type 12", {static_cast<eTypeCode>(12), pixels, 2, 2, 2, 8, 0}, 0, 0, 6, kType},
+        {"no width", {eByte, pixels, 0, 2, 2, 8, 0}, 0, 0, 5, kSize},
+        {"negative height, other type", {eDouble, pixels, 2, -2, 2, 8, 0}, 0, 0, 5, kSize},
+        {"other type", {eDouble, pixels, 2, 2, 2, 64, 0}, 0, 0, 5, failed(-12)},
+        {"signed bytes", {eSByte, pixels, 2, 2, 2, 64, 0}, 0, 0, 5, failed(-12)},
+        {"null", {eByte, nullptr, 2, 2, 2, 8, 0}, 5, 0, 5, failed(-8)},
+        {"seed before", {eByte, pixels, 2, 2, 2, 8, 0}, -1, 0, 5, failed(-11)},
+        {"seed beyond", {eUInt16, pixels, 2, 2, 2, 8, 0}, 0, 2, 5, failed(-11)},
+        {"rows overlap", {eByte, pixels, 4, 2, 2, 8, 0}, 0, 0, 7, L"The image's rows overlap."},
+        {"huge",
+         {eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0},
+         0,
+         0,
+         1,
+         L"template_FloodFill: Memory allocation failed for 2147483647 bytes."},
+    };
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        EXPECT_EQ(FloodFill(each.image, each.x, each.y, 1, 4), each.code);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Code(), each.code);
+    }
+}
+
+TEST(FillHoles, RefusesInItsOrder) {
+    unsigned char pixels[64] = {};
+    struct Case {
+        char const* name;
+        ImageAttributes image;
+        int code;
+        std::vector<std::wstring> messages;
+    };
+    Case const cases[] = {
+        {"type", {eInt16, pixels, 2, 2, 2, 8, 0}, 6, {L"Unsupported image datatype."}},
+        {"no width", {eByte, nullptr, 0, 2, 2, 8, 0}, 0, {}},
+        {"no height", {eUInt16, pixels, 2, 0, 2, 8, 0}, 0, {}},
+        {"null", {eByte, nullptr, 2, 2, 2, 8, 0}, 2, {L"The input image had a NULL buffer pointer."}},
+        {"rows overlap", {eByte, pixels, 4, 2, 2, 8, 0}, 7, {L"The image's rows overlap."}},
+        {"huge",
+         {eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0},
+         5,
+         {L"template_FloodFill: Memory allocation failed for 2147483647 bytes.",
+          L"FloodFill top border background failed.", L"template_FloodBorderAreas to % failed."}},
+    };
+    for (Case const& each : cases) {
+        SCOPED_TRACE(each.name);
+        CapturedLog const log;
+        EXPECT_EQ(FillHoles(each.image, 8), each.code);
+        ASSERT_EQ(log.Errors().size(), each.messages.size());
+        for (std::size_t i = 0; i < each.messages.size(); ++i)
+            EXPECT_EQ(log.Errors()[i].message, each.messages[i]);
+    }
+}
+
+}  // namespace
+}  // namespace ZPA
