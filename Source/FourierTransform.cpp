@@ -7,6 +7,7 @@
 
 #include "primitives/FourierStages.h"
 #include "primitives/RootsOfUnity.h"
+#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Fourier.h"
 #include "Source/Internal/WorkSpace.h"
 

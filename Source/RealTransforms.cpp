@@ -1,12 +1,12 @@
 // Transforms of real values, and what they are for: correlation and convolution.
 #include <Basics/FourierTransform.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "primitives/SpectrumPairs.h"
+#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Fourier.h"
-#include "Source/Internal/Memory.h"
+#include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
 namespace {
@@ -51,20 +51,6 @@ template <typename T> void CorrelateThrough(T* work, T const* data1, T const* da
     TransformReal(ans, n / 2, true);
 }
 
-// Memory for n points in the way of calloc.
-template <typename T> struct PointsOnHeap {
-    explicit PointsOnHeap(int n) : bytes(2 * sizeof(T) * static_cast<std::uint64_t>(n)) {
-        // on a 32-bit platform the bytes may pass the address space
-        if (bytes <= PTRDIFF_MAX)
-            block.reset(static_cast<T*>(std::calloc(1, static_cast<std::size_t>(bytes))));
-    }
-    struct Free {
-        void operator()(T* memory) const { std::free(memory); }
-    };
-    std::uint64_t bytes;
-    std::unique_ptr<T[], Free> block;
-};
-
 }  // namespace
 
 void realFFT(float* data, int n, int sign) {
@@ -108,11 +94,13 @@ void correl(float const* data1, float const* data2, int n, float* ans, float* wo
 
 void correl_DBL(double const* data1, double const* data2, int n, double* ans) {
     if (AnyNull(L"correl_DBL(): Null pointer.", data1, data2, ans) || LogOfPowerOfTwo(n) < 0) return;
-    PointsOnHeap<double> const own(n);
-    if (own.block)
-        CorrelateThrough(own.block.get(), data1, data2, n, ans, 1.0);
-    else
-        static_cast<void>(FailMemory(L"correl_DBL()", own.bytes));
+    std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
+    auto const own = AllocateCleared<double>(count);
+    if (!own) {
+        static_cast<void>(FailMemory(L"correl_DBL()", BlockBytes(count, sizeof(double))));
+        return;
+    }
+    CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);
 }
 
 void convlv_DBL(double const* filter, double* data, int n) {

@@ -2,9 +2,7 @@
 #ifndef ZPA_SOURCE_INTERNAL_FOURIER_H
 #define ZPA_SOURCE_INTERNAL_FOURIER_H
 
-#include <cstddef>
-
-#include "Source/Internal/Frame.h"
+#include <cstdint>
 
 namespace ZPA {
 
@@ -20,13 +18,6 @@ inline int LogOfPowerOfTwo(std::int64_t n) {
 // without memory it is slower.
 void TransformPoints(float* points, int logPoints, bool inverse);
 void TransformPoints(double* points, int logPoints, bool inverse);
-
-// Reports a null pointer among the arguments of a transform; true if there is one.
-template <typename... Pointers> bool AnyNull(Message message, Pointers const*... pointers) {
-    if (((pointers != nullptr) && ...)) return false;
-    static_cast<void>(Fail(SOLVANE_NULL_POINTER, message));
-    return true;
-}
 
 }  // namespace ZPA
 

@@ -1,8 +1,9 @@
-// Memory for the length of a call: on the stack while it is small, else from the heap.
+// Memory for the length of a call: on the stack while it is small, else from the heap, or cleared.
 #ifndef ZPA_SOURCE_INTERNAL_WORKSPACE_H
 #define ZPA_SOURCE_INTERNAL_WORKSPACE_H
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <type_traits>
 
@@ -29,6 +30,17 @@ private:
     std::unique_ptr<T[]> heap_;
     T* elements_;
 };
+
+struct FreeMemory {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T> using ClearedElements = std::unique_ptr<T[], FreeMemory>;
+
+// `count` zeros, as calloc gives them; null if there is no memory.
+template <typename T> ClearedElements<T> AllocateCleared(std::uint64_t count) {
+    if (BlockBytes(count, sizeof(T)) == kNoSize) return nullptr;
+    return ClearedElements<T>(static_cast<T*>(std::calloc(static_cast<std::size_t>(count), sizeof(T))));
+}
 
 }  // namespace ZPA
 
