@@ -172,53 +172,53 @@ private:
     }
 
     void RotateAway(std::ptrdiff_t first, std::ptrdiff_t k) {
-        T cosine = 0, sine = 1;
+        double cosine = 0, sine = 1;
         for (std::ptrdiff_t i = first; i <= k; ++i) {
-            T const left = sine * above_[i];
-            above_[i] *= cosine;
-            if (Negligible(left)) return;
-            T const diagonal = w_[i];
-            w_[i] = Hypotenuse(left, diagonal);
-            cosine = diagonal / w_[i];
-            sine = -left / w_[i];
-            Rotate(U(first - 1), U(i), cosine, sine, m_);
+            double const left = sine * above_[i], diagonal = w_[i];
+            above_[i] = static_cast<T>(cosine * above_[i]);
+            if (Negligible(static_cast<T>(left))) return;
+            w_[i] = static_cast<T>(SetAngle(diagonal, -left, cosine, sine));
+            Turn(U(first - 1), U(i), cosine, sine, m_);
         }
     }
 
-    // One step on the block from `first` to k, with the shift from its last two by two elements.
+    // One step on the block from `first` to k, with the shift from its last two by two elements. What goes
+    // from one rotation to the next is in double precision: the steps are many.
     void Step(std::ptrdiff_t first, std::ptrdiff_t k) {
-        T x = w_[first];
-        T const last = w_[k], y = w_[k - 1], g = above_[k - 1], h = above_[k];
-        T shift = ((y - last) * (y + last) + (g - h) * (g + h)) / (2 * h * y);
-        T const root = Hypotenuse(shift, T{1});
-        T f = ((x - last) * (x + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / x;
+        double x = w_[first];
+        double const last = w_[k], y = w_[k - 1], g = above_[k - 1], h = above_[k];
+        double const shift = ((y - last) * (y + last) + (g - h) * (g + h)) / (2 * h * y);
+        double const root = Hypotenuse(shift, 1.0);
+        double f = ((x - last) * (x + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / x;
 
-        T cosine = 1, sine = 1;
+        double cosine = 1, sine = 1;
         for (std::ptrdiff_t j = first; j < k; ++j) {
-            T beside = cosine * above_[j + 1], bulge = sine * above_[j + 1], diagonal = w_[j + 1];
-            above_[j] = Hypotenuse(f, bulge);
-            SetAngle(f, bulge, above_[j], cosine, sine);
+            double const beside = cosine * above_[j + 1], bulge = sine * above_[j + 1];
+            above_[j] = static_cast<T>(SetAngle(f, bulge, cosine, sine));
+            Turn(V(j), V(j + 1), cosine, sine, n_);
             f = x * cosine + beside * sine;
-            beside = beside * cosine - x * sine;
-            bulge = diagonal * sine;
-            diagonal *= cosine;
-            Rotate(V(j), V(j + 1), cosine, sine, n_);
-
-            w_[j] = Hypotenuse(f, bulge);
-            SetAngle(f, bulge, w_[j], cosine, sine);
-            f = cosine * beside + sine * diagonal;
-            x = cosine * diagonal - sine * beside;
-            Rotate(U(j), U(j + 1), cosine, sine, m_);
+            double const above = beside * cosine - x * sine, below = w_[j + 1] * sine,
+                         diagonal = w_[j + 1] * cosine;
+            w_[j] = static_cast<T>(SetAngle(f, below, cosine, sine));
+            Turn(U(j), U(j + 1), cosine, sine, m_);
+            f = cosine * above + sine * diagonal;
+            x = cosine * diagonal - sine * above;
         }
         above_[first] = 0;
-        above_[k] = f;
-        w_[k] = x;
+        above_[k] = static_cast<T>(f);
+        w_[k] = static_cast<T>(x);
     }
 
-    // A vector of no length may be turned by any angle.
-    static void SetAngle(T adjacent, T opposite, T length, T& cosine, T& sine) {
+    // The angle of a vector, whose length it gives. A vector of no length may have any angle.
+    static double SetAngle(double adjacent, double opposite, double& cosine, double& sine) {
+        double const length = Hypotenuse(adjacent, opposite);
         cosine = length != 0 ? adjacent / length : 1;
         sine = length != 0 ? opposite / length : 0;
+        return length;
+    }
+
+    static void Turn(T* a, T* b, double cosine, double sine, std::ptrdiff_t count) {
+        Rotate(a, b, static_cast<T>(cosine), static_cast<T>(sine), count);
     }
 
     std::ptrdiff_t m_, n_;
