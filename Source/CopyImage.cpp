@@ -14,11 +14,12 @@ template <typename T>
 SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes* destination) try {
     if (!source.buffer || !destination || destination->buffer)
         return Fail(SOLVANE_NULL_POINTER, L"template_copy(): Null pointer.");
-    // A copy of stride * height elements would lack the end of its last row.
-    if (RowsOverlap(source))
+    if (RowsUnreadable(source))
         return Fail(SOLVANE_SIZE_MISMATCH, L"template_copy(): The rows of the source overlap.");
 
-    std::uint64_t const elements = ElementsSpanned(0, source.height, source.stride);
+    // stride * height, and where the stride is narrower than the width the rest of the last row: the copy has
+    // the source's descriptor, and must hold all that it describes.
+    std::uint64_t const elements = ElementsSpanned(source.width, source.height, source.stride);
     T* const copy = AllocateElements<T>(elements);
     if (!copy) return Fail(SOLVANE_OUT_OF_MEMORY, L"template_copy(): Null pointer.");
     std::memcpy(copy, source.buffer, static_cast<std::size_t>(elements) * sizeof(T));

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 
 #include "Source/Internal/Dispatch.h"
@@ -32,13 +31,13 @@ T* Allocate(ISolvane_Object const* object, std::uint64_t elements, long count, c
                    LoggedBytes(BlockBytes(elements, sizeof(T))));
         throw std::runtime_error(failure);
     }
-    Trace(eLogMemory, L"allocating(object=%08p, pointer=%08p, size=%ld)", object, block, count);
+    TraceSafely(eLogMemory, L"allocating(object=%08p, pointer=%08p, size=%ld)", object, block, count);
     return block;
 }
 
 template <typename T> void Free(ISolvane_Object const* object, T* block, std::int64_t count) {
-    Trace(eLogMemory, L"de-allocating(object=%08p,pointer=%08p,size=%ld)", object, block,
-          static_cast<long>(count));
+    TraceSafely(eLogMemory, L"de-allocating(object=%08p,pointer=%08p,size=%ld)", object, block,
+                static_cast<long>(count));
     delete[] block;
 }
 
@@ -47,12 +46,10 @@ template <typename T> std::uint64_t BinOf(T pixel, std::uint64_t bins) {
     if constexpr (std::is_floating_point_v<T>) {
         T const size = std::fabs(pixel);
         return size < static_cast<T>(bins) ? static_cast<std::uint64_t>(size) : bins;
-    } else if constexpr (std::is_signed_v<T>) {
-        // The most negative pixel has no absolute value of its type.
-        if (pixel == std::numeric_limits<T>::min()) return bins;
-        return static_cast<std::uint64_t>(pixel < 0 ? -std::int64_t{pixel} : std::int64_t{pixel});
     } else {
-        return pixel;
+        // In 64 bits without a sign, where the most negative pixel has an absolute value too.
+        auto const value = static_cast<std::uint64_t>(pixel);
+        return pixel < T{} ? 0 - value : value;
     }
 }
 
@@ -68,7 +65,7 @@ template <typename T> void Count(ImageView<T const> const& pixels, ULong32* coun
 
 }  // namespace
 
-template <typename T> ZPA_Image<T>::ZPA_Image() : owner_(false), allocated_(-1) { SetType(); }
+template <typename T> ZPA_Image<T>::ZPA_Image() : owner_(false), allocated_(-1), room_(0) { SetType(); }
 
 template <typename T>
 ZPA_Image<T>::ZPA_Image(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
@@ -96,10 +93,11 @@ void ZPA_Image<T>::SetImage(T* buffer, int width, int height, int stride, int bi
         Product(height, stride) == Product(attributes_.height, attributes_.stride)) {
         if (!IsGoodShape(width, height, stride, bitsperpixel)) throw std::runtime_error(kBadDimensions);
         // Rows wider than the stride need more memory than the product tells.
-        if (stride >= width) {
+        std::uint64_t const elements = ElementsSpanned(width, height, stride);
+        if (elements <= room_) {
             attributes_ =
                 ImageAttributes(attributes_.type, present, width, height, stride, bitsperpixel, pixelspacing);
-            if (clear) std::memset(present, 0, static_cast<std::size_t>(Product(height, stride)) * sizeof(T));
+            if (clear) std::memset(present, 0, static_cast<std::size_t>(elements) * sizeof(T));
             return;
         }
     }
@@ -127,8 +125,11 @@ template <typename T> ZPA_Image<T>::operator ImageAttributes() const { return at
 template <typename T>
 void ZPA_Image<T>::ChangeImageAttributes(int width, int height, int stride, int bitsperpixel,
                                          int pixelspacing) {
-    if (!attributes_.buffer || (allocated_ != -1 && Product(height, stride) > allocated_))
+    std::uint64_t const elements = ElementsSpanned(width, height, stride);
+    bool const trusted = allocated_ == -1;
+    if (!attributes_.buffer || (!trusted && (Product(height, stride) > allocated_ || elements > room_)))
         throw std::runtime_error("ZPA::ZPA_Image.ChangeImageAttributes() : Invalid buffer attributes.");
+    if (trusted) room_ = elements;
     attributes_ = ImageAttributes(attributes_.type, attributes_.buffer, width, height, stride, bitsperpixel,
                                   pixelspacing);
 }
@@ -139,7 +140,7 @@ template <typename T> ZPA_Ptr<IZPA_Buffer<ULong32>> ZPA_Image<T>::GetHistogram()
         histogram = ZPA_Ptr<IZPA_Buffer<ULong32>>(new ZPA_Buffer<ULong32>);
         std::uint32_t const bins = std::uint32_t{1} << (attributes_.bitsperpixel & 31);
         histogram->SetBuffer(nullptr, static_cast<int>(bins), true);
-        Count(ImageView<T const>(attributes_), histogram->GetBufferPtr(), bins);
+        if (attributes_.buffer) Count(ImageView<T const>(attributes_), histogram->GetBufferPtr(), bins);
     } catch (...) {
         (void)Fail(SOLVANE_UNEXPECTED, L"GetHistogram(); Unexpected exception.");
     }
@@ -156,15 +157,17 @@ void ZPA_Image<T>::Initialize(T* buffer, int width, int height, int stride, int 
     attributes_ =
         ImageAttributes(attributes_.type, buffer, width, height, stride, bitsperpixel, pixelspacing);
     allocated_ = -1;
-    owner_ = owner;
-    if (buffer) return;
+    room_ = ElementsSpanned(width, height, stride);
+    if (buffer) {
+        owner_ = owner;
+        return;
+    }
 
     std::int64_t const count = Product(height, stride);
-    std::uint64_t const elements = ElementsSpanned(width, height, stride);
     // What cannot be counted in 32 bits is not allocated.
-    T* const block = Allocate<T>(this, elements, count > INT32_MAX ? -1 : static_cast<long>(count),
+    T* const block = Allocate<T>(this, room_, count > INT32_MAX ? -1 : static_cast<long>(count),
                                  "ZPA_Image<T>::Initialize memory allocation failure");
-    if (clear) std::memset(block, 0, static_cast<std::size_t>(elements) * sizeof(T));
+    if (clear) std::memset(block, 0, static_cast<std::size_t>(room_) * sizeof(T));
     attributes_.buffer = block;
     allocated_ = static_cast<std::int32_t>(count);
     owner_ = true;
@@ -214,8 +217,10 @@ template <typename T> void ZPA_Buffer<T>::Initialize(T* buffer, int size, bool o
     if (size < 1) throw std::runtime_error("ZPA_Image<T>::Initialize()  : Invalid buffer size.");
     attributes_ = BufferAttributes(attributes_.type, buffer, size);
     allocated_ = -1;
-    owner_ = owner;
-    if (buffer) return;
+    if (buffer) {
+        owner_ = owner;
+        return;
+    }
 
     auto const elements = static_cast<std::uint64_t>(size);
     attributes_.buffer =

@@ -118,10 +118,10 @@ void RegisterSource(EventLog& events) {
     if (key && !existed) {
         constexpr std::uint32_t kPathLimit = 0x1FFF;
         constexpr std::uint32_t kAllTypes = 7;
-        std::wstring const path = events.ModulePath(kPathLimit);
-        // The size counts characters where bytes are meant, which stores half the path; readers are used to
-        // it.
-        events.SetText(key, L"EventMessageFile", path.c_str(), static_cast<std::uint32_t>(path.size() + 1));
+        wchar_t path[kPathLimit + 1];
+        std::uint32_t const size = events.ModulePath(path, kPathLimit);
+        // Characters where bytes are meant, which stores half the path; readers are used to it.
+        events.SetText(key, L"EventMessageFile", path, size + 1);
         events.SetNumber(key, kTypesSupported, kAllTypes);
     }
     if (!state.source) state.source = events.RegisterSource(L"ZPA");
@@ -136,7 +136,7 @@ struct Event {
 constexpr Event kError{EventType::Error, 1, 0xC0010002};
 constexpr Event kWarning{EventType::Warning, 2, 0x40010001};
 
-void WriteEvent(Event const& event, int category, wchar_t const* message) noexcept try {
+void WriteEvent(Event const& event, int category, wchar_t const* message) {
     std::uint32_t types = 3;
     state.events->ReadValue(kFilterKey, kTypesSupported, types);
     AutoCriticalSection const guard(&state.lock);
@@ -144,8 +144,6 @@ void WriteEvent(Event const& event, int category, wchar_t const* message) noexce
     if ((types & event.filterBit) != 0 && state.source)
         state.events->Report(state.source, event.type, static_cast<std::uint16_t>(category), event.id,
                              message);
-} catch (...) {
-    // Out of memory: the text is lost, as with any failure of the event log.
 }
 
 // Errors and warnings: to the callback, else to the event log.

@@ -2,12 +2,14 @@
 #include <Basics/RawFile.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <string>
 #include <utility>
 
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
+#include "Source/Internal/RawBlock.h"
 #include "Source/Internal/Trace.h"
 #include "Source/Platform/File.h"
 
@@ -16,25 +18,6 @@ namespace {
 
 // True if the file holds all that was written: what is buffered may fail as late as here.
 bool Close(File file) { return std::fclose(file.release()) == 0; }
-
-// dumpRaw for blocks of any size.
-SOLVANE_RETURNCODE WriteBlock(void const* data, std::uint64_t bytes, char const* path) {
-    return Guarded(L"ZPA::dumpRaw", [&] {
-        if (!data || !path) return Fail(SOLVANE_NULL_POINTER, L"dumpRaw() - NULL input pointer.");
-        if (bytes > PTRDIFF_MAX) return Fail(SOLVANE_OUT_OF_RANGE, L"dumpRaw() - Invalid number of bytes.");
-
-        File file(std::fopen(path, "wb"));
-        if (!file) {
-            Trace(eLogFunction, L"dumpRaw() - Cannot open %S for writing.", path);
-            return SOLVANE_UNEXPECTED;
-        }
-        auto const size = static_cast<std::size_t>(bytes);
-        bool const written = std::fwrite(data, 1, size, file.get()) == size;
-        if (!Close(std::move(file)) || !written)
-            return Fail(SOLVANE_UNEXPECTED, L"dumpRaw() - Error in writing %S.", path);
-        return SOLVANE_OK;
-    });
-}
 
 // What tells images from masks when they are dumped.
 struct DumpKind {
@@ -76,21 +59,39 @@ SOLVANE_RETURNCODE Dump(DumpKind const& kind, void const* data, int width, int h
 // In the current rounding mode, which is to nearest even unless the caller has changed it. 0 for what has no
 // place in a byte, as not-a-number.
 unsigned char RoundToByte(double value) {
-    double const rounded = std::nearbyint(value);
-    return rounded >= 0 && rounded <= 255 ? static_cast<unsigned char>(rounded) : std::uint8_t{0};
+    // Beside this number a double has no room for a fraction: quicker than a call, where doubles are no
+    // wider.
+    constexpr double kShift = 6755399441055744.0;
+    double const rounded = FLT_EVAL_METHOD == 0 ? (value + kShift) - kShift : std::nearbyint(value);
+    return rounded >= 0 && rounded <= 255 ? static_cast<unsigned char>(static_cast<int>(rounded))
+                                          : std::uint8_t{0};
+}
+
+// Several at a time, since each comparison waits for the one before it. A comparison with not-a-number keeps
+// what there was.
+template <typename T> std::pair<T, T> MinimumAndMaximum(T const* pixels, std::int64_t count) {
+    constexpr int kLanes = 8;
+    T low[kLanes], high[kLanes];
+    std::fill_n(low, kLanes, pixels[0]);
+    std::fill_n(high, kLanes, pixels[0]);
+    auto const take = [&](T pixel, int lane) {
+        low[lane] = pixel < low[lane] ? pixel : low[lane];
+        high[lane] = pixel > high[lane] ? pixel : high[lane];
+    };
+    std::int64_t i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        for (int lane = 0; lane < kLanes; ++lane) take(pixels[i + lane], lane);
+    for (; i < count; ++i) take(pixels[i], 0);
+    return {*std::min_element(low, low + kLanes), *std::max_element(high, high + kLanes)};
 }
 
 // Stretches the range of the pixels over that of a byte.
 template <typename T> class GreyScale {
 public:
-    GreyScale(T const* pixels, std::int64_t count) : minimum_(static_cast<double>(pixels[0])), scale_(0) {
-        double maximum = minimum_;
-        for (std::int64_t i = 1; i < count; ++i) {
-            auto const pixel = static_cast<double>(pixels[i]);
-            // In this order a comparison with not-a-number keeps what there was.
-            minimum_ = pixel < minimum_ ? pixel : minimum_;
-            maximum = pixel > maximum ? pixel : maximum;
-        }
+    GreyScale(T const* pixels, std::int64_t count) : scale_(0) {
+        auto const range = MinimumAndMaximum(pixels, count);
+        minimum_ = static_cast<double>(range.first);
+        auto const maximum = static_cast<double>(range.second);
         if (maximum != minimum_) scale_ = 255 / (maximum - minimum_);
     }
     unsigned char operator()(T pixel) const {
@@ -115,6 +116,24 @@ template <typename T> bool WritePixels(T const* pixels, std::int64_t count, std:
 }
 
 }  // namespace
+
+SOLVANE_RETURNCODE WriteBlock(void const* data, std::uint64_t bytes, char const* path) {
+    return Guarded(L"ZPA::dumpRaw", [&] {
+        if (!data || !path) return Fail(SOLVANE_NULL_POINTER, L"dumpRaw() - NULL input pointer.");
+        if (bytes > PTRDIFF_MAX) return Fail(SOLVANE_OUT_OF_RANGE, L"dumpRaw() - Invalid number of bytes.");
+
+        File file(std::fopen(path, "wb"));
+        if (!file) {
+            Trace(eLogFunction, L"dumpRaw() - Cannot open %S for writing.", path);
+            return SOLVANE_UNEXPECTED;
+        }
+        auto const size = static_cast<std::size_t>(bytes);
+        bool const written = std::fwrite(data, 1, size, file.get()) == size;
+        if (!Close(std::move(file)) || !written)
+            return Fail(SOLVANE_UNEXPECTED, L"dumpRaw() - Error in writing %S.", path);
+        return SOLVANE_OK;
+    });
+}
 
 SOLVANE_RETURNCODE dumpRaw(void const* data, int bytes, char const* path) {
     return WriteBlock(data, bytes < 0 ? kNoSize : static_cast<std::uint64_t>(bytes), path);

@@ -19,14 +19,20 @@ namespace Detail {
 
 long Increment(long* count) { return InterlockedIncrease(count); }
 long Decrement(long* count) { return InterlockedDecrease(count); }
+long Read(long const* count) { return InterlockedRead(count); }
 bool MemoryTraced() { return ZPA_Logging::IsDebugEnabled(eLogMemory); }
 
-void TraceCounter(wchar_t const* format, std::type_info const& type, long id, void const* object) {
+// The name may find no memory, and a callback may throw; neither may disturb a change of owner.
+void TraceCounter(wchar_t const* format, std::type_info const& type, long id, void const* object) noexcept
+    try {
     Trace(eLogMemory, format, TypeName(type).c_str(), id, Address(object));
+} catch (...) {
 }
 
-void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object, long count) {
+void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object,
+                long count) noexcept try {
     Trace(eLogMemory, format, TypeName(type).c_str(), id, Address(object), count);
+} catch (...) {
 }
 
 }  // namespace Detail

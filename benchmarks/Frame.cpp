@@ -19,11 +19,8 @@ struct Scene {
 Contenders Call() {
     auto const scene = std::make_shared<Scene>();
     Contenders contenders{[scene, destination = scene->ours.Attributes()]() mutable {
-                              Require(CopyPixels(scene->source.Attributes(), &destination));
-                          },
-                          "",
-                          {},
-                          {}};
+        Require(CopyPixels(scene->source.Attributes(), &destination));
+    }};
 #ifdef ZPA_PEER_OPENCV
     contenders.peer = "OpenCV copyTo";
     contenders.theirs = [source = MatView(scene->source), destination = MatView(scene->theirs)]() mutable {
@@ -46,8 +43,7 @@ Contenders CallThatAllocates() {
                 // Volatile, or the pair is left out.
                 unsigned short* volatile pixels = new unsigned short[1];
                 delete[] pixels;
-            },
-            {}};
+            }};
 }
 
 Registration const rows([] {

@@ -10,6 +10,9 @@
 #include <cstring>
 #include <type_traits>
 
+// Without vectors the plain loop does it all: emulated conversions saturate where real ones give infinity.
+#define ZPA_PLAIN_LOOPS (HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128)
+
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
@@ -33,40 +36,39 @@ template <typename From, typename To> To Converted(From value) {
         return static_cast<To>(value);
 }
 
-#if HWY_TARGET != HWY_SCALAR
+#if !ZPA_PLAIN_LOOPS
 
 // Cuts to 32-bit integers; kNoInteger where there is none. On x86 that is the processor's own answer, which
 // portable conversions go to some length to avoid.
-template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut(D d, hn::Vec<D> value) {
+template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Cut([[maybe_unused]] D d, hn::Vec<D> value) {
     hn::Rebind<std::int32_t, D> const integers;
-    using Integers = hn::Vec<decltype(integers)>;
+    using Integers [[maybe_unused]] = hn::Vec<decltype(integers)>;
     constexpr bool kDoubles = sizeof(hn::TFromD<D>) == 8;
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-    (void)d;
+#if HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
     if constexpr (kDoubles)
         return Integers{_mm512_cvttpd_epi32(value.raw)};
     else
         return Integers{_mm512_cvttps_epi32(value.raw)};
 #elif HWY_TARGET == HWY_AVX2
-    (void)d;
     if constexpr (kDoubles)
         return Integers{_mm256_cvttpd_epi32(value.raw)};
     else
         return Integers{_mm256_cvttps_epi32(value.raw)};
-#elif HWY_ARCH_X86
-    (void)d;
+#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
     if constexpr (kDoubles)
         return Integers{_mm_cvttpd_epi32(value.raw)};
     else
         return Integers{_mm_cvttps_epi32(value.raw)};
 #else
     using T = hn::TFromD<D>;
-    auto const fits = hn::Lt(value, hn::Set(d, static_cast<T>(kPast32Bits)));
+    // What does not fit becomes the least integer before it is converted.
+    auto const least = hn::Set(d, static_cast<T>(-kPast32Bits));
+    auto const fits = hn::And(hn::Lt(value, hn::Set(d, static_cast<T>(kPast32Bits))), hn::Gt(value, least));
+    auto const fitting = hn::IfThenElse(fits, value, least);
     if constexpr (kDoubles)
-        return hn::DemoteTo(integers, hn::IfThenElse(fits, value, hn::Set(d, -kPast32Bits)));
+        return hn::DemoteTo(integers, fitting);
     else
-        return hn::IfThenElse(hn::RebindMask(integers, fits), hn::ConvertTo(integers, value),
-                              hn::Set(integers, kNoInteger));
+        return hn::ConvertTo(integers, fitting);
 #endif
 }
 
@@ -80,7 +82,8 @@ template <class D> hn::Vec<hn::Rebind<std::int32_t, D>> Round(D d, hn::Vec<D> va
 }
 
 // A vector of From becomes one of as many To. `d` is the tag of the wider type.
-template <typename From, typename To, class D> auto Convert(D d, hn::Vec<hn::Rebind<From, D>> value) {
+template <typename From, typename To, class D>
+auto Convert([[maybe_unused]] D d, hn::Vec<hn::Rebind<From, D>> value) {
     hn::Rebind<To, D> const to;
     hn::Rebind<std::int32_t, D> const integers;
     if constexpr (std::is_integral_v<From> && std::is_integral_v<To>) {
@@ -123,7 +126,7 @@ template <typename From, typename To, class D> auto Convert(D d, hn::Vec<hn::Reb
 
 template <typename From, typename To> void Run(From const* source, To* destination, std::ptrdiff_t count) {
     std::ptrdiff_t x = 0;
-#if HWY_TARGET != HWY_SCALAR
+#if !ZPA_PLAIN_LOOPS
     using Wider = std::conditional_t<(sizeof(To) > sizeof(From)), To, From>;
     hn::ScalableTag<Wider> const d;
     hn::Rebind<From, decltype(d)> const from;

@@ -29,8 +29,9 @@ void FillSelected(double* row, std::uint8_t const* mask, std::ptrdiff_t count, d
 void ClearUnmasked(std::uint8_t* row, std::uint8_t const* mask, std::ptrdiff_t count);
 void ClearUnmasked(std::uint16_t* row, std::uint8_t const* mask, std::ptrdiff_t count);
 
-// True if an element of `b` is larger or smaller than that of `a` by `tolerance`, which is above 0, or more.
-// A difference that is not a number is neither; that of floating-point elements is made in their type.
+// True if an element of `b` is larger or smaller than that of `a` by `tolerance` or more; for a tolerance of
+// 0 or less that is every number. A difference that is not a number is neither; that of floating-point
+// elements is made in their type.
 bool AnyDiffer(std::uint8_t const* a, std::uint8_t const* b, std::ptrdiff_t count, int tolerance);
 bool AnyDiffer(std::int16_t const* a, std::int16_t const* b, std::ptrdiff_t count, int tolerance);
 bool AnyDiffer(std::uint16_t const* a, std::uint16_t const* b, std::ptrdiff_t count, int tolerance);

@@ -13,7 +13,7 @@ using namespace Testing;
 
 template <typename T> class SetPixelsOf : public testing::Test {};
 using Served = testing::Types<unsigned char, unsigned short, float, double>;
-TYPED_TEST_SUITE(SetPixelsOf, Served);
+TYPED_TEST_SUITE(SetPixelsOf, Served, );
 
 TYPED_TEST(SetPixelsOf, WhatTheModelSetsOnEverySimdTarget) {
     for (Shape const shape : kShapes) {

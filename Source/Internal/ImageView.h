@@ -20,9 +20,8 @@ public:
     std::ptrdiff_t Width() const { return width_; }
     std::ptrdiff_t Height() const { return height_; }
     std::ptrdiff_t Stride() const { return stride_; }  // in elements
-    T* Row(std::ptrdiff_t y) const {
-        return first_ + y * stride_;
-    }  // in ptrdiff_t: a large image must not overflow
+    // In ptrdiff_t: a large image must not overflow.
+    T* Row(std::ptrdiff_t y) const { return first_ + y * stride_; }
     bool IsContiguous() const { return stride_ == width_ || height_ == 1; }
 
 private:

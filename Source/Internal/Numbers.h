@@ -9,6 +9,13 @@
 
 namespace ZPA {
 
+// Whether ParseInt finds a digit.
+inline bool BeginsWithNumber(std::string_view text) {
+    std::size_t at = text.find_first_not_of(" \t\n\v\f\r");
+    if (at != text.npos && (text[at] == '-' || text[at] == '+')) ++at;
+    return at < text.size() && text[at] >= '0' && text[at] <= '9';
+}
+
 // The number that a text begins with: white space, a sign, decimal digits, each of which may be missing.
 // What follows is ignored, no digits are 0, and what an int cannot hold becomes its nearest limit.
 inline int ParseInt(std::string_view text) {

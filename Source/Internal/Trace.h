@@ -19,6 +19,13 @@ template <typename... Values> void Trace(LogCategory category, Message message, 
                           values...);
 }
 
+// The same for destructors, and for the middle of a change of owner: what the callback throws is dropped.
+template <typename... Values>
+void TraceSafely(LogCategory category, Message message, Values... values) noexcept try {
+    Trace(category, message, values...);
+} catch (...) {
+}
+
 }  // namespace ZPA
 
 #endif

@@ -8,6 +8,9 @@ namespace ZPA {
 long InterlockedIncrease(long* counter);
 long InterlockedDecrease(long* counter);
 
+// The present value.
+long InterlockedRead(long const* counter);
+
 }  // namespace ZPA
 
 #endif

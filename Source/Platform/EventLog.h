@@ -3,14 +3,14 @@
 #define ZPA_SOURCE_PLATFORM_EVENTLOG_H
 
 #include <cstdint>
-#include <string>
 
 namespace ZPA {
 
 enum class EventType : std::uint16_t { Error = 1, Warning = 2 };
 
 // Keys are named below the machine's root, parts separated by "\". Failures are answered, never thrown: a
-// message that cannot be delivered is lost, and its sender goes on.
+// message that cannot be delivered is lost, and its sender goes on. Nothing is allocated, since the message
+// may be that memory has run out.
 class EventLog {
 public:
     using Key = void*;     // null: no key
@@ -26,8 +26,8 @@ public:
     virtual void SetText(Key key, wchar_t const* name, wchar_t const* text, std::uint32_t bytes) = 0;
     virtual void SetNumber(Key key, wchar_t const* name, std::uint32_t value) = 0;
     virtual void CloseKey(Key key) = 0;
-    // The path of this library, of at most `limit` characters.
-    virtual std::wstring ModulePath(std::uint32_t limit) = 0;
+    // Writes the path of this library, of at most `limit` characters and a closing zero; gives its length.
+    virtual std::uint32_t ModulePath(wchar_t* path, std::uint32_t limit) = 0;
     virtual Source RegisterSource(wchar_t const* name) = 0;
     virtual void Report(Source source, EventType type, std::uint16_t category, std::uint32_t eventId,
                         wchar_t const* text) = 0;

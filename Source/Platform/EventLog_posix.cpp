@@ -1,121 +1,160 @@
 // The event log as syslog lines, and the registry as folders with a file a value.
-#include "Source/Platform/EventLog.h"
-
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <syslog.h>
+#include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <climits>
 #include <cstdlib>
-#include <memory>
+#include <cstring>
+
+#include "Source/Platform/PosixEventLog.h"
 
 namespace ZPA {
 namespace {
 
 // As UTF-8, whatever the locale; what is no character becomes a question mark.
-std::string Narrow(std::wstring const& text) {
-    std::string bytes;
-    for (wchar_t const character : text) {
-        auto const code = static_cast<std::uint32_t>(character);
+template <typename Text> void AddWide(Text& bytes, wchar_t const* text, std::size_t limit = SIZE_MAX) {
+    for (; limit > 0 && *text; --limit, ++text) {
+        auto const code = static_cast<std::uint32_t>(*text);
         auto const continuation = [&](int shift) {
-            bytes += static_cast<char>(0x80 | ((code >> shift) & 0x3F));
+            bytes.Add(static_cast<char>(0x80 | ((code >> shift) & 0x3F)));
         };
         if (code < 0x80) {
-            bytes += static_cast<char>(code);
+            bytes.Add(static_cast<char>(code));
         } else if (code < 0x800) {
-            bytes += static_cast<char>(0xC0 | (code >> 6));
+            bytes.Add(static_cast<char>(0xC0 | (code >> 6)));
             continuation(0);
         } else if ((code >= 0xD800 && code < 0xE000) || code > 0x10FFFF) {
-            bytes += '?';
+            bytes.Add('?');
         } else if (code < 0x10000) {
-            bytes += static_cast<char>(0xE0 | (code >> 12));
+            bytes.Add(static_cast<char>(0xE0 | (code >> 12)));
             continuation(6);
             continuation(0);
         } else {
-            bytes += static_cast<char>(0xF0 | (code >> 18));
+            bytes.Add(static_cast<char>(0xF0 | (code >> 18)));
             continuation(12);
             continuation(6);
             continuation(0);
         }
     }
-    return bytes;
 }
 
-std::string FolderOf(wchar_t const* key) {
-    std::string path = Narrow(key);
-    for (char& character : path)
-        if (character == '\\') character = '/';
-    return ZPA_REGISTRY_ROOT "/" + path;
+using Path = FixedText<PATH_MAX>;
+
+Path FolderOf(char const* root, wchar_t const* key) {
+    Path path;
+    for (; *root; ++root) path.Add(*root);
+    path.Add('/');
+    AddWide(path, key);
+    for (char* byte = path.Bytes(); *byte; ++byte)
+        if (*byte == '\\') *byte = '/';
+    return path;
 }
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
+void MakeFolders(char* path) {
+    for (char* at = std::strchr(path + 1, '/'); at; at = std::strchr(at + 1, '/')) {
+        *at = 0;
+        mkdir(path, 0755);
+        *at = '/';
+    }
+}
 
-class PosixEventLog final : public EventLog {
+// A file of the registry, open or not.
+class Descriptor {
 public:
-    void ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) override {
-        File const file(std::fopen((FolderOf(key) + "/" + Narrow(name)).c_str(), "re"));
-        char text[16] = {};
-        if (!file || !std::fgets(text, sizeof text, file.get())) return;
-        char* end = text;
-        unsigned long const number = std::strtoul(text, &end, 10);
-        if (end != text) value = static_cast<std::uint32_t>(number);
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    ~Descriptor() {
+        if (descriptor_ >= 0) close(descriptor_);
     }
-
-    Key CreateKey(wchar_t const* key, bool& existed) override {
-        auto folder = std::make_unique<std::string>(FolderOf(key));
-        struct stat status = {};
-        existed = stat(folder->c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-        if (existed) return folder.release();
-        for (std::size_t slash = folder->find('/', 1); slash != std::string::npos;
-             slash = folder->find('/', slash + 1))
-            mkdir(folder->substr(0, slash).c_str(), 0755);
-        return mkdir(folder->c_str(), 0755) == 0 ? folder.release() : nullptr;
-    }
-
-    void SetText(Key key, wchar_t const* name, wchar_t const* text, std::uint32_t bytes) override {
-        Write(key, name, Narrow(std::wstring(text).substr(0, bytes / 2)));
-    }
-
-    void SetNumber(Key key, wchar_t const* name, std::uint32_t value) override {
-        Write(key, name, std::to_string(value));
-    }
-
-    void CloseKey(Key key) override { delete static_cast<std::string*>(key); }
-
-    std::wstring ModulePath(std::uint32_t limit) override {
-        Dl_info library = {};
-        if (dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) == 0 || !library.dli_fname)
-            return {};
-        std::wstring path;
-        for (char const* byte = library.dli_fname; *byte && path.size() < limit; ++byte)
-            path += static_cast<wchar_t>(static_cast<unsigned char>(*byte));
-        return path;
-    }
-
-    Source RegisterSource(wchar_t const* name) override { return new std::string(Narrow(name)); }
-
-    void Report(Source source, EventType type, std::uint16_t, std::uint32_t, wchar_t const* text) override {
-        // Without openlog, whose settings belong to the host program.
-        syslog(type == EventType::Error ? LOG_ERR : LOG_WARNING, "%s: %s",
-               static_cast<std::string*>(source)->c_str(), Narrow(text).c_str());
-    }
-
-    void Deregister(Source source) override { delete static_cast<std::string*>(source); }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    int Number() const { return descriptor_; }
 
 private:
-    static void Write(Key key, wchar_t const* name, std::string const& content) {
-        File const file(std::fopen((*static_cast<std::string*>(key) + "/" + Narrow(name)).c_str(), "we"));
-        if (file) std::fwrite(content.data(), 1, content.size(), file.get());
-    }
+    int descriptor_;
 };
+
+// A key is its folder's descriptor plus one: no folder, no key.
+EventLog::Key KeyOf(int folder) { return reinterpret_cast<void*>(static_cast<std::intptr_t>(folder) + 1); }
+int FolderOf(EventLog::Key key) { return static_cast<int>(reinterpret_cast<std::intptr_t>(key) - 1); }
+
+void Write(EventLog::Key key, wchar_t const* name, char const* content) {
+    FixedText<NAME_MAX> file;
+    AddWide(file, name);
+    Descriptor const value(
+        openat(FolderOf(key), file.Bytes(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    [[maybe_unused]] auto const written = write(value.Number(), content, std::strlen(content));
+}
 
 }  // namespace
 
+void PosixEventLog::ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) {
+    Path path = FolderOf(root_, key);
+    path.Add('/');
+    AddWide(path, name);
+    Descriptor const file(open(path.Bytes(), O_RDONLY | O_CLOEXEC));
+    char text[16] = {};
+    if (file.Number() < 0 || read(file.Number(), text, sizeof text - 1) <= 0) return;
+    char* end = text;
+    unsigned long const number = std::strtoul(text, &end, 10);
+    if (end != text) value = static_cast<std::uint32_t>(number);
+}
+
+EventLog::Key PosixEventLog::CreateKey(wchar_t const* key, bool& existed) {
+    Path path = FolderOf(root_, key);
+    MakeFolders(path.Bytes());
+    existed = mkdir(path.Bytes(), 0755) != 0 && errno == EEXIST;
+    return KeyOf(open(path.Bytes(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+void PosixEventLog::SetText(Key key, wchar_t const* name, wchar_t const* text, std::uint32_t bytes) {
+    Path content;
+    AddWide(content, text, bytes / 2);
+    Write(key, name, content.Bytes());
+}
+
+void PosixEventLog::SetNumber(Key key, wchar_t const* name, std::uint32_t value) {
+    char digits[] = "4294967295";
+    char* first = digits + sizeof digits - 1;
+    do *--first = static_cast<char>('0' + value % 10);
+    while (value /= 10);
+    Write(key, name, first);
+}
+
+void PosixEventLog::CloseKey(Key key) { close(FolderOf(key)); }
+
+std::uint32_t PosixEventLog::ModulePath(wchar_t* path, std::uint32_t limit) {
+    Dl_info library = {};
+    std::uint32_t size = 0;
+    if (dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) != 0 && library.dli_fname)
+        for (; size < limit && library.dli_fname[size]; ++size)
+            path[size] = static_cast<unsigned char>(library.dli_fname[size]);
+    path[size] = 0;
+    return size;
+}
+
+EventLog::Source PosixEventLog::RegisterSource(wchar_t const* name) {
+    source_ = {};
+    AddWide(source_, name);
+    return &source_;
+}
+
+void PosixEventLog::Report(Source source, EventType type, std::uint16_t, std::uint32_t, wchar_t const* text) {
+    constexpr std::size_t kLongestLine = 4 * 512;
+    FixedText<kLongestLine> line;
+    AddWide(line, text);
+    // Without openlog, whose settings belong to the host program.
+    syslog(type == EventType::Error ? LOG_ERR : LOG_WARNING, "%s: %s",
+           static_cast<FixedText<64> const*>(source)->Bytes(), line.Bytes());
+}
+
+void PosixEventLog::Deregister(Source) {}
+
 EventLog& SystemEventLog() {
-    static auto& log = *new PosixEventLog;
+    static auto& log = *new PosixEventLog(ZPA_REGISTRY_ROOT);
     return log;
 }
 

@@ -9,8 +9,6 @@
 #endif
 #include <windows.h>
 
-#include <vector>
-
 namespace {
 HMODULE theModule = nullptr;
 }
@@ -61,9 +59,10 @@ public:
 
     void CloseKey(Key key) override { RegCloseKey(static_cast<HKEY>(key)); }
 
-    std::wstring ModulePath(std::uint32_t limit) override {
-        std::vector<wchar_t> path(std::size_t{limit} + 1);
-        return {path.data(), GetModuleFileNameW(theModule, path.data(), limit)};
+    std::uint32_t ModulePath(wchar_t* path, std::uint32_t limit) override {
+        std::uint32_t const size = GetModuleFileNameW(theModule, path, limit);
+        path[size] = 0;  // a path that is cut comes without
+        return size;
     }
 
     Source RegisterSource(wchar_t const* name) override { return RegisterEventSourceW(nullptr, name); }

@@ -9,19 +9,19 @@
 
 namespace ZPA::Benchmarks {
 
-// Bytes that a pixel costs in memory at least. What is copied or converted is read and written; zeros where
-// memory is not what matters.
+// Bytes that a pixel moves at least: what is copied or converted is read once and written once. Zeros where
+// memory is not what limits, as in an image of one pixel.
 struct Traffic {
     double read;
     double written;
 };
 
-// Who is timed. All share the scene that they capture, which goes when they go.
+// Who is timed: ours alone, or beside a peer. All share the scene that they capture, which goes when they go.
 struct Contenders {
     std::function<void()> ours;
-    std::string peer;                  // "OpenCV convertTo"; empty without one
-    std::function<void()> theirs;      // with a peer
-    std::function<bool()> sameAnswer;  // asked once both have run; empty: not compared
+    std::string peer{};                  // "OpenCV convertTo"
+    std::function<void()> theirs{};      // empty without a peer
+    std::function<bool()> sameAnswer{};  // asked once both have run once; empty: not compared
 };
 
 // An operation on one element type and size.

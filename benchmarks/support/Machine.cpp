@@ -32,8 +32,8 @@ std::string Processor() {
 }
 
 std::string Compiler() {
-#if defined(__clang__)
-    return "Clang " __clang_version__;
+#ifdef __clang__
+    return __VERSION__;  // begins with the compiler's name
 #else
     return "GCC " __VERSION__;
 #endif

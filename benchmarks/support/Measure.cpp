@@ -1,7 +1,8 @@
 #include "support/Measure.h"
 
+#include <algorithm>
 #include <chrono>
-#include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include "support/Memory.h"
@@ -33,8 +34,8 @@ long CallsPerBatch(Call const& call) {
 // Seconds a call, by contender and round. Rounds alternate in their order, so that none always follows the
 // same one.
 std::vector<std::vector<double>> Interleaved(std::vector<Call> const& contenders, double seconds) {
-    std::vector<long> calls;
-    for (Call const& each : contenders) calls.push_back(CallsPerBatch(each));
+    std::vector<long> calls(contenders.size());
+    std::transform(contenders.begin(), contenders.end(), calls.begin(), CallsPerBatch);
     std::vector<std::vector<double>> timings(contenders.size());
     double const end = Now() + seconds;
     for (std::size_t round = 0; round < kLeastRounds || Now() < end; ++round)
@@ -52,7 +53,7 @@ Measurement Measure(Row const& row, double seconds) {
     bool const paired = static_cast<bool>(contenders.theirs);
     contenders.ours();
     if (paired) contenders.theirs();
-    if (contenders.sameAnswer && !contenders.sameAnswer()) throw RowFailed{"the answers differ"};
+    if (contenders.sameAnswer && !contenders.sameAnswer()) throw std::runtime_error("the answers differ");
 
     std::vector<Call> calls{contenders.ours};
     if (paired) calls.push_back(contenders.theirs);

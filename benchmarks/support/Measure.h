@@ -10,11 +10,6 @@
 
 namespace ZPA::Benchmarks {
 
-// Why a row has no figures.
-struct RowFailed {
-    std::string reason;
-};
-
 struct Measurement {
     std::string peer;                   // empty without one
     double seconds;                     // a call of ours, the median
@@ -23,7 +18,7 @@ struct Measurement {
     std::optional<double> share;        // the time of moving as many bytes, divided by ours
 };
 
-// Takes about `seconds`, longer if a call does. Throws RowFailed, and what the row throws.
+// Takes about `seconds`, longer if a call does. Throws what the row throws, and where the answers differ.
 Measurement Measure(Row const& row, double seconds);
 
 }  // namespace ZPA::Benchmarks

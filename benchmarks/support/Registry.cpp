@@ -1,6 +1,6 @@
 #include "support/Registry.h"
 
-#include "support/Measure.h"
+#include <stdexcept>
 
 namespace ZPA::Benchmarks {
 
@@ -16,7 +16,7 @@ std::string SizeOf(Row const& row) { return std::to_string(row.width) + "x" + st
 std::string NameOf(Row const& row) { return row.operation + " " + row.type + " " + SizeOf(row); }
 
 void Require(SOLVANE_RETURNCODE code) {
-    if (code != SOLVANE_OK) throw RowFailed{"refused with code " + std::to_string(code)};
+    if (code != SOLVANE_OK) throw std::runtime_error("refused with code " + std::to_string(code));
 }
 
 }  // namespace ZPA::Benchmarks

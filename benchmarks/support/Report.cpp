@@ -65,7 +65,7 @@ void Table::Head(Machine const& machine) {
             "of\n"
             "          what was timed side by side\n"
             "memory    share of the bandwidth: the time of plainly copying (or reading, where nothing is\n"
-            "          written) as many bytes, divided by our time; 100 % is as fast as memory allows\n\n";
+            "          written) as many bytes, divided by our time; 100 % is the speed of memcpy\n\n";
     Cells("operation", "type", "size", "ns/pixel", "ratio", "quartiles", "memory", "peer");
 }
 

@@ -31,11 +31,10 @@ namespace ZPA {
 /// @retval 0    Done.
 /// @retval 2    A pointer is null: "Null pointer(s)."
 /// @retval 4    Neither word begins the id: "Unknown factoryid (`id`)."
-/// @retval 4    Width, height or size is 0 or missing: "image factoryid (`id`) is invalid." or "buffer
-/// factoryid
-///              (`id`) is invalid."
-/// @retval 4    "Unknown image datatype in factoryid (`id`)." or "Unknown buffer datatype in factoryid
-/// (`id`)."
+/// @retval 4    Width, height or size is 0 or missing: "image factoryid (`id`) is invalid." or
+///              "buffer factoryid (`id`) is invalid."
+/// @retval 4    Another type: "Unknown image datatype in factoryid (`id`)." or
+///              "Unknown buffer datatype in factoryid (`id`)."
 /// @retval 999  A negative number where ZPA_Image or ZPA_Buffer takes none, a stride below the width of more
 ///              than 8 bits, or no memory: "Unexpected exception."
 ZPA_C_API SOLVANE_RETURNCODE ZPA_CreateEx(char const* factoryId, ISolvane_Object** object);

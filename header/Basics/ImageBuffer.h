@@ -13,7 +13,7 @@
 
 namespace ZPA {
 
-template <typename T> class IZPA_Buffer;
+template <typename T> class ZPA_TEMPLATE_API IZPA_Buffer;
 
 /// An image of elements of type T, seen through its interface.
 template <typename T> class ZPA_TEMPLATE_API IZPA_Image : public ISolvane_Object {
@@ -21,12 +21,10 @@ public:
     /// Gives the image new pixels or a new shape.
     ///
     /// - A null `buffer`, where the image owns pixels and `height * stride` stays the same, keeps the memory
-    /// and takes
-    ///   the new shape, with `clear` zeroing it. The stride must be given here.
+    ///   and takes the new shape, with `clear` zeroing it. The stride must be given here.
     /// - The present `buffer` goes to ZPA_Image::ChangeImageAttributes; the owner stays as it was.
     /// - Else owned pixels are freed. A null `buffer` allocates `height * stride` elements that the image
-    /// owns,
-    ///   whatever `owner` says, zeroed if `clear` is set; any other is taken as it is and never zeroed.
+    ///   owns, whatever `owner` says, zeroed if `clear` is set; any other is taken as it is and never zeroed.
     ///
     /// @param buffer        Null, or pixels.
     /// @param width         Pixels in a row, above 0.
@@ -39,11 +37,9 @@ public:
     /// @param clear         Whether to zero memory that the image allocates or keeps.
     ///
     /// @throws std::runtime_error "ZPA_Image<T>::Initialize()  : Invalid buffer dimensions"; owned pixels are
-    /// freed
-    ///         unless the memory would have been kept, and the shape stays.
+    ///         freed unless the memory would have been kept, and the shape stays.
     /// @throws std::runtime_error "ZPA_Image<T>::Initialize memory allocation failure"; the shape is the new
-    /// one, and
-    ///         the pixel pointer null.
+    ///         one, and the pixel pointer null.
     virtual void SetImage(T* buffer, int width, int height, int stride, int bitsperpixel, int pixelspacing,
                           bool owner, bool clear) = 0;
     /// The same with the fields of a descriptor, whose type is ignored.
@@ -57,11 +53,10 @@ public:
     virtual bool IsOwner() const = 0;         ///< Whether the image frees its pixels.
     /// Counts the pixels by their absolute value, in 2 to the power of `bitsperpixel` bins (its low five
     /// bits). A floating-point pixel counts by its whole part. A pixel without a bin is not counted: one that
-    /// is too large, the most negative integer, or not a number.
+    /// is too large or not a number.
     ///
     /// @return the counts; empty or without elements if they cannot be allocated, or `bitsperpixel` is 31,
-    /// which is
-    ///         logged as "GetHistogram(); Unexpected exception.".
+    ///         which is logged as "GetHistogram(); Unexpected exception.".
     virtual ZPA_Ptr<IZPA_Buffer<ULong32>> GetHistogram() const = 0;
     /// The descriptor, for the image operations. Valid as long as the image keeps its pixels.
     virtual operator ImageAttributes() const = 0;
@@ -103,8 +98,8 @@ public:
     /// Takes a new shape for the same pixels. For memory that the image did not allocate it is taken on
     /// trust.
     /// @throws std::runtime_error "ZPA::ZPA_Image.ChangeImageAttributes() : Invalid buffer attributes." if
-    /// there are
-    ///         no pixels, or `height * stride` passes what the image allocated.
+    ///         there are no pixels, or `height * stride` or the end of the last row passes what the image
+    ///         allocated.
     virtual void ChangeImageAttributes(int width, int height, int stride, int bitsperpixel, int pixelspacing);
 
 protected:
@@ -120,6 +115,7 @@ private:
     ImageAttributes attributes_;
     bool owner_;
     std::int32_t allocated_;  // elements, -1 if the memory came from elsewhere
+    std::uint64_t room_;      // elements that the shapes so far tell are there; overlapping rows need more
 };
 
 /// A buffer of elements of type T, seen through its interface.
@@ -129,8 +125,7 @@ public:
     ///
     /// - A null `buffer`, where the buffer owns as many elements as `size`, zeroes them.
     /// - Else owned elements are freed, unless they are those of `buffer`. A null `buffer` allocates `size`
-    /// zeroed
-    ///   elements that the buffer owns, whatever `owner` says; any other is taken as it is.
+    ///   zeroed elements that the buffer owns, whatever `owner` says; any other is taken as it is.
     ///
     /// @param buffer  Null, or elements.
     /// @param size    Number of elements, above 0.

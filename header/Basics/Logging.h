@@ -17,8 +17,8 @@
 /// This place in the source, as the two first arguments of ZPA_Logging's operations.
 #define ZPA_LOG_HERE ZPA_LOG_WIDE_(__FILE__), __LINE__
 /// @cond
-#define ZPA_LOG_WIDE_(text) ZPA_LOG_WIDE__(text)
-#define ZPA_LOG_WIDE__(text) L##text
+#define ZPA_LOG_WIDE_(text) ZPA_LOG_WIDE_TEXT_(text)
+#define ZPA_LOG_WIDE_TEXT_(text) L##text
 /// @endcond
 
 namespace ZPA {
@@ -140,8 +140,7 @@ enum TIMING_LOGGING_LEVEL : std::int32_t {
 };
 
 /// Reports the processor time of the whole process between its construction and its destruction, under
-/// eLogTiming:
-/// "`name` took 0.123 seconds."
+/// eLogTiming: "`name` took 0.123 seconds."
 class ZPA_API CodeBlockTimer {
 public:
     /// Starts the clock, once the name is formed.

@@ -28,11 +28,10 @@ namespace ZPA {
 ///
 /// @param source       The pixels to copy.
 /// @param destination  In and out. With a null pixel pointer an image is created: of the destination's type,
-/// or of the
-///                     source's if that is 0, with stride equal to width, the bits of the type, and the
-///                     source's pixel spacing. It belongs to the caller, who frees it with FreePixels or
-///                     `delete[]`. A destination with pixels must have the source's width and height, and
-///                     must not overlap the source.
+///                     or of the source's if that is 0, with stride equal to width, the bits of the type, and
+///                     the source's pixel spacing. It belongs to the caller, who frees it with FreePixels or
+///                     `delete[]`. A destination with pixels must have the source's width and height, and no
+///                     pixel of it may lie in a pixel of the source.
 ///
 /// @retval 0  Done.
 /// @retval 2  `destination` is null: "The destination image pointer was NULL."
@@ -54,11 +53,10 @@ ZPA_C_API SOLVANE_RETURNCODE CopyPixels(ImageAttributes source, ImageAttributes*
 /// @param mask         Null, or an image of type eByte with the destination's width and height.
 /// @param maskOrigin   Where in the mask the rectangle begins; null for (0, 0).
 /// @param maskValue    Below 0: a mask pixel that is not zero selects. Else: one that equals `maskValue`
-/// selects; above
-///                     255 none does.
+///                     selects; above 255 none does.
 /// @param value        Truncated toward zero to 32 bits and cut to its low bits for integer types (3.9 sets
-/// 3, -1 sets
-///                     65535), unlike the rounding of CopyPixels; narrowed for eSingle.
+///                     3, -1 sets 65535), unlike the rounding of CopyPixels; what 32 bits cannot hold counts
+///                     as 0x80000000, whose low bits are 0. Narrowed for eSingle.
 /// @param destination  Changed in place: eByte, eUInt16, eSingle or eDouble.
 ///
 /// @retval 0  Done.
@@ -78,9 +76,8 @@ ZPA_C_API SOLVANE_RETURNCODE SetPixels(Rectangle const* roi, ImageAttributes con
 ///
 /// @param source       eByte, eUInt16 or eDouble.
 /// @param destination  Out. Its pixel pointer must be null; all fields become those of the source, with
-/// pixels that
-///                     belong to the caller, who frees them with FreePixels or `delete[]`. On any failure a
-///                     pixel pointer that the caller left in it is FREED and set to null.
+///                     pixels that belong to the caller, who frees them with FreePixels or `delete[]`. On any
+///                     failure a pixel pointer that the caller left in it is FREED and set to null.
 ///
 /// @retval 0    Done.
 /// @retval 6    Other types; nothing is logged.
@@ -113,8 +110,7 @@ ZPA_API SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes
 ///
 /// @param image  Changed in place: eByte or eUInt16.
 /// @param mask   eByte: zero clears, any other value keeps. Width, height and stride as those of `image`; may
-/// be the
-///               same buffer.
+///               be the same buffer.
 ///
 /// @retval 0  Done.
 /// @retval 4  Width, height or stride differ: "ApplyMask(): Image and mask cannot be different sizes."
@@ -156,9 +152,8 @@ ZPA_API SOLVANE_RETURNCODE template_compare(ImageAttributes first, ImageAttribut
 /// @param xDecimation     At least 1.
 /// @param yDecimation     At least 1.
 /// @param tolerance       Truncated toward zero for integer types: 1.5 asks for equality, and below 1 even
-/// equal images
-///                        fail. 0 and less answers false at once; above 255 for eByte, or 65535 for both
-///                        16-bit types, true at once, the region unseen.
+///                        equal images fail. 0 and less answers false at once; above 255 for eByte, or 65535
+///                        for both 16-bit types, true at once, the region unseen.
 /// @param pbIsEquivalent  Out.
 ///
 /// @retval 0  Answered.
@@ -171,8 +166,7 @@ ZPA_API SOLVANE_RETURNCODE template_compare(ImageAttributes first, ImageAttribut
 /// @retval 4  "The x and y decimation values must be >= 1."
 /// @retval 6  "The image type is not supported." Not with a tolerance of 0 or less.
 /// @retval 3  "The rectangular ROI was empty.", "The mask ROI was empty.", "The combined ROI was empty." or
-/// "The ROI was
-///            out of bounds in the image."
+///            "The ROI was out of bounds in the image."
 /// @retval 2  "The mask had a NULL buffer pointer."
 ZPA_C_API SOLVANE_RETURNCODE DecimateAndCompare(ImageAttributes first, ImageAttributes second,
                                                 Rectangle const* roi, ImageAttributes const* mask,

@@ -154,8 +154,7 @@ ZPA_C_API SOLVANE_RETURNCODE ReadRawFile(char const* path, ImageAttributes* attr
 ///
 /// @param path        The file.
 /// @param attributes  In and out. `buffer` becomes the new elements, which the caller frees with FreePixels
-/// or
-///                    `delete[]`; on failure it stays, while the other fields may have been set from the
+///                    or `delete[]`; on failure it stays, while the other fields may have been set from the
 ///                    name.
 ///
 /// @retval 0  Done.

@@ -9,7 +9,7 @@
 namespace ZPA {
 
 /// How many serial numbers have been drawn. Changed by atomic increment only.
-extern "C" ZPA_API long allocation_counter;
+extern ZPA_API long allocation_counter;
 
 /// The root of the library's object classes. Every instance bears a serial number, so that its life can be
 /// followed in a debug log.
@@ -35,10 +35,12 @@ private:
 namespace Detail {
 ZPA_API long Increment(long* count);
 ZPA_API long Decrement(long* count);
+ZPA_API long Read(long const* count);
 ZPA_API bool MemoryTraced();
-ZPA_API void TraceCounter(wchar_t const* format, std::type_info const& type, long id, void const* object);
+ZPA_API void TraceCounter(wchar_t const* format, std::type_info const& type, long id,
+                          void const* object) noexcept;
 ZPA_API void TraceCount(wchar_t const* format, std::type_info const& type, long id, void const* object,
-                        long count);
+                        long count) noexcept;
 
 template <typename T> void Delete(T* object, std::true_type /*arithmetic*/) { delete[] object; }
 template <typename T> void Delete(T* object, std::false_type /*arithmetic*/) { delete object; }
@@ -61,7 +63,7 @@ public:
     /// The object.
     T* Object() const { return object_; }
     /// How many pointers refer to it.
-    long Count() const { return count_; }
+    long Count() const { return Detail::Read(&count_); }
     /// One pointer more.
     void Add() { TraceCount(L"ZPA_Ptr<%S>(%ld,0x%llx)->%ld\n", Detail::Increment(&count_)); }
     /// One pointer less.
@@ -71,6 +73,11 @@ public:
         TraceCount(L"ZPA_Ptr<%S>(%ld,0x%llx)<-%ld\n", left);
         return left;
     }
+
+    /// One pointer more for a moment, of which nobody is told.
+    void Hold() { Detail::Increment(&count_); }
+    /// The end of Hold(); who calls it goes on to Add().
+    void Unhold() { Detail::Decrement(&count_); }
 
 private:
     void Trace(wchar_t const* format) const {
@@ -104,9 +111,12 @@ public:
     /// Lets go of the present object and shares that of `other`.
     ZPA_Ptr& operator=(ZPA_Ptr const& other) {
         if (this == &other) return *this;
-        ZPA_Ptr const keep(other);  // `other` may die with the present object
+        counter<T>* const shared = other.counter_;
+        bool const held = shared && shared != counter_;  // `other` may die with the present object
+        if (held) shared->Hold();
         Release();
-        AddRef(keep.counter_);
+        if (held) shared->Unhold();
+        AddRef(shared);
         return *this;
     }
     /// Lets go of the object.

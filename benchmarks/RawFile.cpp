@@ -1,0 +1,125 @@
+// Raw files and pictures for the eye, beside the C library's own reading and writing of the same bytes.
+#include <Basics/RawFile.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "support/Benchmark.h"
+#include "support/OpenCv.h"
+#include "support/Scene.h"
+
+namespace ZPA::Benchmarks {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder that goes with its last user.
+class Scratch {
+public:
+    Scratch() {
+        std::string name = (fs::temp_directory_path() / "zpa-benchmark-XXXXXX").string();
+        if (!mkdtemp(name.data())) throw std::runtime_error("cannot make a folder for files");
+        folder_ = name;
+    }
+    ~Scratch() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    Scratch(Scratch const&) = delete;
+    Scratch& operator=(Scratch const&) = delete;
+
+    std::string PathFor(char const* name) const { return (folder_ / name).string(); }
+
+private:
+    fs::path folder_;
+};
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+File Open(std::string const& path, char const* mode) {
+    File file(std::fopen(path.c_str(), mode));
+    if (!file) throw std::runtime_error("cannot open " + path);
+    return file;
+}
+
+void Write(std::string const& path, void const* bytes, std::size_t size) {
+    File const file = Open(path, "wb");
+    if (std::fwrite(bytes, 1, size, file.get()) != size) throw std::runtime_error("cannot write " + path);
+}
+
+// What is written is dropped: how fast the disk takes it is not ours to time.
+constexpr char kNowhere[] = "/dev/null";
+
+template <typename T> struct Scene {
+    explicit Scene(int side)
+        : image(RandomImage<T>(side, side)), bytes(image.Elements().size() * sizeof(T)) {}
+
+    Image<T> image;
+    std::size_t bytes;
+    Scratch scratch;
+    std::string file = scratch.PathFor("file");
+};
+
+Contenders WriteRaw(int side) {
+    auto const scene = std::make_shared<Scene<unsigned short>>(side);
+    return {[scene] { Require(dumpRaw(scene->image.Row(0), static_cast<int>(scene->bytes), kNowhere)); },
+            "fwrite", [scene] { Write(kNowhere, scene->image.Row(0), scene->bytes); }};
+}
+
+Contenders Read(int side) {
+    auto const scene = std::make_shared<Scene<unsigned short>>(side);
+    Write(scene->file, scene->image.Row(0), scene->bytes);
+    return {[scene, side] {
+                void* pixels = nullptr;
+                Require(ReadRaw(scene->file.c_str(), &pixels, eUInt16, side, side, side, false));
+                FreePixels(pixels);
+            },
+            "fread",
+            [scene] {
+                File const file = Open(scene->file, "rb");
+                std::unique_ptr<unsigned char[]> const pixels(new unsigned char[scene->bytes]);
+                if (std::fread(pixels.get(), 1, scene->bytes, file.get()) != scene->bytes)
+                    throw std::runtime_error("cannot read " + scene->file);
+            }};
+}
+
+template <typename T> Contenders WritePgm(int side) {
+    auto const scene = std::make_shared<Scene<T>>(side);
+    Contenders contenders{
+        [scene, side] { Require(template_dumpPgm8bit(scene->image.Row(0), side, side, kNowhere)); }};
+#ifdef ZPA_PEER_OPENCV
+    contenders.peer = "OpenCV minMaxLoc, convertTo";
+    contenders.theirs = [scene, image = MatView(scene->image), grey = cv::Mat()]() mutable {
+        double low = 0, high = 0;
+        cv::minMaxLoc(image, &low, &high);
+        double const scale = 255 / (high - low);
+        image.convertTo(grey, CV_8U, scale, -low * scale);
+        Write(kNowhere, grey.data, grey.total());
+    };
+#endif
+    return contenders;
+}
+
+template <typename T> void RegisterPgm(int side) {
+    Register({"dumpPgm8bit", kTypeName<T>, side, side, {}, [=] { return WritePgm<T>(side); }});
+}
+
+Registration const rows([] {
+    for (int const side : {512, 2048}) {
+        Register({"dumpRaw", "16u", side, side, {}, [=] { return WriteRaw(side); }});
+        Register({"ReadRaw", "16u", side, side, {}, [=] { return Read(side); }});
+        RegisterPgm<unsigned char>(side);
+        RegisterPgm<unsigned short>(side);
+        RegisterPgm<double>(side);
+    }
+});
+
+}  // namespace
+}  // namespace ZPA::Benchmarks

@@ -1,0 +1,16 @@
+// Pictures as PNG files.
+#ifndef RADIOGRAPH_PNG_H
+#define RADIOGRAPH_PNG_H
+
+#include <string>
+
+#include "radiograph/Picture.h"
+
+namespace Radiograph {
+
+// The bytes of the file.
+std::string EncodePng(Picture const& picture);
+
+}  // namespace Radiograph
+
+#endif

@@ -1,0 +1,436 @@
+// The log as its callers see it: what reaches which callback, in which words, and what the scopes report.
+#include <Basics/CoreTypes.h>
+#include <Basics/Logging.h>
+#include <Basics/PixelOperations.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/CapturedLog.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+LogCategory Category(int number) { return static_cast<LogCategory>(number); }
+
+TEST(LogLocation, IsStemExtensionAndLine) {
+    std::wstring const stem255(255, L's');
+    std::wstring const stem300(300, L's');
+    std::wstring const extension255 = L"." + std::wstring(254, L'e');
+    std::wstring const extension300 = L"." + std::wstring(299, L'e');
+    struct Case {
+        std::wstring source;
+        int line;
+        std::wstring location;
+    };
+    Case const cases[] = {
+        {L"/usr/src/zpa.d/CopyPixels.cpp", 12, L"CopyPixels.cpp(12)"},
+        {L"C:\\src\\a.b.cpp", 7, L"a.b.cpp(7)"},
+        {L"Makefile", 0, L"Makefile(0)"},
+        {L"%s%n.cpp", -1, L"%s%n.cpp(-1)"},
+        {L"", INT_MIN, L"(-2147483648)"},
+        {L"folder/", 1, L"(1)"},
+        // Both parts are read up to 255 characters.
+        {stem300, 1, stem255 + L"(1)"},
+        {L"s" + extension300, 1, L"s" + extension255 + L"(1)"},
+        // Together up to 499; longer ones lose the extension and the end of the stem.
+        {std::wstring(244, L's') + extension255, 5, std::wstring(244, L's') + extension255 + L"(5)"},
+        {std::wstring(245, L's') + extension255, 5, std::wstring(242, L's') + L"(null)(5)"},
+        {stem300 + extension300, 5, std::wstring(242, L's') + L"(null)(5)"},
+    };
+    CapturedLog const log;
+    for (Case const& each : cases) {
+        ZPA_Logging::LogError(each.source.c_str(), each.line, 4, L"text");
+        EXPECT_EQ(log.Errors().back().location, each.location);
+    }
+    ZPA_Logging::LogError(nullptr, 5, 4, L"text");
+    EXPECT_EQ(log.Errors().back().location, L"");
+}
+
+TEST(LogLocation, NamesTheLineThatLogs) {
+    CapturedLog const log;
+    ZPA_Logging::LogError(ZPA_LOG_HERE, 4, L"text");
+    EXPECT_EQ(log.Errors().back().location, L"LoggingTest.cpp(" + std::to_wstring(__LINE__ - 1) + L")");
+}
+
+// What an operation reports names its own source, whether by a check or by the frame around it.
+TEST(LogLocation, OfAnOperationNamesItsSource) {
+    auto const isIn = [](std::wstring const& location, std::wstring const& file) {
+        return location.size() > file.size() + 2 && location.compare(0, file.size() + 1, file + L"(") == 0 &&
+               location.back() == L')' && std::stoi(location.substr(file.size() + 1)) > 1;
+    };
+    CapturedLog const log;
+    ImageAttributes const none;
+    EXPECT_EQ(ValidateImageBuffer(none, nullptr), SOLVANE_INVALID_ARGUMENT);
+    EXPECT_TRUE(isIn(log.Errors().back().location, L"CoreTypes.cpp")) << log.Errors().back().location;
+    // Too many pixels to be allocated, which the frame reports.
+    unsigned char pixel = 0;
+    ImageAttributes output;
+    EXPECT_EQ(CopyPixels(ImageAttributes(eByte, &pixel, 60000, 60000, 60000, 8, 0), &output),
+              SOLVANE_UNEXPECTED);
+    EXPECT_EQ(log.Text(), L"Unexpected exception.");
+    EXPECT_TRUE(isIn(log.Errors().back().location, L"CopyPixels.cpp")) << log.Errors().back().location;
+    EXPECT_EQ(ZPA_Logging::EnableLog(Category(24), true), SOLVANE_OUT_OF_RANGE);
+    EXPECT_TRUE(isIn(log.Errors().back().location, L"Logging.cpp")) << log.Errors().back().location;
+}
+
+TEST(LogMessage, IsCutTo511Characters) {
+    CapturedLog const log;
+    std::wstring const text(600, L'm');
+    ZPA_Logging::LogError(nullptr, 0, 4, text.c_str());
+    ZPA_Logging::LogError(nullptr, 0, 4, L"%s", text.c_str());
+    ZPA_Logging::LogError(nullptr, 0, 4, L"%511s|", L"");
+    EXPECT_EQ(log.Errors()[0].message, text.substr(0, 511));
+    EXPECT_EQ(log.Errors()[1].message, text.substr(0, 511));
+    EXPECT_EQ(log.Errors()[2].message, std::wstring(511, L' '));
+}
+
+TEST(LogMessage, WithoutAFormatIsNone) {
+    CapturedLog log;
+    log.Debug(eLogFunction);
+    ZPA_Logging::EnableLog(eLogFunction, true);
+    EXPECT_EQ(ZPA_Logging::LogError(L"a.cpp", 10, 4, nullptr), 4);
+    EXPECT_EQ(ZPA_Logging::LogWarning(L"a.cpp", 10, eLogFunction, nullptr), 0);
+    EXPECT_EQ(ZPA_Logging::LogInfo(L"a.cpp", 10, eLogFunction, nullptr), 0);
+    EXPECT_EQ(ZPA_Logging::LogDebug(L"a.cpp", 10, eLogFunction, nullptr), 0);
+    EXPECT_EQ(log.Errors().size() + log.Warnings().size() + log.InfoLines().size() + log.DebugLines().size(),
+              0U);
+}
+
+TEST(LogError, ReturnsAnyCodeAndTellsIt) {
+    CapturedLog const log;
+    for (int const code : {0, 1, 4, 999, -1, INT_MAX}) {
+        EXPECT_EQ(ZPA_Logging::LogError(nullptr, 0, code, L"text"), code);
+        EXPECT_EQ(log.Code(), code);
+    }
+}
+
+TEST(LogWarning, NeedsNoFlag) {
+    CapturedLog const log;
+    EXPECT_EQ(ZPA_Logging::LogWarning(L"x/a.cpp", 3, eLogRegions, L"%d of %S", 3, "four"), 0);
+    ASSERT_EQ(log.Warnings().size(), 1U);
+    EXPECT_EQ(log.Warnings()[0].location, L"a.cpp(3)");
+    EXPECT_EQ(log.Warnings()[0].category, eLogRegions);
+    EXPECT_EQ(log.Warnings()[0].message, L"3 of four");
+}
+
+// Information and debugging work alike, each with flags and a callback of its own.
+struct Channel {
+    char const* name;
+    SOLVANE_RETURNCODE (*enable)(LogCategory, bool);
+    bool (*isEnabled)(LogCategory);
+    SOLVANE_RETURNCODE (*setCallback)(LogCallback);
+    SOLVANE_RETURNCODE (*log)(wchar_t const*, int, LogCategory, wchar_t const*, ...);
+    std::vector<LogLine> const& (CapturedLog::*lines)() const;
+    std::vector<LogLine> const& (CapturedLog::*others)() const;
+};
+class LogFlags : public testing::TestWithParam<Channel> {
+protected:
+    std::vector<LogLine> const& Lines() const { return (log.*GetParam().lines)(); }
+    CapturedLog log;
+};
+
+TEST_P(LogFlags, AreOffFromTheStart) {
+    for (int category = -1; category <= 25; ++category) {
+        EXPECT_FALSE(GetParam().isEnabled(Category(category))) << category;
+        EXPECT_EQ(GetParam().log(nullptr, 0, Category(category), L"text"), 0);
+    }
+    EXPECT_TRUE(Lines().empty());
+}
+
+TEST_P(LogFlags, OpenOneCategoryEach) {
+    for (int enabled = 0; enabled < eLogAll; ++enabled) {
+        EXPECT_EQ(GetParam().enable(Category(enabled), true), 0);
+        for (int category = -1; category <= 25; ++category)
+            GetParam().log(L"f.cpp", category, Category(category), L"%d", category);
+        ASSERT_EQ(Lines().size(), 1U) << enabled;
+        EXPECT_EQ(Lines()[0].location, L"f.cpp(" + std::to_wstring(enabled) + L")");
+        EXPECT_EQ(Lines()[0].category, enabled);
+        EXPECT_EQ(Lines()[0].message, std::to_wstring(enabled));
+        EXPECT_TRUE((log.*GetParam().others)().empty());
+        EXPECT_EQ(GetParam().enable(Category(enabled), false), 0);
+        log.Clear();
+    }
+}
+
+TEST_P(LogFlags, SwitchedAllAtOnceLeaveThreeAlone) {
+    auto const isAlone = [](int category) { return category == 1 || category == 20 || category == 22; };
+    for (bool const alone : {false, true}) {
+        for (int const category : {1, 20, 22}) GetParam().enable(Category(category), alone);
+        for (bool const all : {true, false}) {
+            EXPECT_EQ(GetParam().enable(eLogAll, all), 0);
+            for (int category = 0; category < eLogAll; ++category)
+                EXPECT_EQ(GetParam().isEnabled(Category(category)), isAlone(category) ? alone : all)
+                    << category;
+            EXPECT_FALSE(GetParam().isEnabled(eLogAll));
+        }
+    }
+}
+
+TEST_P(LogFlags, RefuseACategoryThatIsNone) {
+    for (int const category : {24, 1000, INT_MAX, -1, INT_MIN}) {
+        log.Clear();
+        EXPECT_EQ(GetParam().enable(Category(category), true), 3) << category;
+        EXPECT_EQ(log.Code(), 3);
+        EXPECT_EQ(log.Text(), L"Invalid log category.");
+    }
+    for (int category = 0; category < eLogAll; ++category)
+        EXPECT_FALSE(GetParam().isEnabled(Category(category))) << category;
+}
+
+TEST_P(LogFlags, CountForNothingWithoutACallback) {
+    GetParam().enable(eLogFunction, true);
+    EXPECT_TRUE(GetParam().isEnabled(eLogFunction));
+    EXPECT_EQ(GetParam().setCallback(nullptr), 0);
+    EXPECT_FALSE(GetParam().isEnabled(eLogFunction));
+    EXPECT_EQ(GetParam().log(nullptr, 0, eLogFunction, L"text"), 0);
+    EXPECT_TRUE(Lines().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Channels, LogFlags,
+                         testing::Values(Channel{"Info", ZPA_Logging::EnableLog, ZPA_Logging::IsLogEnabled,
+                                                 ZPA_Logging::SetInfoCallback, ZPA_Logging::LogInfo,
+                                                 &CapturedLog::InfoLines, &CapturedLog::DebugLines},
+                                         Channel{"Debug", ZPA_Logging::EnableDebug,
+                                                 ZPA_Logging::IsDebugEnabled, ZPA_Logging::SetDebugCallback,
+                                                 ZPA_Logging::LogDebug, &CapturedLog::DebugLines,
+                                                 &CapturedLog::InfoLines}),
+                         [](auto const& channel) { return channel.param.name; });
+
+TEST(LogMemoryError, NamesItsContextWhichIsNoFormat) {
+    struct Case {
+        std::wstring context;
+        std::wstring message;
+    };
+    Case const cases[] = {
+        {L"ValidateImageBuffer", L"ValidateImageBuffer: Memory allocation failed for 12 bytes."},
+        {L"", L": Memory allocation failed for 12 bytes."},
+        {L"100%n %s", L"100%n %s: Memory allocation failed for 12 bytes."},
+        {std::wstring(600, L'c'), std::wstring(511, L'c')},
+    };
+    CapturedLog const log;
+    for (Case const& each : cases) {
+        EXPECT_EQ(LogMemoryError(L"a/b.cpp", 9, each.context.c_str(), 12), 1);
+        EXPECT_EQ(log.Code(), 1);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Errors().back().location, L"b.cpp(9)");
+    }
+    EXPECT_EQ(LogMemoryError(nullptr, 0, nullptr, -1), 1);
+    EXPECT_EQ(log.Text(), L"(null): Memory allocation failed for -1 bytes.");
+}
+
+TEST(LogDump, DescribesAnImageAndReadsItsLabelAsAFormat) {
+    auto* const pixels = reinterpret_cast<void*>(std::uintptr_t{0xAB});
+    std::wstring const pointer = std::wstring(2 * sizeof(void*) - 2, L'0') + L"AB";
+    struct Case {
+        eTypeCode type;
+        wchar_t const* label;
+        std::wstring message;
+    };
+    Case const cases[] = {
+        {eByte, L"mask", L"Image,eByte," + pointer + L",3,-2,mask"},
+        {eUInt16, L"scan", L"Image,eUInt16," + pointer + L",3,-2,scan"},
+        {eDouble, L"", L"Image,eUInt16," + pointer + L",3,-2,"},
+        {eUnknown, L"50%% %d %s %n.", L"Image,eUInt16," + pointer + L",3,-2,50% 0 (null) ."},
+    };
+    CapturedLog log;
+    log.Debug(eLogDump);
+    for (Case const& each : cases) {
+        EXPECT_EQ(ZPA_Logging::LogDump(ImageAttributes(each.type, pixels, 3, -2, 4, 8, 0), each.label), 0);
+        EXPECT_EQ(log.DebugLines().back().message, each.message);
+        EXPECT_EQ(log.DebugLines().back().category, eLogDump);
+    }
+    std::wstring const longLabel(600, L'l');
+    ZPA_Logging::LogDump(ImageAttributes(eByte, pixels, 3, -2, 4, 8, 0), longLabel.c_str());
+    EXPECT_EQ(log.DebugLines().back().message.size(), 511U);
+}
+
+TEST(LogDump, TellsNothingWithoutLabelPixelsOrListener) {
+    char pixel = 0;
+    ImageAttributes const image(eByte, &pixel, 1, 1, 1, 8, 0);
+    CapturedLog log;
+    EXPECT_EQ(ZPA_Logging::LogDump(image, L"off"), 0);
+    ZPA_Logging::EnableDebug(eLogAll, true);
+    EXPECT_EQ(ZPA_Logging::LogDump(image, L"still off"), 0);
+    log.Debug(eLogDump);
+    EXPECT_EQ(ZPA_Logging::LogDump(image, nullptr), 0);
+    EXPECT_EQ(ZPA_Logging::LogDump(ImageAttributes(), L"no pixels"), 0);
+    EXPECT_TRUE(log.DebugLines().empty());
+}
+
+std::vector<std::wstring> Messages(std::vector<LogLine> const& lines) {
+    std::vector<std::wstring> messages;
+    for (LogLine const& line : lines) messages.push_back(line.message);
+    return messages;
+}
+using Lines = std::vector<std::wstring>;
+
+TEST(EntryExitLogging, ReportsBothEndsOfAScope) {
+    CapturedLog log;
+    log.Debug(eLogFactory);
+    {
+        EntryExitLogging const scope(L"%s", eLogFactory);
+        EXPECT_EQ(Messages(log.DebugLines()), Lines{L"Entering function %s"});
+    }
+    EXPECT_EQ(Messages(log.DebugLines()), (Lines{L"Entering function %s", L"Exiting function %s"}));
+    for (LogLine const& line : log.DebugLines()) {
+        EXPECT_EQ(line.location, L"");
+        EXPECT_EQ(line.category, eLogFactory);
+    }
+    { EntryExitLogging const silent(L"silent", eLogFunction); }
+    EXPECT_EQ(log.DebugLines().size(), 2U);
+}
+
+TEST(EntryExitLogging, LooksAtTheFlagAtBothEnds) {
+    CapturedLog log;
+    {
+        EntryExitLogging const scope(L"late", eLogFunction);
+        log.Debug(eLogFunction);
+    }
+    EXPECT_EQ(Messages(log.DebugLines()), Lines{L"Exiting function late"});
+}
+
+TEST(EntryExitLogging, CutsDetailsToTheLengthOfTheirFormat) {
+    CapturedLog log;
+    log.Debug(eLogFunction);
+    auto const firstLine = [&](auto... details) {
+        log.Clear();
+        { EntryExitLogging const scope(L"f", eLogFunction, details...); }
+        return log.DebugLines().front().message;
+    };
+    EXPECT_EQ(firstLine(L"x=%d", 1234567), L"Entering function f x=12");
+    EXPECT_EQ(firstLine(L"%s", L"abcdef"), L"Entering function f ab");
+    EXPECT_EQ(firstLine(L"%S!", "a%n"), L"Entering function f a%n");
+    EXPECT_EQ(firstLine(L"plain"), L"Entering function f plain");
+    EXPECT_EQ(firstLine(L"%d", 7), L"Entering function f 7");
+    EXPECT_EQ(firstLine(static_cast<wchar_t const*>(nullptr)), L"Entering function f");
+}
+
+TEST(EntryExitLogging, LetsACallbackThrowOnlyAtTheEntrance) {
+    CapturedLog log;
+    log.Debug(eLogFunction);
+    ZPA_Logging::SetDebugCallback(
+        [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+    EXPECT_THROW(EntryExitLogging(L"f", eLogFunction), std::runtime_error);
+    ZPA_Logging::SetDebugCallback(nullptr);
+    EXPECT_NO_THROW({
+        EntryExitLogging const scope(L"f", eLogFunction);
+        ZPA_Logging::SetDebugCallback(
+            [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+    });
+}
+
+// The lock must be free again after a callback has thrown.
+TEST(LogLock, IsReleasedByACallbackThatThrows) {
+    CapturedLog const log;
+    ZPA_Logging::SetErrorCallback(
+        [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+    EXPECT_THROW(ZPA_Logging::LogError(nullptr, 0, 4, L"text"), std::runtime_error);
+    std::thread([] { ZPA_Logging::LogWarning(nullptr, 0, eLogImage, L"from elsewhere"); }).join();
+    EXPECT_EQ(log.Warnings().size(), 1U);
+}
+
+TEST(LogLock, LetsACallbackLog) {
+    CapturedLog const log;
+    ZPA_Logging::SetErrorCallback([](wchar_t const*, int code, wchar_t const* message) {
+        ZPA_Logging::LogWarning(nullptr, 0, eLogImage, L"%d: %s", code, message);
+        if (code > 0) ZPA_Logging::LogError(nullptr, 0, code - 1, L"%s again", message);
+    });
+    ZPA_Logging::LogError(nullptr, 0, 2, L"once");
+    EXPECT_EQ(Messages(log.Warnings()), (Lines{L"2: once", L"1: once again", L"0: once again again"}));
+}
+
+int inside = 0;   // plain: the lock is all that guards it
+int entries = 0;  // likewise
+bool crowded = false;
+void CountVisitors(wchar_t const*, int, wchar_t const* message) {
+    if (++inside != 1) crowded = true;
+    entries += static_cast<int>(std::wstring(message).size());
+    --inside;
+}
+
+TEST(LogLock, AdmitsOneCallbackAtATime) {
+    constexpr int kThreads = 6;
+    constexpr int kLines = 200;
+    CapturedLog log;
+    log.Debug(eLogFunction);
+    ZPA_Logging::EnableLog(eLogFunction, true);
+    ZPA_Logging::SetErrorCallback(CountVisitors);
+    ZPA_Logging::SetWarningCallback(CountVisitors);
+    ZPA_Logging::SetInfoCallback(CountVisitors);
+    ZPA_Logging::SetDebugCallback(CountVisitors);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([] {
+            for (int line = 0; line < kLines; ++line) {
+                ZPA_Logging::LogError(nullptr, 0, 4, L"%3d", line);
+                ZPA_Logging::LogWarning(nullptr, 0, eLogFunction, L"%3d", line);
+                ZPA_Logging::LogInfo(nullptr, 0, eLogFunction, L"%3d", line);
+                ZPA_Logging::LogDebug(nullptr, 0, eLogFunction, L"%3d", line);
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_FALSE(crowded);
+    EXPECT_EQ(entries, kThreads * kLines * 4 * 3);
+}
+
+// The seconds in "name took 0.123 seconds.", or -1.
+double SecondsIn(std::wstring const& message, std::wstring const& name) {
+    std::wstring const before = name + L" took ";
+    std::wstring const after = L" seconds.";
+    if (message.size() < before.size() + after.size() || message.compare(0, before.size(), before) != 0 ||
+        message.compare(message.size() - after.size(), after.size(), after) != 0)
+        return -1;
+    return std::stod(message.substr(before.size()));
+}
+
+TEST(CodeBlockTimer, ReportsWhereItsLevelSays) {
+    CapturedLog log;
+    { CodeBlockTimer const silent(eTimingDebug, L"off"); }
+    { CodeBlockTimer const silent(eTimingInfo, L"off"); }
+    log.Debug(eLogTiming);
+    ZPA_Logging::EnableLog(eLogTiming, true);
+    { CodeBlockTimer const timer(eTimingDebug, L"%s %d%%", L"half", 50); }
+    { CodeBlockTimer const timer(eTimingInfo, L"info"); }
+    { CodeBlockTimer const timer(static_cast<TIMING_LOGGING_LEVEL>(7), nullptr); }
+    ASSERT_EQ(log.DebugLines().size(), 1U);
+    ASSERT_EQ(log.InfoLines().size(), 2U);
+    EXPECT_EQ(log.DebugLines()[0].category, eLogTiming);
+    EXPECT_GE(SecondsIn(log.DebugLines()[0].message, L"half 50%"), 0.0);
+    EXPECT_GE(SecondsIn(log.InfoLines()[0].message, L"info"), 0.0);
+    EXPECT_GE(SecondsIn(log.InfoLines()[1].message, L""), 0.0);
+}
+
+TEST(CodeBlockTimer, KeepsNamesLongerThanTheirFormat) {
+    CapturedLog log;
+    log.Debug(eLogTiming);
+    std::wstring const name(400, L'n');
+    { CodeBlockTimer const timer(eTimingDebug, L"%s", name.c_str()); }
+    EXPECT_GE(SecondsIn(log.DebugLines()[0].message, name), 0.0);
+}
+
+TEST(CodeBlockTimer, CountsProcessorTimeInSeconds) {
+    CapturedLog log;
+    log.Debug(eLogTiming);
+    std::clock_t const ticks = CLOCKS_PER_SEC / 20;
+    {
+        CodeBlockTimer const first(eTimingDebug, L"busy");
+        CodeBlockTimer const copy(first);
+        for (std::clock_t const start = std::clock(); std::clock() - start < ticks;) {
+        }
+    }
+    ASSERT_EQ(log.DebugLines().size(), 2U);
+    for (LogLine const& line : log.DebugLines()) {
+        EXPECT_GE(SecondsIn(line.message, L"busy"), 0.049);
+        EXPECT_LT(SecondsIn(line.message, L"busy"), 5.0);
+    }
+}
+
+}  // namespace
+}  // namespace ZPA

@@ -1,0 +1,468 @@
+// Flat-top filters: means beside a model that sums every window anew, or adds in the promised order.
+#include <Basics/FlatTopFilter.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include "support/CapturedLog.h"
+#include "support/Images.h"
+#include "support/NoMemory.h"
+#include "support/SimdTargets.h"
+
+namespace ZPA {
+namespace {
+
+using namespace Testing;
+
+struct Case {
+    int width, height, kernelWidth, kernelHeight;
+};
+std::ostream& operator<<(std::ostream& out, Case const& c) {
+    return out << c.width << " x " << c.height << " by " << c.kernelWidth << " x " << c.kernelHeight;
+}
+
+// Windows as large as the image, even ones, both sides of a vector and of a strip of rows, and no middle.
+Case const kCases[] = {
+    {3, 3, 3, 3},  {4, 9, 3, 3},       {5, 5, 4, 4},      {7, 20, 7, 3},     {8, 17, 3, 17},  {15, 4, 5, 3},
+    {16, 8, 3, 7}, {17, 8, 16, 8 - 1}, {31, 25, 15, 9},   {33, 16, 6, 12},   {64, 12, 33, 5}, {65, 9, 65, 9},
+    {70, 7, 3, 3}, {99, 40, 15, 15},   {131, 33, 60, 31}, {300, 10, 290, 9}, {513, 6, 258, 3}};
+
+template <typename T> TestImage<T> Blank(Case const& c) { return TestImage<T>({c.width, c.height, c.width}); }
+template <typename T> TestImage<T> Noise(Case const& c, unsigned seed) {
+    return RandomImage<T>({c.width, c.height, c.width}, seed);
+}
+
+// ---- Models
+
+int Clipped(int at, int size) { return std::min(std::max(at, 0), size - 1); }
+
+// divide(sum, count) for each pixel.
+template <typename T>
+TestImage<T> Means(Case const& c, TestImage<T> const& input, T (*divide)(std::int64_t, std::int64_t)) {
+    auto means = Blank<T>(c);
+    int const halfWidth = c.kernelWidth / 2, halfHeight = c.kernelHeight / 2;
+    std::vector<std::int64_t> columns(static_cast<std::size_t>(c.width));
+    for (int y = 0; y < c.height; ++y) {
+        int const top = Clipped(y - halfHeight, c.height), bottom = Clipped(y + halfHeight, c.height);
+        for (int x = 0; x < c.width; ++x) {
+            std::int64_t& sum = columns[static_cast<std::size_t>(x)] = 0;
+            for (int row = top; row <= bottom; ++row) sum += input.At(x, row);
+        }
+        for (int x = 0; x < c.width; ++x) {
+            int const left = Clipped(x - halfWidth, c.width), right = Clipped(x + halfWidth, c.width);
+            std::int64_t sum = 0;
+            for (int column = left; column <= right; ++column)
+                sum += columns[static_cast<std::size_t>(column)];
+            means.At(x, y) = divide(sum, std::int64_t{right - left + 1} * (bottom - top + 1));
+        }
+    }
+    return means;
+}
+template <typename T> T Truncated(std::int64_t sum, std::int64_t count) {
+    return static_cast<T>(sum / count);
+}
+unsigned short Wrapped(std::int64_t sum, std::int64_t count) {
+    return static_cast<unsigned short>(static_cast<std::int32_t>(static_cast<std::uint32_t>(sum)) / count);
+}
+
+// The sums over the windows, added in the promised order, of term(x, y).
+template <typename Term> std::vector<double> CarriedSums(Case const& c, Term const& term) {
+    int const halfWidth = c.kernelWidth / 2, halfHeight = c.kernelHeight / 2;
+    std::vector<double> columns(static_cast<std::size_t>(c.width)), sums;
+    auto const column = [&](int x) { return columns[static_cast<std::size_t>(x)]; };
+    for (int y = -halfHeight; y < c.height; ++y) {
+        for (int x = 0; x < c.width; ++x) {
+            double& sum = columns[static_cast<std::size_t>(x)];
+            if (y + halfHeight < c.height) sum += term(x, y + halfHeight);
+            if (y - halfHeight - 1 >= 0) sum -= term(x, y - halfHeight - 1);
+        }
+        if (y < 0) continue;
+        double sum = 0;
+        for (int x = 0; x < halfWidth; ++x) sum += column(x);
+        for (int x = 0; x < c.width; ++x) {
+            bool const gains = x + halfWidth < c.width, loses = x - halfWidth - 1 >= 0;
+            if (gains && loses)
+                sum += column(x + halfWidth) - column(x - halfWidth - 1);
+            else if (gains)
+                sum += column(x + halfWidth);
+            else if (loses)
+                sum -= column(x - halfWidth - 1);
+            sums.push_back(sum);
+        }
+    }
+    return sums;
+}
+
+template <typename T> T Stored(double mean) {
+    if (std::is_floating_point_v<T>) return static_cast<T>(mean);
+    return static_cast<T>(mean > -2147483649.0 && mean < 2147483648.0 ? static_cast<int>(mean) : INT_MIN);
+}
+
+TestImage<double> CarriedMeans(Case const& c, TestImage<double> const& input) {
+    auto means = Blank<double>(c);
+    auto const sums = CarriedSums(c, [&](int x, int y) { return input.At(x, y); });
+    auto const counts = CarriedSums(c, [](int, int) { return 1.0; });
+    for (std::size_t i = 0; i < sums.size(); ++i) means.Pixels()[i] = sums[i] / counts[i];
+    return means;
+}
+
+template <typename T>
+TestImage<T> WeightedMeans(Case const& c, TestImage<T> const& input, TestImage<char> const& mask) {
+    auto means = Blank<T>(c);
+    auto const weight = [&](int x, int y) { return static_cast<signed char>(mask.At(x, y)); };
+    auto const sums =
+        CarriedSums(c, [&](int x, int y) { return static_cast<double>(input.At(x, y) * weight(x, y)); });
+    auto const weights = CarriedSums(c, [&](int x, int y) { return static_cast<double>(weight(x, y)); });
+    for (std::size_t i = 0; i < sums.size(); ++i)
+        means.Pixels()[i] = weights[i] > 0.01 ? Stored<T>(sums[i] / weights[i]) : T();
+    return means;
+}
+
+// ---- Comparisons
+
+// One not-a-number is as good as another.
+template <typename T> TestImage<T> WithOneNan(TestImage<T> image) {
+    for (T& element : image.memory)
+        if (element != element) element = std::numeric_limits<T>::quiet_NaN();
+    return image;
+}
+
+// The filter gives the means on every instruction set, leaves the input alone, and writes nothing else.
+template <typename T>
+void Expect(Case const& c, TestImage<T> input, TestImage<T> const& means,
+            std::function<SOLVANE_RETURNCODE(T*, T*)> const& filter) {
+    auto const before = input;
+    ForEachSimdTarget([&] {
+        SCOPED_TRACE(testing::Message() << c);
+        auto output = Blank<T>(c);
+        EXPECT_EQ(filter(input.Pixels(), output.Pixels()), SOLVANE_OK);
+        EXPECT_TRUE(WithOneNan(output) == WithOneNan(means));
+        EXPECT_TRUE(input == before);
+    });
+}
+
+template <typename T> void ExpectTyped(Case const& c, TestImage<T> const& input, TestImage<T> const& means) {
+    Expect<T>(c, input, means, [&](T* in, T* out) {
+        return rectFlatTopFilteringTemplate(in, out, c.width, c.height, c.kernelWidth, c.kernelHeight);
+    });
+}
+void ExpectWrapping(Case const& c, TestImage<unsigned short> const& input) {
+    Expect<unsigned short>(c, input, Means(c, input, Wrapped), [&](unsigned short* in, unsigned short* out) {
+        return rectFlatTopFilter(in, out, c.width, c.height, c.kernelWidth, c.kernelHeight);
+    });
+}
+
+// ---- Means of integers
+
+TEST(RectFlatTopFilter, GivesTheMeanOfTheClippedWindow) {
+    for (Case const& c : kCases) {
+        auto const noise = Noise<unsigned short>(c, 1);
+        ExpectWrapping(c, noise);
+        ExpectTyped(c, noise, Means(c, noise, Truncated<unsigned short>));
+        auto const signedNoise = Noise<short>(c, 2);
+        ExpectTyped(c, signedNoise, Means(c, signedNoise, Truncated<short>));
+    }
+}
+
+TEST(RectFlatTopFilter, IsExactWhereTheQuotientIsWholeOrJustBelow) {
+    for (Case const& c : {Case{40, 40, 3, 3}, {99, 40, 15, 15}, {350, 310, 301, 301}})
+        for (int const value : {0, 1, 32767, 65535}) {
+            auto image = Blank<unsigned short>(c);
+            std::fill_n(image.Pixels(), image.Size(), static_cast<unsigned short>(value));
+            ExpectTyped(c, image, image);
+            auto negative = Blank<short>(c);
+            std::fill_n(negative.Pixels(), negative.Size(), static_cast<short>(-value));
+            ExpectTyped(c, negative, negative);
+            // One pixel nearer to zero: the means of all windows that see it are cut to the next number.
+            image.At(c.width / 2, c.height / 2) = static_cast<unsigned short>(std::max(value - 1, 0));
+            ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
+            negative.At(c.width / 2, c.height / 2) = static_cast<short>(-std::max(value - 1, 0));
+            ExpectTyped(c, negative, Means(c, negative, Truncated<short>));
+        }
+}
+
+// The last one is too high for the sums of several columns in 32 bits.
+Case const kLargeWindows[] = {{200, 190, 183, 181}, {360, 200, 301, 199}, {21, 2100, 17, 2051}};
+
+TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
+    for (Case const& c : kLargeWindows)
+        // Sums that stay within 31 bits, that leave them in part of the image, and in all of its middle.
+        for (int const brightest : {32767, 65000, 65535}) {
+            auto image = Noise<unsigned short>(c, 3);
+            for (std::size_t i = 0; i < image.Size(); ++i)
+                image.Pixels()[i] = static_cast<unsigned short>(brightest - image.Pixels()[i] % 1000);
+            ExpectWrapping(c, image);
+            ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
+        }
+    auto const dark = [](Case const& c) {
+        auto image = Blank<short>(c);
+        std::fill_n(image.Pixels(), image.Size(), std::numeric_limits<short>::min());
+        return image;
+    };
+    for (Case const& c : kLargeWindows) ExpectTyped(c, dark(c), dark(c));
+}
+
+TEST(RectFlatTopFilter, TruncatesRatherThanRounds) {
+    unsigned short input[9] = {1, 1, 2, 1, 1, 2, 1, 1, 2}, output[9];
+    ASSERT_EQ(rectFlatTopFilter(input, output, 3, 3, 3, 3), SOLVANE_OK);
+    EXPECT_EQ(output[4], 1);
+    short below[9] = {-1, -1, -2, -1, -1, -2, -1, -1, -2}, means[9];
+    ASSERT_EQ(rect_flat_top_filtering_short(below, means, 3, 3, 3, 3), SOLVANE_OK);
+    EXPECT_EQ(means[4], -1);
+}
+
+// ---- Means of doubles
+
+TEST(RectFlatTopFilter, AddsDoublesInThePromisedOrder) {
+    double const inf = std::numeric_limits<double>::infinity();
+    std::vector<std::vector<double>> const strange = {
+        {},
+        {1e300, -1e300, 1e-300, 3.0},
+        {std::numeric_limits<double>::max(), 1.0},
+        {std::numeric_limits<double>::denorm_min(), -std::numeric_limits<double>::denorm_min(), -0.0},
+        {inf},
+        {-inf, inf},
+        {std::numeric_limits<double>::quiet_NaN()}};
+    for (Case const& c : kCases)
+        for (auto const& values : strange) {
+            auto image = Noise<double>(c, 4);
+            for (std::size_t i = 0; i < values.size(); ++i)
+                for (std::size_t at = i * 13 + 5; at < image.Size(); at += 97) image.Pixels()[at] = values[i];
+            ExpectTyped(c, image, CarriedMeans(c, image));
+        }
+}
+
+// ---- Weighted means
+
+template <typename T> class WeightedFlatTop : public testing::Test {};
+using Elements = testing::Types<unsigned short, short, double>;
+TYPED_TEST_SUITE(WeightedFlatTop, Elements, );
+
+TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
+    struct Weights {
+        char const* name;
+        int (*weight)(int random);
+    };
+    Weights const kinds[] = {
+        {"set and clear", [](int random) { return random & 1; }},
+        {"few", [](int random) { return random % 50 == 0 ? 1 : 0; }},
+        {"none", [](int) { return 0; }},
+        {"of both signs", [](int random) { return random % 256 - 128; }},
+        {"nearly none left", [](int random) { return random % 3 - 1; }},
+        {"the most negative", [](int random) { return random & 1 ? -128 : 127; }},
+    };
+    for (Case const& c : kCases)
+        for (Weights const& kind : kinds) {
+            SCOPED_TRACE(kind.name);
+            auto const image = Noise<TypeParam>(c, 5);
+            auto mask = Noise<char>(c, 6);
+            std::mt19937 random(7);
+            for (std::size_t i = 0; i < mask.Size(); ++i)
+                mask.Pixels()[i] = static_cast<char>(kind.weight(static_cast<int>(random() >> 8)));
+            auto const before = mask;
+            Expect<TypeParam>(c, image, WeightedMeans(c, image, mask), [&](TypeParam* in, TypeParam* out) {
+                return rectFlatTopFilteringWithMaskTemplate(in, out, mask.Pixels(), c.width, c.height,
+                                                            c.kernelWidth, c.kernelHeight);
+            });
+            EXPECT_TRUE(mask == before);
+        }
+}
+
+TYPED_TEST(WeightedFlatTop, FillsInFromOnePixel) {
+    Case const c{30, 20, 5, 7};
+    auto image = Noise<TypeParam>(c, 8);
+    auto mask = Blank<char>(c);
+    std::fill_n(mask.Pixels(), mask.Size(), char(0));
+    image.At(11, 9) = TypeParam(100);
+    mask.At(11, 9) = 1;
+    auto expected = Blank<TypeParam>(c);
+    for (int y = 0; y < c.height; ++y)
+        for (int x = 0; x < c.width; ++x)
+            expected.At(x, y) = TypeParam(std::abs(x - 11) <= 2 && std::abs(y - 9) <= 3 ? 100 : 0);
+    auto output = Blank<TypeParam>(c);
+    ASSERT_EQ(rectFlatTopFilteringWithMaskTemplate(image.Pixels(), output.Pixels(), mask.Pixels(), c.width,
+                                                   c.height, c.kernelWidth, c.kernelHeight),
+              SOLVANE_OK);
+    // Integers leave nothing behind when they are subtracted again; doubles leave what was rounded away.
+    for (int y = 0; y < c.height; ++y)
+        for (int x = 0; x < c.width; ++x) EXPECT_EQ(output.At(x, y), expected.At(x, y)) << x << ", " << y;
+}
+
+// ---- All forms alike
+
+// Every exported form over the same memory, whose elements it takes for its own.
+struct Form {
+    char const* name;
+    std::wstring prefix;
+    std::size_t elementSize;
+    bool masked;
+    std::function<int(void* in, void* out, void* mask, int w, int h, int kw, int kh)> call;
+};
+template <typename T, typename Function> auto Plain(Function function) {
+    return [function](void* in, void* out, void*, int w, int h, int kw, int kh) -> int {
+        return function(static_cast<T*>(in), static_cast<T*>(out), w, h, kw, kh);
+    };
+}
+template <typename T, typename Function> auto Masked(Function function) {
+    return [function](void* in, void* out, void* mask, int w, int h, int kw, int kh) -> int {
+        return function(static_cast<T*>(in), static_cast<T*>(out), static_cast<char*>(mask), w, h, kw, kh);
+    };
+}
+using UShort = unsigned short;
+std::wstring const kPlainPrefix = L"rectFlatTopFilteringTemplate()";
+std::wstring const kMaskedPrefix = L"rectFlatTopFilteringWithMaskTemplate()";
+Form const kForms[] = {
+    {"rectFlatTopFilter", L"rect_flat_top_filtering()", 2, false, Plain<UShort>(rectFlatTopFilter)},
+    {"rectFlatTopFilteringTemplate", kPlainPrefix, 2, false,
+     Plain<UShort>(rectFlatTopFilteringTemplate<UShort>)},
+    {"rectFlatTopFilteringTemplate", kPlainPrefix, 2, false,
+     Plain<short>(rectFlatTopFilteringTemplate<short>)},
+    {"rectFlatTopFilteringTemplate", kPlainPrefix, 8, false,
+     Plain<double>(rectFlatTopFilteringTemplate<double>)},
+    {"rect_flat_top_filtering_ushort", kPlainPrefix, 2, false, Plain<UShort>(rect_flat_top_filtering_ushort)},
+    {"rect_flat_top_filtering_short", kPlainPrefix, 2, false, Plain<short>(rect_flat_top_filtering_short)},
+    {"rect_flat_top_filtering_double", kPlainPrefix, 8, false, Plain<double>(rect_flat_top_filtering_double)},
+    {"rectFlatTopFilteringWithMaskTemplate", kMaskedPrefix, 2, true,
+     Masked<UShort>(rectFlatTopFilteringWithMaskTemplate<UShort>)},
+    {"rectFlatTopFilteringWithMaskTemplate", kMaskedPrefix, 8, true,
+     Masked<double>(rectFlatTopFilteringWithMaskTemplate<double>)},
+    {"rectFlatTopFilteringWithMask_ushort", kMaskedPrefix, 2, true,
+     Masked<UShort>(rectFlatTopFilteringWithMask_ushort)},
+    {"rectFlatTopFilteringWithMask_short", kMaskedPrefix, 2, true,
+     Masked<short>(rectFlatTopFilteringWithMask_short)},
+    {"rectFlatTopFilteringWithMask_double", kMaskedPrefix, 8, true,
+     Masked<double>(rectFlatTopFilteringWithMask_double)},
+};
+
+// Memory for an image of 6 x 5 doubles and more, three times, known by its bytes.
+struct Scene {
+    std::vector<unsigned char> bytes = std::vector<unsigned char>(1024);
+    unsigned char* input = bytes.data();
+    unsigned char* output = bytes.data() + 256;
+    unsigned char* mask = bytes.data() + 512;
+
+    Scene() {
+        for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i % 101);
+    }
+};
+
+TEST(EveryFlatTopFilter, RefusesInItsOrder) {
+    std::wstring const null = L" - NULL pointer(s).", kernel = L" - invalid kernel size.";
+    std::wstring const inPlace = L" - input and output must be different buffers.";
+    struct Refusal {
+        bool input, output;
+        int width, height, kernelWidth, kernelHeight;
+        int code;
+        std::wstring text;
+    };
+    Refusal const refusals[] = {
+        {false, true, 6, 5, 3, 3, 2, null},
+        {true, false, 6, 5, 3, 3, 2, null},
+        {false, true, 0, 0, 2, 2, 2, null},
+        {true, true, 6, 5, 2, 3, 3, kernel},
+        {true, true, 6, 5, 3, 2, 3, kernel},
+        {true, true, 6, 5, 0, 3, 3, kernel},
+        {true, true, 6, 5, 3, INT_MIN, 3, kernel},
+        {true, true, 6, 5, 7, 3, 3, kernel},
+        {true, true, 6, 5, 6, 3, 3, kernel},  // becomes 7
+        {true, true, 6, 4, 3, 4, 3, kernel},
+        {true, true, 6, 5, INT_MAX, 3, 3, kernel},
+        {true, true, 6, 5, 3, INT_MAX - 1, 3, kernel},
+        {true, true, 0, 5, 3, 3, 3, kernel},
+        {true, true, 6, -5, 3, 3, 3, kernel},
+        {true, true, INT_MIN, INT_MIN, 3, 3, 3, kernel},
+        {true, true, INT_MAX, INT_MAX, 3, 3, 4, inPlace},  // no memory holds two such images
+    };
+    for (Form const& form : kForms) {
+        SCOPED_TRACE(form.name);
+        for (Refusal const& each : refusals) {
+            SCOPED_TRACE(testing::Message() << each.width << " x " << each.height << " by "
+                                            << each.kernelWidth << " x " << each.kernelHeight);
+            Scene scene;
+            auto const before = scene.bytes;
+            CapturedLog const log;
+            EXPECT_EQ(form.call(each.input ? scene.input : nullptr, each.output ? scene.output : nullptr,
+                                scene.mask, each.width, each.height, each.kernelWidth, each.kernelHeight),
+                      each.code);
+            EXPECT_EQ(log.Code(), each.code);
+            EXPECT_EQ(log.Text(), form.prefix + each.text);
+            EXPECT_EQ(scene.bytes, before);
+        }
+        if (!form.masked) continue;
+        Scene scene;
+        CapturedLog const log;
+        EXPECT_EQ(form.call(scene.input, scene.output, nullptr, 6, 5, 2, 3), 2);
+        EXPECT_EQ(log.Text(), form.prefix + null);
+    }
+}
+
+TEST(EveryFlatTopFilter, RefusesSharedMemory) {
+    for (Form const& form : kForms) {
+        SCOPED_TRACE(form.name);
+        std::size_t const imageBytes = 6 * 5 * form.elementSize, maskBytes = 6 * 5;
+        struct Overlap {
+            std::size_t input, output, mask;
+            int code;
+        };
+        Overlap const overlaps[] = {
+            {0, 0, 512, 4},
+            {0, imageBytes - form.elementSize, 512, 4},
+            {imageBytes - form.elementSize, 0, 512, 4},
+            {0, imageBytes, 512, 0},
+            {imageBytes, 0, 512, 0},
+            {0, 256, 256 + imageBytes - 1, form.masked ? 4 : 0},
+            {0, 256, 256 - maskBytes + 1, form.masked ? 4 : 0},
+            {0, 256, 256 + imageBytes, 0},
+            {0, 256, 256 - maskBytes, 0},
+            {0, 256, 0, 0},
+        };
+        for (Overlap const& each : overlaps) {
+            Scene scene;
+            auto const before = scene.bytes;
+            CapturedLog const log;
+            EXPECT_EQ(form.call(scene.input + each.input, scene.input + each.output, scene.input + each.mask,
+                                6, 5, 3, 3),
+                      each.code);
+            EXPECT_EQ(log.Code(), each.code);
+            EXPECT_EQ(scene.bytes == before, each.code != 0);
+        }
+    }
+}
+
+TEST(EveryFlatTopFilter, ReportsThatThereIsNoMemory) {
+    for (Form const& form : kForms) {
+        SCOPED_TRACE(form.name);
+        Scene scene;
+        auto expected = scene.bytes;
+        if (form.masked)
+            std::fill_n(expected.begin() + 256, 6 * 5 * form.elementSize, static_cast<unsigned char>(0));
+        CapturedLog const log;
+        {
+            NoMemory const none;
+            EXPECT_EQ(form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3), 1);
+        }
+        EXPECT_EQ(log.Code(), 1);
+        EXPECT_EQ(log.Text().find(form.prefix + L": Memory allocation failed for "), 0U)
+            << testing::PrintToString(log.Text());
+        EXPECT_EQ(scene.bytes, expected);
+    }
+}
+
+TEST(EveryFlatTopFilter, IsEnteredAndLeftOnceUnderItsName) {
+    for (Form const& form : kForms) {
+        SCOPED_TRACE(form.name);
+        Scene scene;
+        CapturedLog log;
+        log.Debug(eLogFunction);
+        EXPECT_EQ(form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3), 0);
+        ASSERT_EQ(log.DebugLines().size(), 2U);
+        std::string const name = form.name;
+        EXPECT_EQ(log.DebugLines()[0].message,
+                  L"Entering function ZPA::" + std::wstring(name.begin(), name.end()));
+    }
+}
+
+}  // namespace
+}  // namespace ZPA

@@ -1,0 +1,179 @@
+// What becomes of callers and their memory when an allocation fails.
+#include <Basics/ImageBuffer.h>
+#include <Basics/Logging.h>
+#include <Basics/PixelOperations.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cwchar>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "support/CapturedLog.h"
+
+namespace {
+
+// For the thread that arms them: allocations until the one that fails, and those since.
+thread_local int untilFailure = -1;
+thread_local int allocations = 0;
+thread_local long blocks = 0;
+
+void* Allocate(std::size_t size) noexcept {
+    ++allocations;
+    if (untilFailure >= 0 && untilFailure-- == 0) return nullptr;
+    void* const block = std::malloc(size > 0 ? size : 1);
+    if (block) ++blocks;
+    return block;
+}
+
+void Free(void* block) noexcept {
+    if (block) --blocks;
+    std::free(block);
+}
+
+void* AllocateOrThrow(std::size_t size) {
+    void* const block = Allocate(size);
+    if (!block) throw std::bad_alloc();
+    return block;
+}
+
+}  // namespace
+
+// For the whole program, the library included.
+void* operator new(std::size_t size) { return AllocateOrThrow(size); }
+void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return Allocate(size); }
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return Allocate(size); }
+void operator delete(void* block) noexcept { Free(block); }
+void operator delete[](void* block) noexcept { Free(block); }
+void operator delete(void* block, std::size_t) noexcept { Free(block); }
+void operator delete[](void* block, std::size_t) noexcept { Free(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept { Free(block); }
+void operator delete[](void* block, std::nothrow_t const&) noexcept { Free(block); }
+
+namespace ZPA {
+namespace {
+
+using Testing::CapturedLog;
+
+// The log without memory of its own.
+struct Heard {
+    int errors = 0;
+    int code = 0;
+    wchar_t text[512] = {};
+};
+Heard heard;
+void Hear(wchar_t const*, int code, wchar_t const* text) {
+    ++heard.errors;
+    heard.code = code;
+    std::wcscpy(heard.text, text);
+}
+
+class Allocation : public testing::Test {
+protected:
+    Allocation() {
+        heard = {};
+        ZPA_Logging::SetErrorCallback(Hear);
+    }
+    // Runs the body while its allocation number `fails`, from 0, fails, and nothing may leak.
+    template <typename Body> static void Failing(int fails, Body const& body) {
+        heard = {};
+        long const before = blocks;
+        untilFailure = fails;
+        body();
+        EXPECT_EQ(untilFailure, -1) << "there is no allocation " << fails;
+        untilFailure = -1;
+        EXPECT_EQ(blocks, before) << "leak when allocation " << fails << " fails";
+    }
+    CapturedLog log;
+};
+
+TEST_F(Allocation, OfACounterThatFailsDeletesTheObject) {
+    Failing(1, [] { EXPECT_THROW(ZPA_Ptr<double>(new double[3]), std::bad_alloc); });
+    Failing(1, [] { EXPECT_THROW(ZPA_Ptr<ISolvane_Object>(new ISolvane_Object), std::bad_alloc); });
+}
+
+// The exception's own text is the second allocation.
+TEST_F(Allocation, OfPixelsOrElementsThatFailsThrows) {
+    ZPA_Image<unsigned short> image;
+    ZPA_Buffer<double> buffer;
+    Failing(0,
+            [&] { EXPECT_THROW(image.SetImage(nullptr, 3, 2, 5, 12, 0, true, true), std::runtime_error); });
+    EXPECT_STREQ(heard.text, L"Memory allocation failed for 20 bytes.");
+    EXPECT_EQ(heard.code, 1);
+    EXPECT_EQ(image.GetBufferPtr(), nullptr);
+    EXPECT_EQ(image.GetStride(), 5);
+    EXPECT_FALSE(image.IsOwner());
+    Failing(0, [&] { EXPECT_THROW(buffer.SetBuffer(nullptr, 3, true), std::runtime_error); });
+    EXPECT_STREQ(heard.text, L"Memory allocation failed for 24 bytes.");
+    EXPECT_EQ(buffer.GetBufferPtr(), nullptr);
+    EXPECT_EQ(buffer.GetSize(), 3);
+    EXPECT_FALSE(buffer.IsOwner());
+}
+
+TEST_F(Allocation, InAHistogramThatFailsLeavesItEmpty) {
+    unsigned char pixel = 0;
+    ZPA_Image<unsigned char> const image(&pixel, 1, 1, 1, 8, 0, false, false);
+    // The buffer, its counter, its elements.
+    for (int const fails : {0, 1, 2}) {
+        Failing(fails, [&] {
+            auto const histogram = image.GetHistogram();
+            EXPECT_EQ(histogram.GetPointer() != nullptr, fails == 2);
+            EXPECT_TRUE(fails != 2 || histogram->GetBufferPtr() == nullptr);
+        });
+        EXPECT_STREQ(heard.text, L"GetHistogram(); Unexpected exception.");
+        EXPECT_EQ(heard.code, 999);
+        EXPECT_EQ(heard.errors, fails == 2 ? 2 : 1);
+    }
+}
+
+TEST_F(Allocation, OfAnOutputThatFailsLeavesNone) {
+    unsigned char pixels[4] = {};
+    ImageAttributes const source(eByte, pixels, 2, 2, 2, 8, 0);
+    ImageAttributes output;
+    Failing(0, [&] { EXPECT_EQ(ValidateImageBuffer(source, &output), 1); });
+    EXPECT_STREQ(heard.text, L"ValidateImageBuffer: Memory allocation failed for 4 bytes.");
+    EXPECT_EQ(output.buffer, nullptr);
+    Failing(0, [&] { EXPECT_EQ(CopyPixels(source, &output), 999); });
+    EXPECT_STREQ(heard.text, L"Unexpected exception.");
+    EXPECT_EQ(output.buffer, nullptr);
+}
+
+TEST_F(Allocation, OfAScopeThatFailsIsToldAndForgiven) {
+    ZPA_Logging::EnableDebug(eLogFunction, true);
+    ZPA_Logging::EnableDebug(eLogTiming, true);
+    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
+    std::wstring const bytes = std::to_wstring(3 * sizeof(wchar_t));
+    Failing(0, [&] {
+        ZPA_Logging::SetErrorCallback([](wchar_t const*, int code, wchar_t const* text) {
+            Hear(L"", code, text);
+            ZPA_Logging::SetDebugCallback(nullptr);  // the next line would hide this one
+        });
+        EntryExitLogging const scope(L"f", eLogFunction, L"%d", 5);
+    });
+    EXPECT_EQ(heard.text,
+              L"EntryExitLogging constructor: Memory allocation failed for " + bytes + L" bytes.");
+    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
+    ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) {});
+    Failing(0, [] {
+        EntryExitLogging const scope(L"f", eLogFunction, L"%d", 5);
+        EXPECT_STREQ(heard.text, L"Entering function f");
+    });
+    Failing(0, [] { CodeBlockTimer const timer(eTimingDebug, L"%d", 5); });
+    EXPECT_EQ(std::wstring(heard.text).find(L" took "), 0U);
+}
+
+TEST_F(Allocation, IsNotNeededToLog) {
+    ZPA_Logging::EnableDebug(eLogFunction, true);
+    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
+    int const before = allocations;
+    ZPA_Logging::LogError(L"folder/file.cpp", 1, 4, L"%s %S %d %p %5.3f", L"wide", "narrow", 1, &heard, 1.5);
+    ZPA_Logging::LogDebug(L"folder/file.cpp", 1, eLogFunction, L"%600s", L"");
+    { EntryExitLogging const scope(L"f", eLogFunction); }
+    EXPECT_EQ(allocations, before);
+    EXPECT_EQ(heard.errors, 4);
+}
+
+}  // namespace
+}  // namespace ZPA

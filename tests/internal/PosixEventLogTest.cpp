@@ -1,0 +1,141 @@
+// The registry as folders and files.
+#if !defined(_WIN32)
+#include "Source/Platform/PosixEventLog.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace ZPA {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PosixRegistry : public testing::Test {
+protected:
+    PosixRegistry()
+        : folder(fs::temp_directory_path() / ("zpa-registry-" + std::to_string(getpid()) + "-" +
+                                              testing::UnitTest::GetInstance()->current_test_info()->name())),
+          root((folder / "not" / "yet").string()),
+          log(root.c_str()) {}
+    ~PosixRegistry() override { fs::remove_all(folder); }
+
+    std::string Content(std::string const& path) const {
+        std::ifstream file(root + "/" + path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void Write(std::string const& path, std::string const& content) const {
+        fs::create_directories(fs::path(root + "/" + path).parent_path());
+        std::ofstream(root + "/" + path, std::ios::binary) << content;
+    }
+
+    fs::path const folder;
+    std::string const root;
+    PosixEventLog log;
+};
+
+TEST_F(PosixRegistry, CreatesKeysWithAllFoldersAboveThem) {
+    bool existed = true;
+    EventLog::Key key = log.CreateKey(L"SYSTEM\\Services\\\x3A9", existed);
+    ASSERT_NE(key, nullptr);
+    EXPECT_FALSE(existed);
+    log.CloseKey(key);
+    EXPECT_TRUE(fs::is_directory(root + "/SYSTEM/Services/\xCE\xA9"));
+    key = log.CreateKey(L"SYSTEM\\Services\\\x3A9", existed);
+    ASSERT_NE(key, nullptr);
+    EXPECT_TRUE(existed);
+    log.CloseKey(key);
+}
+
+TEST_F(PosixRegistry, StoresHalfAsManyCharactersAsBytes) {
+    bool existed = false;
+    EventLog::Key const key = log.CreateKey(L"key", existed);
+    ASSERT_NE(key, nullptr);
+    struct Case {
+        wchar_t const* text;
+        std::uint32_t bytes;
+        std::string stored;
+    };
+    for (Case const& each :
+         {Case{L"/opt/libzpa.so", 15, "/opt/li"}, Case{L"ab", 100, "ab"}, Case{L"ab", 0, ""},
+          Case{L"\xE9\x20AC\x1F600\xD800!", 10, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80?!"}}) {
+        log.SetText(key, L"EventMessageFile", each.text, each.bytes);
+        EXPECT_EQ(Content("key/EventMessageFile"), each.stored);
+    }
+    log.CloseKey(key);
+}
+
+TEST_F(PosixRegistry, ReadsTheNumbersThatItStores) {
+    bool existed = false;
+    EventLog::Key const key = log.CreateKey(L"a\\b", existed);
+    ASSERT_NE(key, nullptr);
+    for (std::uint32_t const stored : {7U, 0U, 4294967295U, 10U}) {
+        log.SetNumber(key, L"TypesSupported", stored);
+        EXPECT_EQ(Content("a/b/TypesSupported"), std::to_string(stored));
+        std::uint32_t value = 3;
+        log.ReadValue(L"a\\b", L"TypesSupported", value);
+        EXPECT_EQ(value, stored);
+    }
+    log.CloseKey(key);
+}
+
+TEST_F(PosixRegistry, LeavesTheValueAloneWhereItCannotRead) {
+    Write("key/number", "1\n");
+    Write("key/word", "all\n");
+    Write("key/empty", "");
+    Write("key/folder/file", "");
+    struct Case {
+        wchar_t const *key, *name;
+        std::uint32_t value;
+    };
+    for (Case const& each : {Case{L"key", L"number", 1}, Case{L"key", L"word", 3}, Case{L"key", L"empty", 3},
+                             Case{L"key", L"folder", 3}, Case{L"key", L"missing", 3},
+                             Case{L"missing", L"number", 3}, Case{L"key\\number", L"number", 3}}) {
+        std::uint32_t value = 3;
+        log.ReadValue(each.key, each.name, value);
+        EXPECT_EQ(value, each.value) << testing::PrintToString(each.name);
+    }
+}
+
+TEST_F(PosixRegistry, HasNoKeysUnderAForbiddenRoot) {
+    Write("file", "");
+    std::string const belowAFile = root + "/file/root";
+    for (char const* const forbidden : {"/proc/zpa/registry", "/dev/null", belowAFile.c_str()}) {
+        PosixEventLog elsewhere(forbidden);
+        bool existed = false;
+        EXPECT_EQ(elsewhere.CreateKey(L"zpa\\key", existed), nullptr) << forbidden;
+        std::uint32_t value = 3;
+        elsewhere.ReadValue(L"zpa\\key", L"TypesSupported", value);
+        EXPECT_EQ(value, 3U);
+    }
+}
+
+TEST_F(PosixRegistry, LosesWhatItCannotStore) {
+    Write("key/folder/file", "");
+    bool existed = false;
+    EventLog::Key const key = log.CreateKey(L"key", existed);
+    ASSERT_NE(key, nullptr);
+    log.SetNumber(key, L"folder", 7);
+    log.SetText(key, L"no\\such/folder", L"text", 8);
+    log.CloseKey(key);
+    EXPECT_TRUE(fs::is_directory(root + "/key/folder"));
+}
+
+TEST_F(PosixRegistry, KnowsTheModuleWithinTheLimit) {
+    wchar_t path[4097];
+    std::uint32_t const size = log.ModulePath(path, 4096);
+    EXPECT_GT(size, 0U);
+    EXPECT_EQ(std::wstring(path).size(), size);
+    wchar_t cut[] = L"????????";
+    EXPECT_EQ(log.ModulePath(cut, 4), 4U);
+    EXPECT_EQ(std::wstring(cut), std::wstring(path, 4));
+    EXPECT_EQ(cut[5], L'?');
+}
+
+}  // namespace
+}  // namespace ZPA
+#endif

@@ -1,0 +1,24 @@
+// Allocations that fail: the program's own operator stands in for that of the standard library.
+#include "support/NoMemory.h"
+
+#include <new>
+
+namespace {
+thread_local bool none = false;
+}  // namespace
+
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    if (none) return nullptr;
+    try {
+        return operator new[](size);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+namespace ZPA::Testing {
+
+NoMemory::NoMemory() { none = true; }
+NoMemory::~NoMemory() { none = false; }
+
+}  // namespace ZPA::Testing
