@@ -44,6 +44,12 @@ void delete_vector(float* v, int nl) {
 
 float** alloc_matrix(int nrl, int nrh, int ncl, int nch) {
     std::int64_t const rows = Count(nrl, nrh), columns = Count(ncl, nch);
+    bool const countable = rows >= 0 && columns >= 0 && (rows == 0 || columns <= PTRDIFF_MAX / rows);
+    std::uint64_t const elements = countable ? WithSpare(rows * columns) : kNoSize;
+    if (BlockBytes(elements, sizeof(float)) == kNoSize) {
+        ReportMemory(L"alloc_matrix()", elements, sizeof(float));
+        return nullptr;
+    }
     // Without a row there is still a pointer, by which the block is found again.
     std::uint64_t const rowsAndSpare = WithSpare(rows == 0 ? 1 : rows);
     auto** const pointers = AllocateElements<float*>(rowsAndSpare);
@@ -51,8 +57,6 @@ float** alloc_matrix(int nrl, int nrh, int ncl, int nch) {
         ReportMemory(L"alloc_matrix()", rowsAndSpare, sizeof(float*));
         return nullptr;
     }
-    bool const countable = rows == 0 || columns <= PTRDIFF_MAX / rows;
-    std::uint64_t const elements = columns < 0 || !countable ? kNoSize : WithSpare(rows * columns);
     auto* const block = AllocateElements<float>(elements);
     if (!block) {
         // The pointers are not released: an oddity that is part of the interface.

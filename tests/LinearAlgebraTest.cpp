@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "support/CapturedLog.h"
-#include "support/LimitedMemory.h"
+#include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -78,13 +78,15 @@ TEST(OffsetArrays, ReportWhatCannotBeAllocated) {
     log.Clear();
     EXPECT_EQ(alloc_matrix(1, -1, 1, 4), nullptr);
     EXPECT_EQ(log.Text(), kMatrix);
-#ifdef ZPA_TESTS_CAN_LIMIT_MEMORY
-    // the row pointers are lost, as they should be; the sanitizers do not like it
     log.Clear();
-    EXPECT_EQ(alloc_matrix(1, 1, 1, -1), nullptr);
-    EXPECT_EQ(alloc_matrix(1, 1 << 20, INT_MIN, INT_MAX), nullptr);
+    EXPECT_EQ(alloc_matrix(INT_MIN, INT_MAX, INT_MIN, INT_MAX), nullptr);
+    EXPECT_EQ(alloc_matrix(1, 4, 1, -1), nullptr);
     EXPECT_EQ(log.Text(), kMatrix);
-#endif
+    NoMemory const none;
+    EXPECT_EQ(alloc_vector(1, 2), nullptr);
+    EXPECT_EQ(log.Text(), L"alloc_vector(): Memory allocation failed for 12 bytes.");
+    EXPECT_EQ(alloc_matrix(1, 1, 1, 1), nullptr);
+    EXPECT_EQ(log.Errors().size(), 4U);
 }
 
 // Whole numbers, so that every order of additions gives the same.
@@ -503,41 +505,37 @@ TEST(LinearAlgebra, ReportsNullPointersAndLeavesNothingsAlone) {
     EXPECT_TRUE(log.Errors().empty());
 }
 
-#ifdef ZPA_TESTS_CAN_LIMIT_MEMORY
 TEST(LinearAlgebra, ReportsThatThereIsNoMemory) {
-    // Sizes that the arrays do not have: nothing may be read before there is memory.
-    static double d[2] = {1, 2};
-    static int i[1] = {7};
-    static float f[2];
-    static float* rows[2];
-    static double* rowsOfDouble[2];
-    constexpr int n = 1 << 16;
+    static std::vector<double> d(100 * 100, 1.0);
+    static std::vector<int> i(100, 7);
+    static OffsetMatrix<float> matrix(2, 2);
+    static float f[3];
     struct Case {
         void (*call)();
         int code;
         wchar_t const* message;
     };
     Case const cases[] = {
-        {[] { ludcmp(d, n, i, d); }, 1, L"ludcmp(): Memory allocation failed for 1048576 bytes."},
-        {[] { ludcmp_DBL(d, n, i, d); }, 1, L"ludcmp_DBL(): Memory allocation failed for 1048576 bytes."},
-        {[] { sollequ(d, n, d); }, 1, L"sollequ(): Memory allocation failed for 262144 bytes."},
-        {[] { sollequ_DBL(d, n, d); }, 1, L"sollequ_DBL(): Memory allocation failed for 262144 bytes."},
-        {[] { invmatrix_DBL(d, d, n); }, 1, L"invmatrix_DBL(): Memory allocation failed for 262144 bytes."},
-        {[] { EXPECT_EQ(svdcmp(rows, 1, n, f, rows), 5); }, 5,
-         L"svdcmp():alloc_vector() for 'rv1' failed with params nl=1, nh=65536"},
-        {[] { EXPECT_EQ(svdcmp(rows, 1 << 20, 2, f, rows), 1); }, 1,
-         L"svdcmp(): Memory allocation failed for 12582936 bytes."},
-        {[] { EXPECT_EQ(dsvdcmp_DBL(rowsOfDouble, 1, n, d, rowsOfDouble), 999); }, 999,
-         L"svdcmp(): no enough memory."},
-        {[] { EXPECT_EQ(dsvdcmp_DBL(rowsOfDouble, INT_MAX, INT_MAX, d, rowsOfDouble), 999); }, 999,
-         L"svdcmp(): no enough memory."},
-        {[] { EXPECT_EQ(svbksb(rows, f, rows, 1, n, f, f), 5); }, 5,
-         L"svbksb(): alloc_vector() for 'tmp' failed with params nl=1, nh=65536"},
+        {[] { ludcmp(d.data(), 100, i.data(), d.data()); }, 1,
+         L"ludcmp(): Memory allocation failed for 1600 bytes."},
+        {[] { sollequ(d.data(), 41, d.data()); }, 1, L"sollequ(): Memory allocation failed for 164 bytes."},
+        {[] { sollequ_DBL(d.data(), 41, d.data()); }, 1,
+         L"sollequ_DBL(): Memory allocation failed for 164 bytes."},
+        {[] { EXPECT_EQ(svdcmp(matrix.pointers.data(), 2, 2, f, matrix.pointers.data()), 5); }, 5,
+         L"svdcmp():alloc_vector() for 'rv1' failed with params nl=1, nh=2"},
+        {[] { EXPECT_EQ(svbksb(matrix.pointers.data(), f, matrix.pointers.data(), 2, 2, f, f), 5); }, 5,
+         L"svbksb(): alloc_vector() for 'tmp' failed with params nl=1, nh=2"},
+        // more than any memory: nothing of the matrix is looked at
+        {[] {
+             double* none[1] = {};
+             EXPECT_EQ(dsvdcmp_DBL(none, INT_MAX, INT_MAX, d.data(), none), 999);
+         },
+         999, L"svdcmp(): no enough memory."},
     };
     for (Case const& each : cases) {
         CapturedLog const log;
         {
-            LimitedMemory const none;
+            NoMemory const none;
             each.call();
         }
         EXPECT_EQ(log.Text(), each.message);
@@ -545,7 +543,6 @@ TEST(LinearAlgebra, ReportsThatThereIsNoMemory) {
         EXPECT_TRUE(d[0] == 1 && i[0] == 7);
     }
 }
-#endif
 
 }  // namespace
 }  // namespace ZPA

@@ -13,8 +13,10 @@
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
 #include <Basics/FlatTopFilter.h>
+#include <Basics/FourierTransform.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
+#include <Basics/LinearAlgebra.h>
 #include <Basics/Logging.h>
 #include <Basics/PixelOperations.h>
 #include <Basics/RawFile.h>
