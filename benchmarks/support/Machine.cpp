@@ -11,6 +11,15 @@
 #ifdef ZPA_PEER_OPENCV
 #include <opencv2/core.hpp>
 #endif
+#ifdef ZPA_PEER_FFTW
+#include <fftw3.h>
+#endif
+#ifdef ZPA_PEER_LAPACK
+#include <cblas.h>
+#endif
+#ifdef ZPA_PEER_EIGEN
+#include <Eigen/Core>
+#endif
 
 namespace ZPA::Benchmarks {
 namespace {
@@ -39,12 +48,23 @@ bool Optimised() {
 }
 
 std::vector<Peer> PreparePeers([[maybe_unused]] int threads) {
+    Peer openCv{"OpenCV", ""}, fftw{"FFTW", ""}, lapack{"LAPACK", ""}, eigen{"Eigen", ""};
 #ifdef ZPA_PEER_OPENCV
     cv::setNumThreads(threads);
-    return {{"OpenCV", CV_VERSION}};
-#else
-    return {{"OpenCV", ""}};
+    openCv.version = CV_VERSION;
 #endif
+#ifdef ZPA_PEER_FFTW
+    fftw.version = fftw_version;
+#endif
+#ifdef ZPA_PEER_LAPACK
+    openblas_set_num_threads(threads);
+    lapack.version = openblas_get_config();
+#endif
+#ifdef ZPA_PEER_EIGEN
+    eigen.version = std::to_string(EIGEN_WORLD_VERSION) + "." + std::to_string(EIGEN_MAJOR_VERSION) + "." +
+                    std::to_string(EIGEN_MINOR_VERSION);
+#endif
+    return {openCv, fftw, lapack, eigen};
 }
 
 double BytesPerSecond(std::size_t read, std::size_t written) {

@@ -16,16 +16,21 @@
 #include <Basics/Export.h>
 #include <Basics/Factory.h>
 #include <Basics/FlatTopFilter.h>
+#include <Basics/FourierTransform.h>
 #include <Basics/Histogram.h>
 #include <Basics/HomoFilter.h>
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
+#include <Basics/LinearAlgebra.h>
 #include <Basics/Logging.h>
 #include <Basics/LogicalPixelOp.h>
+#include <Basics/Morphology.h>
 #include <Basics/PixelOperations.h>
 #include <Basics/RawFile.h>
+#include <Basics/Regions.h>
 #include <Basics/SmartPointer.h>
 #include <Basics/Statistics.h>
+#include <Basics/StructuringElement.h>
 #include <Basics/ZPA_BagIO.h>
 
 #endif

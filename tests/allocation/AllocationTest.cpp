@@ -1,5 +1,6 @@
 // What becomes of callers and their memory when an allocation fails.
 #include <Basics/ImageBuffer.h>
+#include <Basics/LinearAlgebra.h>
 #include <Basics/Logging.h>
 #include <Basics/PixelOperations.h>
 #include <gtest/gtest.h>
@@ -162,6 +163,16 @@ TEST_F(Allocation, OfAScopeThatFailsIsToldAndForgiven) {
     });
     Failing(0, [] { CodeBlockTimer const timer(eTimingDebug, L"%d", 5); });
     EXPECT_EQ(std::wstring(heard.text).find(L" took "), 0U);
+}
+
+TEST_F(Allocation, IsNotNeededForFortyUnknowns) {
+    double matrix[41 * 41] = {}, x[41] = {};
+    for (int const n : {40, 41}) {
+        for (int i = 0; i < n; ++i) matrix[i * n + i] = 2;
+        int const before = allocations;
+        sollequ(matrix, n, x);
+        EXPECT_EQ(allocations > before, n > 40);
+    }
 }
 
 TEST_F(Allocation, IsNotNeededToLog) {
