@@ -85,7 +85,9 @@ ZPA_C_API SOLVANE_RETURNCODE Mul(ImageAttributes first, ImageAttributes second, 
 
 /// image + constant, wrapping around for all integer types (200 + 100 is 44 in a byte, unlike in Add).
 ///
+/// @param image     The pixels, of any type.
 /// @param constant  One value of the image's element type; read only.
+/// @param output    The result; null to write it over the image.
 ///
 /// @retval 0    Done.
 /// @retval 4    A null constant: "ZPA::AddC(): nput data cannot be NULL." (sic)
@@ -133,6 +135,8 @@ ZPA_C_API SOLVANE_RETURNCODE ipp_add(ImageAttributes first, ImageAttributes seco
 ///
 /// STRIDES ARE IGNORED FOR eDouble: each of the three images is taken to have rows without padding.
 ///
+/// @param first   The matrix on the left.
+/// @param second  The matrix on the right.
 /// @param output  In and out. With a null pixel pointer it becomes a copy of the second image's description
 ///                with the first one's height, with new pixels that belong to the caller; they are freed, and
 ///                the pointer is null again, if the operation fails after that.
@@ -173,7 +177,7 @@ ZPA_API SOLVANE_RETURNCODE template_divp(ImageAttributes first, ImageAttributes 
                                          ImageAttributes* output, bool inPlace);
 
 /// The core of AddC.
-/// @param constant  Not null. A null one is refused after the other checks with 2, "The constant is NULL."
+/// A null constant is refused after the other checks with 2, "The constant is NULL."
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_addc(ImageAttributes image, T* constant, ImageAttributes* output,
                                          bool inPlace);

@@ -33,8 +33,8 @@
 ///     double column[2048];                       // real values; 2048 of them are 1024 complex points
 ///     ZPA::realFFT_DBL(column, 1024, 1);         // column[2k], column[2k + 1]: frequency k
 ///     for (int k = 16; k < 1024; ++k) column[2 * k] = column[2 * k + 1] = 0;
-///     column[1] = 0;                             // the highest frequency has the place of 0's imaginary
-///     part ZPA::realFFT_DBL(column, 1024, -1);        // filtered, in the scale it had
+///     column[1] = 0;                             // the highest frequency, in the place of 0's imaginary part
+///     ZPA::realFFT_DBL(column, 1024, -1);        // filtered, in the scale it had
 
 namespace ZPA {
 
@@ -43,7 +43,7 @@ namespace ZPA {
 /// @param n     The number of points, a power of two; a single one stays as it is.
 /// @param sign  +1: the transform, without a factor. -1: the inverse, divided by n.
 ZPA_C_API void FFT(float* data, int n, int sign);
-/// @copydoc FFT
+/// FFT in double precision, with the same arguments.
 ZPA_C_API void FFT_DBL(double* data, int n, int sign);
 
 /// Transforms a square of complex points in place: each row, and then each column, as FFT_DBL does.
@@ -64,7 +64,7 @@ ZPA_C_API void FFT2d_DBL(double* data, int n, int sign);
 /// @param n     HALF the number of values, as many complex points: a power of two.
 /// @param sign  1: the transform. Any other value: the inverse.
 ZPA_C_API void realFFT(float* data, int n, int sign);
-/// @copydoc realFFT
+/// realFFT in double precision, with the same arguments.
 ZPA_C_API void realFFT_DBL(double* data, int n, int sign);
 
 /// Two transforms of real values at the cost of one: with sign +1, without a factor.
@@ -74,7 +74,7 @@ ZPA_C_API void realFFT_DBL(double* data, int n, int sign);
 /// @param fft2   Out: the second one's. Must not overlap the inputs or `fft1`.
 /// @param n      The number of values of each, a power of two.
 ZPA_C_API void realFFT2(float const* data1, float const* data2, float* fft1, float* fft2, int n);
-/// @copydoc realFFT2
+/// realFFT2 in double precision, with the same arguments.
 ZPA_C_API void realFFT2_DBL(double const* data1, double const* data2, double* fft1, double* fft2, int n);
 
 /// The inverse of realFFT2: from two spectra to their real values, divided by n.
@@ -84,7 +84,7 @@ ZPA_C_API void realFFT2_DBL(double const* data1, double const* data2, double* ff
 /// @param out2  Out: n reals.
 /// @param n     The number of points of each, a power of two.
 ZPA_C_API void realIFFT2(float* fft1, float const* fft2, float* out1, float* out2, int n);
-/// @copydoc realIFFT2
+/// realIFFT2 in double precision, with the same arguments.
 ZPA_C_API void realIFFT2_DBL(double* fft1, double const* fft2, double* out1, double* out2, int n);
 
 /// Correlates two real sequences as if each went on for ever:

@@ -74,7 +74,7 @@ ZPA_C_API void mvmul(double const* a, double const* x, double* y, int rows, int 
 
 /// The square root of a * a + b * b, without overflow or underflow of the squares.
 ZPA_C_API float pythag(float a, float b);
-/// @copydoc pythag
+/// pythag in double precision, with the same arguments.
 ZPA_C_API double dpythag_DBL(double a, double b);
 
 /// Factors a square matrix into triangles (Crout's method; L. Fox, "An Introduction to Numerical Linear
@@ -112,7 +112,7 @@ ZPA_C_API void ludcmp_DBL(double* a, int n, int* indx, double* d);
 /// @param b     n elements: the right-hand side, replaced by the solution.
 ZPA_C_API void lubksb(double const* a, int n, int const* indx, double* b);
 /// lubksb under another name.
-/// @copydetails lubksb
+/// Arguments and effects are the same.
 ZPA_C_API void lubksb_DBL(double const* a, int n, int const* indx, double* b);
 
 /// Solves a x = b. Up to 40 unknowns nothing is allocated.
