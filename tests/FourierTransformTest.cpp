@@ -100,7 +100,7 @@ std::vector<T> OnEveryTarget(std::vector<T> const& input, Transform const& trans
 
 template <typename T> class FourierTransform : public testing::Test {};
 using Elements = testing::Types<float, double>;
-TYPED_TEST_SUITE(FourierTransform, Elements);
+TYPED_TEST_SUITE(FourierTransform, Elements, );
 
 TYPED_TEST(FourierTransform, IsTheSum) {
     using T = TypeParam;

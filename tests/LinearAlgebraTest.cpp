@@ -353,7 +353,7 @@ SOLVANE_RETURNCODE Decompose(double** a, int m, int n, double* w, double** v) {
 
 template <typename T> class SingularValues : public testing::Test {};
 using Elements = testing::Types<float, double>;
-TYPED_TEST_SUITE(SingularValues, Elements);
+TYPED_TEST_SUITE(SingularValues, Elements, );
 
 TYPED_TEST(SingularValues, TakeAMatrixApart) {
     using T = TypeParam;
