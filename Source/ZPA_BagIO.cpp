@@ -58,8 +58,11 @@ char const* Suffix(eTypeCode type) {
 std::uint64_t DumpedBytes(ImageAttributes const& image, std::size_t elementSize) {
     if (image.width < 1 || image.height < 1 || image.stride < 1 || image.bitsperpixel < 1) return 0;
     auto const height = static_cast<std::uint64_t>(image.height);
-    auto const pixels = static_cast<std::uint64_t>(image.width) * height;
-    auto const elements = static_cast<std::uint64_t>(image.stride) * height;
+    auto const width = static_cast<std::uint64_t>(image.width);
+    auto const stride = static_cast<std::uint64_t>(image.stride);
+    auto const pixels = width * height;
+    // The last row of a view has no padding, and rows narrower than they are wide have no room beyond.
+    auto const elements = (height - 1) * stride + std::min(stride, width);
     std::uint64_t const bytesPerPixel = (static_cast<std::uint64_t>(image.bitsperpixel) + 7) / 8;
     std::uint64_t const memory = BlockBytes(elements, elementSize);
     return pixels > memory / bytesPerPixel ? memory : pixels * bytesPerPixel;

@@ -135,6 +135,15 @@ TEST_F(ZPA_BagIOTest, DumpsTheBitsOfItsPixelsAndNoMoreThanThereIs) {
     }
 }
 
+TEST_F(ZPA_BagIOTest, DumpsNothingBehindTheLastRowOfAView) {
+    std::vector<unsigned char> block(20, 'x');
+    BagPtr const bag(new Bag);
+    bag->Set("view", ImagePtr<unsigned char>(
+                         new ZPA_Image<unsigned char>(block.data() + 4, 6, 2, 10, 16, 0, false, false)));
+    Save(bag);
+    EXPECT_EQ(folder.Read("Bag.view.6.2.mask"), std::string(16, 'x'));
+}
+
 TEST_F(ZPA_BagIOTest, WhatIsNoImageIsNotSavedAsOne) {
     BagPtr const bag(new Bag);
     bag->Set("null", ImagePtr<short>());

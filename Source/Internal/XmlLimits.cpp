@@ -157,10 +157,11 @@ private:
     bool Follows(std::string_view word) const { return Ahead(word.size()) == word; }
     bool FollowsInAnyCase(std::string_view word) const { return SameText(Ahead(word.size()), word); }
 
-    bool SkipPast(char const* word, int from = 0) {
-        at_ = std::strstr(at_ + from, word);
-        if (!at_) return false;
-        at_ += std::strlen(word);
+    bool SkipPast(std::string_view word, std::size_t from = 0) {
+        std::string_view const rest(at_, static_cast<std::size_t>(end_ - at_));
+        std::size_t const found = rest.find(word, from);
+        if (found == rest.npos) return false;
+        at_ += found + word.size();
         return true;
     }
 
