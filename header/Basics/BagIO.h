@@ -36,15 +36,17 @@ class TiXmlNode;
 /// | `unsigned int`   | System.UInt32  |                           | above 2147483647 as that number        |
 /// | `float`          | System.Single  | with six decimals         | infinity and not-a-number too          |
 /// | `double`         | System.Double  | with six decimals         | infinity and not-a-number too          |
-/// | `std::string`    | System.String  | as it is                  | white space drawn together, none at the
-/// ends | | array            | as its elements, with "[]" | an "item" for each element up to 100 of them, and
-/// for `bool` always; more go to a side file | as many as there are items, or as "Size" tells | |
-/// `ZPA_Ptr<Bag>`   | Bag            | its entries               | its entries                            |
+/// | `std::string`    | System.String  | as it is                  | without white space at its ends        |
+/// | array            | with "[]"      | as items or in a file     | as many items; "Size" from the file    |
+/// | `ZPA_Ptr<Bag>`   | Bag            | its entries               | its entries                            |
 /// | vector of texts  | System.String[] | not                      | items                                  |
 /// | vector of bags   | Bag[]          | not                       | items, each with a bag's entries       |
 ///
-/// So not all that is written comes back: digits are lost, a sub-normal number becomes 0, an array without
-/// elements leaves nothing, and a vector of texts or of bags ends the writing of the bag that it stands in.
+/// An array of up to 100 elements, and any of `bool`, has an "item" for each of them; a longer one goes to a
+/// side file. White space within a text is drawn together to one space.
+///
+/// So not all that is written comes back: decimals behind the sixth are lost, an array without elements
+/// leaves nothing, and a vector of texts or of bags ends the writing of the bag that it stands in.
 ///
 /// A side file has the elements in the order of memory, little-endian, and nothing else. It lies beside the
 /// document and is named after the root, the keys on the way and its own key, with dots between, and
@@ -84,10 +86,9 @@ public:
     /// @param rootName  The name of the root element, and the beginning of the names of side files.
     ///
     /// @return false, with nothing written, for a bag too deep, one that contains itself among them, and
-    /// without
-    ///         memory. True does not mean that all could be written: an entry that cannot be is left out,
-    ///         with those behind it in its bag if it is a vector of texts or of bags, and a file that cannot
-    ///         be written is not reported.
+    ///         without memory. True does not mean that all could be written: an entry that cannot be is left
+    ///         out, with those behind it in its bag if it is a vector of texts or of bags, and a file that
+    ///         cannot be written is not reported.
     bool SaveBag(ZPA_Ptr<Bag> const& bag, std::string const& path, std::string const& rootName);
     /// The same with the root element "Bag".
     bool SaveBag(ZPA_Ptr<Bag> const& bag, std::string const& path);

@@ -20,10 +20,10 @@ namespace ZPA {
 /// @param source  Read only. A null pointer, here or as a value, gives a null pointer.
 /// @return the copy.
 ///
-/// @throws char const* if there is a vector of texts, "can't cast to std::vector<string> in a 32-bit
-/// process.",
-///         or a vector of bags, "can't cast to std::vector<ZPA_Ptr<Bag>> in a 32-bit process.": on every
-///         platform, whatever the size of a pointer.
+/// @throws char const* if there is a vector of texts,
+///         "can't cast to std::vector<string> in a 32-bit process.", or a vector of bags,
+///         "can't cast to std::vector<ZPA_Ptr<Bag>> in a 32-bit process.": on every platform, whatever the
+///         size of a pointer.
 /// @throws std::runtime_error "BagClone() a bag contains itself." for a bag that cannot be copied to its end.
 /// @throws std::bad_alloc also if an array has a negative size.
 ZPA_API ZPA_Ptr<Bag> BagClone(ZPA_Ptr<Bag> const& source);
@@ -46,8 +46,7 @@ ZPA_API void BagAddition(ZPA_Ptr<Bag>& target, ZPA_Ptr<Bag> const& source);
 ///
 /// @param source  Read only; null counts as empty.
 /// @param keys    What to pick, in the order of the result. A key that is missing is skipped, one that is
-/// named
-///                twice stands twice in the result.
+///                named twice stands twice in the result.
 /// @return a new bag, with the sizes and dirty flags of the source.
 ///
 /// @throws std::length_error "list<T> too long" where a list cannot grow any more.

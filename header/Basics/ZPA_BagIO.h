@@ -12,11 +12,12 @@
 /// pixels:
 ///
 ///     <Scan Type="Bag">
-///         <ZPA_Type Type="System.String">ZPA::ZPA_Ptr&lt;ZPA::ZPA_Image&lt;unsigned short&gt;
-///         &gt;</ZPA_Type> <Width Type="System.Int32">640</Width> <Height Type="System.Int32">480</Height>
+///         <ZPA_Type Type="System.String">ZPA::ZPA_Ptr&lt;ZPA::ZPA_Image&lt;short&gt; &gt;</ZPA_Type>
+///         <Width Type="System.Int32">640</Width>
+///         <Height Type="System.Int32">480</Height>
 ///         <PixelSpacing Type="System.Int32">0</PixelSpacing>
 ///         <BitsPerPixel Type="System.Int32">16</BitsPerPixel>
-///         <Buffer Type="System.Byte[]" Size="307200" BufferFile="Bag.Scan.640.480.raw" />
+///         <Buffer Type="System.Byte[]" Size="307200" BufferFile="Bag.Scan.640.480.i16" />
 ///     </Scan>
 ///
 /// "ZPA_Type" has the name of the image's type, which differs between compilers; only "ZPA_Image" and the
