@@ -20,8 +20,8 @@ std::string SideFilePath(std::string const& folder, char const* separator, std::
 // Writes a block of memory. Nothing tells of a failure.
 void WriteSideFile(std::string const& folder, std::string const& name, void const* data, std::uint64_t bytes);
 
-// Throws std::bad_alloc for more memory than a side file of this length backs. A document without its files
-// may ask for a few large arrays, but not for all the memory there is.
+// Throws std::bad_alloc for more memory than a side file of this length backs, or a fixed amount where there is
+// none. The amount holds for an array, not for all that a document names.
 void RequireBacked(std::uint64_t bytes, std::uint64_t fileLength);
 
 // The length of a side file; 0 if it cannot be read.
