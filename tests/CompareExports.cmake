@@ -12,6 +12,10 @@ string(REPLACE "\n" ";" symbols "${symbols}")
 set(names)
 foreach(symbol IN LISTS symbols)
     string(REGEX REPLACE "^[0-9a-f]* *[A-Za-z] " "" name "${symbol}")
+    # LLVM's nm does not read this one.
+    string(REPLACE "_ZNK3ZPA9AnyHandlecvNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEEEv"
+        "ZPA::AnyHandle::operator std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >() const"
+        name "${name}")
     # Tables of classes follow from their members; which functions of inline templates remain is up to the compiler.
     if(name MATCHES "^(typeinfo|typeinfo name|vtable|VTT) for ZPA::" OR name MATCHES "^ZPA::(ZPA_Ptr|counter)<")
         continue()
