@@ -250,7 +250,9 @@ private:
     using Tag = hn::CappedTag<double, (width + 1) / 2>;
     static constexpr std::ptrdiff_t kStep = hn::MaxLanes(Tag());
     static constexpr int kVectors = width / static_cast<int>(kStep);
-    struct Lines { hn::Vec<Tag> at[kVectors]; };
+    struct Lines {
+        hn::Vec<Tag> at[kVectors];
+    };
 
     static HWY_INLINE Lines Load(double const* row) {
         Lines line;
