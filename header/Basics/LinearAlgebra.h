@@ -127,7 +127,7 @@ ZPA_C_API void sollequ(double* a, int n, double* b);
 /// @param b  n elements: the right-hand side, replaced by the solution.
 ZPA_C_API void sollequ_DBL(double* a, int n, double* b);
 
-/// Inverts a square matrix. Cost: 8/3 n^3 operations.
+/// Inverts a square matrix. Cost: 2 n^3 operations.
 ///
 /// The caller is NOT told of a singular matrix: ludcmp_DBL logs a row of zeros, and what is left in `inverse`
 /// means nothing then. No memory: code 1, "invmatrix_DBL(): Memory allocation failed for ... bytes.";
