@@ -173,7 +173,7 @@ TEST(Overlay, TintsRegionsAndLeavesTheRestGrey) {
     using Colour = std::vector<unsigned char>;
     EXPECT_EQ(at(4, 4), (Colour{100, 100, 100}));
     EXPECT_EQ(at(0, 0), (Colour{86, 180, 233}));  // on the outline
-    EXPECT_EQ(at(1, 1), (Colour{95, 124, 139}));
+    EXPECT_EQ(at(1, 1), (Colour{95, 124, 140}));
     EXPECT_EQ(ColourOf(0), "#56b4e9");
 }
 
