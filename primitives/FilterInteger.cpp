@@ -69,7 +69,9 @@ public:
     std::ptrdiff_t Products() const { return static_cast<std::ptrdiff_t>(weights_.size()); }
     // Elements of a row of short pixels: whole blocks, and what the window reads behind them.
     std::ptrdiff_t Stride(std::ptrdiff_t width) const {
-        return (width + kPairBlock - 1) / kPairBlock * kPairBlock + 2 * pairs_;
+        auto const read =
+            static_cast<std::uint64_t>((width + kPairBlock - 1) / kPairBlock * kPairBlock + 2 * pairs_);
+        return static_cast<std::ptrdiff_t>(WholeLines<std::int16_t>(read));
     }
 
 private:
@@ -123,18 +125,23 @@ Factors FactorsOf(std::int32_t const* weights, Size size) {
     return factors;
 }
 
-template <typename T> std::unique_ptr<T[]> WorkMemory(std::uint64_t rows, std::ptrdiff_t stride) {
-    std::uint64_t const bands = static_cast<std::uint64_t>(MostBands());
-    std::uint64_t const elements = bands * rows * static_cast<std::uint64_t>(stride);
-    if (elements > PTRDIFF_MAX / sizeof(T)) throw std::bad_alloc();
-    return std::unique_ptr<T[]>(new T[static_cast<std::size_t>(elements)]);
-}
+// Each band's rows. Strides are whole cache lines.
+template <typename T> class WorkRows {
+public:
+    // Throws where there is no memory.
+    WorkRows(std::uint64_t rows, std::ptrdiff_t stride) : band_(rows * static_cast<std::uint64_t>(stride)) {
+        std::uint64_t const bands = static_cast<std::uint64_t>(MostBands());
+        if (band_ > (PTRDIFF_MAX - kCacheLine) / sizeof(T) / bands) throw std::bad_alloc();
+        memory_.reset(new std::uint8_t[static_cast<std::size_t>(bands * band_ * sizeof(T) + kCacheLine)]);
+    }
+    T* Of(int band) const {
+        return FirstAligned<T>(memory_.get()) + band_ * static_cast<std::uint64_t>(band);
+    }
 
-// A band's part of it.
-template <typename T>
-T* PartOf(std::unique_ptr<T[]> const& memory, int band, std::uint64_t rows, std::ptrdiff_t stride) {
-    return memory.get() + band * static_cast<std::ptrdiff_t>(rows) * stride;
-}
+private:
+    std::uint64_t band_;
+    std::unique_ptr<std::uint8_t[]> memory_;
+};
 
 // A filter whose weights are in the order of the pixels.
 template <typename T> class IntegerFilter {
@@ -151,7 +158,7 @@ public:
     // Throws where there is no memory.
     void Run() const {
         Range const range = RangeOf<T>(weights_.data(), filtering_.Taps());
-        if (PairsServe() && RunSeparated(range)) return;
+        if (PairsServe() && RunSeparated()) return;
         if (PairsServe() && range.high - range.low < 4294967296.0 &&
             AreShort(weights_.data(), filtering_.Taps()))
             return RunPairs(range);
@@ -168,12 +175,11 @@ private:
         PairWindow const window = pairs.Get();
         Quotient const quotient = QuotientOf(divisor_, range.Largest(), offset);
         std::ptrdiff_t const stride = pairs.Stride(size_.width);
-        std::uint64_t const rows = SlidingRows(filtering_.kernelSize.height);
-        auto const memory = WorkMemory<std::int16_t>(rows, stride);
+        WorkRows<std::int16_t> const memory(SlidingRows(filtering_.kernelSize.height), stride);
         std::int64_t const work = (pairs.Products() + 8) * size_.width / kPairsPerByte;
         ForEachBand(size_.height, work, [&](int band, int first, int end) noexcept {
             SlideDown(
-                PartOf(memory, band, rows, stride), stride, filtering_.kernelSize.height, first, end,
+                memory.Of(band), stride, filtering_.kernelSize.height, first, end,
                 [&](std::ptrdiff_t y, std::int16_t* row) {
                     ShortRow(filtering_.ReadRow(y), filtering_.ReadWidth(), row, stride);
                 },
@@ -186,9 +192,9 @@ private:
     }
 
     // False if the kernel does not separate, or not so that it is worth it.
-    bool RunSeparated(Range const& range) const {
+    bool RunSeparated() const {
         Size const kernel = filtering_.kernelSize;
-        if (kernel.width < 3 || kernel.height < 3 || range.Largest() >= kDoubleSums) return false;
+        if (!IsWorthSeparating(kernel)) return false;
         Factors const factors = FactorsOf(weights_.data(), kernel);
         if (factors.row.empty() || !AreShort(factors.row.data(), kernel.width)) return false;
         Range const rowRange = RangeOf<T>(factors.row.data(), kernel.width);
@@ -196,7 +202,7 @@ private:
         double largest = 0;  // of the sums on the way, whatever their order
         for (std::int32_t const weight : factors.column) largest += std::abs(static_cast<double>(weight));
         largest *= rowRange.Largest();
-        if (largest < kFloatSums) {
+        if (largest < kFloatWhole) {
             RunSeparated<float>(factors, largest);
             return true;
         }
@@ -212,17 +218,15 @@ private:
         Pairs const pairs(T(), factors.row.data(), {filtering_.kernelSize.width, 1}, 0);
         PairWindow const window = pairs.Get();
         std::vector<Real> const column(factors.column.begin(), factors.column.end());
-        Quotient quotient = QuotientOf(divisor_, largest, 0);
-        quotient.way = sizeof(Real) == 4 ? Quotient::kFloat : Quotient::kDouble;
+        Quotient const quotient = QuotientOf(divisor_, largest, 0);
         std::ptrdiff_t const stride = pairs.Stride(size_.width);
-        std::uint64_t const rows = SlidingRows(height);
-        auto const shorts = WorkMemory<std::int16_t>(1, stride);
-        auto const memory = WorkMemory<Real>(rows, stride);
+        WorkRows<std::int16_t> const shorts(1, stride);
+        WorkRows<Real> const memory(SlidingRows(height), stride);
         std::int64_t const work = (pairs.Products() + 2 * height + 16) * size_.width / kPairsPerByte;
         ForEachBand(size_.height, work, [&](int band, int first, int end) noexcept {
-            std::int16_t* const pixels = PartOf(shorts, band, 1, stride);
+            std::int16_t* const pixels = shorts.Of(band);
             SlideDown(
-                PartOf(memory, band, rows, stride), stride, height, first, end,
+                memory.Of(band), stride, height, first, end,
                 [&](std::ptrdiff_t y, Real* row) {
                     ShortRow(filtering_.ReadRow(y), filtering_.ReadWidth(), pixels, stride);
                     SumPairs(window, pixels, row, size_.width);
@@ -240,14 +244,14 @@ private:
         int const height = filtering_.kernelSize.height;
         std::vector<double> const weights(weights_.begin(), weights_.end());
         Window<double> const window{weights.data(), filtering_.kernelSize};
-        std::ptrdiff_t const stride = filtering_.ReadWidth();
-        std::uint64_t const rows = SlidingRows(height);
-        auto const memory = WorkMemory<double>(rows + kRowsAtOnce, stride);
+        auto const stride = static_cast<std::ptrdiff_t>(
+            WholeLines<double>(static_cast<std::uint64_t>(filtering_.ReadWidth())));
+        WorkRows<double> const memory(SlidingRows(height) + kRowsAtOnce, stride);
         double const reciprocal = 1.0 / divisor_;
         std::int64_t const work = filtering_.Taps() * size_.width / kDoublesPerByte;
         ForEachBand(size_.height, work, [&](int band, int first, int end) noexcept {
-            double* const part = PartOf(memory, band, rows + kRowsAtOnce, stride);
-            double* const sums = part + static_cast<std::ptrdiff_t>(rows) * stride;
+            double* const part = memory.Of(band);
+            double* const sums = part + static_cast<std::ptrdiff_t>(SlidingRows(height)) * stride;
             SlideDown(
                 part, stride, height, first, end,
                 [&](std::ptrdiff_t y, double* row) {

@@ -15,24 +15,24 @@ namespace {
 // Bytes of pixels multiplied and added in the time that moving a byte takes.
 constexpr int kWeighedPerByte = 8;
 
-// Two passes are worth it where they save half of the multiply-adds; benchmarks/LinearFilters.cpp found it.
-bool IsWorthSeparating(Size kernel) {
-    return std::int64_t{kernel.width} * kernel.height > 2 * (std::int64_t{kernel.width} + kernel.height);
+// Rows of sums on the way. One line more: rows a power of two apart would share the lines of a cache.
+template <typename T> std::ptrdiff_t RowStride(int width) {
+    return static_cast<std::ptrdiff_t>(WholeLines<T>(static_cast<std::uint64_t>(width) + 1));
 }
 
-// Rows of sums on the way, a cache line apart from what would lie in the same lines of a cache.
-std::ptrdiff_t RowStride(int width) { return std::ptrdiff_t{width} + 16; }
-
-// What a filter works in: the turned kernel, the row and the column that it may be the product of, and each
-// band's rows.
-struct WorkSize {
+// What a filter works in: each band's rows, the turned kernel, and the row and the column that it may be the
+// product of.
+template <typename T> struct WorkSize {
     WorkSize(Size kernel, int width)
         : taps(static_cast<std::uint64_t>(kernel.width) * static_cast<std::uint64_t>(kernel.height)),
           edges(static_cast<std::uint64_t>(kernel.width) + static_cast<std::uint64_t>(kernel.height)),
           band(IsWorthSeparating(kernel)
-                   ? SlidingRows(kernel.height) * static_cast<std::uint64_t>(RowStride(width))
+                   ? SlidingRows(kernel.height) * static_cast<std::uint64_t>(RowStride<T>(width))
                    : 0) {}
-    std::uint64_t Elements() const { return taps + edges + band * static_cast<std::uint64_t>(MostBands()); }
+    std::uint64_t Bytes() const {
+        std::uint64_t const elements = band * static_cast<std::uint64_t>(MostBands()) + taps + edges;
+        return elements * sizeof(T) + kCacheLine;
+    }
 
     std::uint64_t taps;
     std::uint64_t edges;
@@ -60,21 +60,22 @@ template <typename T> bool Separate(T const* kernel, Size size, T* row, T* colum
     return true;
 }
 
-template <typename T> void Filter(Filtering<T, T> const& filtering, T* work) noexcept {
+template <typename T> void Filter(Filtering<T, T> const& filtering, std::uint8_t* work) noexcept {
     constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
     Size const kernel = filtering.kernelSize;
     int const width = filtering.size.width;
     std::ptrdiff_t const sourceStride = filtering.source.step / kBytes;
     std::ptrdiff_t const destinationStride = filtering.destination.step / kBytes;
-    WorkSize const sizes(kernel, width);
-    std::reverse_copy(filtering.kernel, filtering.kernel + filtering.Taps(), work);
-    T* const row = work + sizes.taps;
+    WorkSize<T> const sizes(kernel, width);
+    T* const bands = FirstAligned<T>(work);
+    T* const turned = bands + sizes.band * static_cast<std::uint64_t>(MostBands());
+    T* const row = turned + sizes.taps;
     T* const column = row + kernel.width;
-    T* const bands = column + kernel.height;
+    std::reverse_copy(filtering.kernel, filtering.kernel + filtering.Taps(), turned);
 
-    if (IsWorthSeparating(kernel) && Separate(work, kernel, row, column)) {
+    if (IsWorthSeparating(kernel) && Separate(turned, kernel, row, column)) {
         Window<T> const across{row, {kernel.width, 1}}, down{column, {1, kernel.height}};
-        std::ptrdiff_t const stride = RowStride(width);
+        std::ptrdiff_t const stride = RowStride<T>(width);
         std::int64_t const cost = (kernel.width + kernel.height) * kBytes * width / kWeighedPerByte;
         ForEachBand(filtering.size.height, cost, [&](int band, int first, int end) noexcept {
             SlideDown(
@@ -91,7 +92,7 @@ template <typename T> void Filter(Filtering<T, T> const& filtering, T* work) noe
     }
     std::int64_t const cost = filtering.Taps() * kBytes * width / kWeighedPerByte;
     ForEachBand(filtering.size.height, cost, [&](int, int first, int end) noexcept {
-        WeighRows(Window<T>{work, kernel}, filtering.ReadRow(first), sourceStride,
+        WeighRows(Window<T>{turned, kernel}, filtering.ReadRow(first), sourceStride,
                   filtering.destination[first], destinationStride, {width, end - first});
     });
 }
@@ -105,9 +106,10 @@ Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float*
         {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
     Status const status = filtering.Check();
     if (status != kDone) return status;
-    std::uint64_t const elements = WorkSize(kernelSize, size.width).Elements();
-    if (elements > PTRDIFF_MAX / sizeof(float)) return kNoMemory;
-    std::unique_ptr<float[]> const work(new (std::nothrow) float[static_cast<std::size_t>(elements)]);
+    std::uint64_t const bytes = WorkSize<float>(kernelSize, size.width).Bytes();
+    if (bytes > PTRDIFF_MAX) return kNoMemory;
+    std::unique_ptr<std::uint8_t[]> const work(new (std::nothrow)
+                                                   std::uint8_t[static_cast<std::size_t>(bytes)]);
     if (!work) return kNoMemory;
     Filter(filtering, work.get());
     return kDone;
@@ -119,14 +121,14 @@ Status ippiFilter_64f_C1R(double const* source, std::ptrdiff_t sourceStep, doubl
     Filtering<double, double> const filtering{
         {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
     Status const status = work ? filtering.Check() : kNullPointer;
-    if (status == kDone) Filter(filtering, reinterpret_cast<double*>(work));
+    if (status == kDone) Filter(filtering, work);
     return status;
 }
 
 Status ippiFilterGetBufSize_64f_C1R(Size kernelSize, int width, std::uint64_t* bytes) noexcept {
     if (!bytes) return kNullPointer;
     if (kernelSize.width < 1 || kernelSize.height < 1 || width < 1) return kBadSize;
-    *bytes = WorkSize(kernelSize, width).Elements() * sizeof(double);
+    *bytes = WorkSize<double>(kernelSize, width).Bytes();
     return kDone;
 }
 

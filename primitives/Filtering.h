@@ -5,6 +5,7 @@
 #include <omp.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "primitives/ForEachRow.h"
 
@@ -45,6 +46,22 @@ template <typename Work> void ForEachBand(int height, std::int64_t workPerRow, W
         auto const at = [&](int which) { return static_cast<int>(std::int64_t{height} * which / bands); };
         work(band, at(band), at(band + 1));
     });
+}
+
+// Work memory begins at a cache line, and has its rows there: a vector that lies across two costs twice.
+inline constexpr std::uint64_t kCacheLine = 64;
+template <typename T> T* FirstAligned(void* memory) {
+    auto const at = reinterpret_cast<std::uintptr_t>(memory);
+    return reinterpret_cast<T*>((at + kCacheLine - 1) / kCacheLine * kCacheLine);
+}
+template <typename T> std::uint64_t WholeLines(std::uint64_t elements) {
+    constexpr std::uint64_t kElements = kCacheLine / sizeof(T);
+    return (elements + kElements - 1) / kElements * kElements;
+}
+
+// Two passes are worth it where they save half of the multiply-adds; benchmarks/LinearFilters.cpp found it.
+inline bool IsWorthSeparating(Size kernel) {
+    return std::int64_t{kernel.width} * kernel.height > 2 * (std::int64_t{kernel.width} + kernel.height);
 }
 
 // Rows that are used at once, and that the memory that SlideDown works in has room for.

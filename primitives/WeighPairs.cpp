@@ -172,9 +172,8 @@ void FilterIn(PairWindow const& window, Quotient const& quotient, std::int16_t c
     std::ptrdiff_t x = 0;
     for (; x + kBlocks * kPixels <= count; x += kBlocks * kPixels)
         filter(x, result + x, std::make_index_sequence<kBlocks>());
-    StoreRest(result, x, count, [&](std::ptrdiff_t at, T* to) HWY_ATTR {
-        filter(at, to, std::make_index_sequence<1>());
-    });
+    StoreRest(result, x, count,
+              [&](std::ptrdiff_t at, T* to) HWY_ATTR { filter(at, to, std::make_index_sequence<1>()); });
 }
 
 template <typename T>
@@ -217,49 +216,62 @@ void Sum(PairWindow const& window, std::int16_t const* row, Real* sums, std::ptr
     for (; x < count; x += kPixels) sum(x, std::make_index_sequence<1>());
 }
 
-template <typename Real, typename T>
-void Columns(Real const* weights, int height, Quotient const& quotient, Real const* sums,
-             std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {
+template <Quotient::Way way, typename Real, typename T>
+void ColumnsIn(Real const* weights, int height, Quotient const& quotient, Real const* sums,
+               std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {
     using D = std::conditional_t<sizeof(Real) == 4, Floats, Doubles>;
     D const d;
-    constexpr auto kVectors = static_cast<std::size_t>(kPixels) / hn::MaxLanes(D());  // of a block
-    constexpr std::ptrdiff_t kStep = hn::MaxLanes(D());
+    constexpr std::ptrdiff_t kStep = hn::MaxLanes(D()), kVectors = kPixels / kStep;
     auto const filter = [&](std::ptrdiff_t x, T* to) HWY_ATTR {
         hn::Vec<D> totals[kVectors];
         for (auto& total : totals) total = hn::Zero(d);
         Real const* row = sums + x;
         for (int j = 0; j < height; ++j, row += stride) {
             auto const weight = hn::Set(d, weights[j]);
-            for (std::size_t i = 0; i < kVectors; ++i)
-                totals[i] = hn::MulAdd(weight, hn::LoadU(d, row + static_cast<std::ptrdiff_t>(i) * kStep),
-                                       totals[i]);
+            for (std::ptrdiff_t i = 0; i < kVectors; ++i)
+                totals[i] = hn::MulAdd(weight, hn::LoadU(d, row + i * kStep), totals[i]);
         }
-        for (auto& total : totals) total = Scaled(d, total, quotient);
-        if constexpr (sizeof(Real) == 4)
-            StoreBlock(hn::ConvertTo(Words(), totals[0]), hn::ConvertTo(Words(), totals[1]), to);
-        else
+        if constexpr (sizeof(Real) == 8) {
+            for (auto& total : totals) total = Scaled(d, total, quotient);
             StoreBlock(Joined(totals[0], totals[1]), Joined(totals[2], totals[3]), to);
+        } else if constexpr (way == Quotient::kFloat) {
+            for (auto& total : totals) total = Scaled(d, total, quotient);
+            StoreBlock(hn::ConvertTo(Words(), totals[0]), hn::ConvertTo(Words(), totals[1]), to);
+        } else {
+            StoreBlock(Divided<way>(hn::ConvertTo(Words(), totals[0]), quotient),
+                       Divided<way>(hn::ConvertTo(Words(), totals[1]), quotient), to);
+        }
     };
     StoreRest(result, 0, count, filter);
 }
 
+template <typename Real, typename T>
+void Columns(Real const* weights, int height, Quotient const& quotient, Real const* sums,
+             std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {
+    if (sizeof(Real) == 8 || quotient.way == Quotient::kDouble)
+        return ColumnsIn<Quotient::kDouble>(weights, height, quotient, sums, stride, result, count);
+    if (quotient.way == Quotient::kShift)
+        return ColumnsIn<Quotient::kShift>(weights, height, quotient, sums, stride, result, count);
+    ColumnsIn<Quotient::kFloat>(weights, height, quotient, sums, stride, result, count);
+}
+
 #endif
 
-#define ZPA_KERNEL(name, T)                                                                            \
+#define ZPA_KERNEL(name, T)                                                                               \
     void Shorten##name(T const* pixels, std::ptrdiff_t count, std::int16_t* row, std::ptrdiff_t padded) { \
-        Shorten(pixels, count, row, padded);                                                           \
-    }                                                                                                  \
-    void Filter##name(PairWindow const& window, Quotient const& quotient, std::int16_t const* rows,    \
-                      std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                        \
-        Filter(window, quotient, rows, stride, result, count);                                         \
-    }                                                                                                  \
-    void Float##name(float const* weights, int height, Quotient const& quotient, float const* sums,    \
-                     std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                         \
-        Columns(weights, height, quotient, sums, stride, result, count);                               \
-    }                                                                                                  \
-    void Double##name(double const* weights, int height, Quotient const& quotient, double const* sums, \
-                      std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                        \
-        Columns(weights, height, quotient, sums, stride, result, count);                               \
+        Shorten(pixels, count, row, padded);                                                              \
+    }                                                                                                     \
+    void Filter##name(PairWindow const& window, Quotient const& quotient, std::int16_t const* rows,       \
+                      std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                           \
+        Filter(window, quotient, rows, stride, result, count);                                            \
+    }                                                                                                     \
+    void Float##name(float const* weights, int height, Quotient const& quotient, float const* sums,       \
+                     std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                            \
+        Columns(weights, height, quotient, sums, stride, result, count);                                  \
+    }                                                                                                     \
+    void Double##name(double const* weights, int height, Quotient const& quotient, double const* sums,    \
+                      std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                           \
+        Columns(weights, height, quotient, sums, stride, result, count);                                  \
     }
 ZPA_KERNEL(8u, std::uint8_t)
 ZPA_KERNEL(16s, std::int16_t)
@@ -283,25 +295,25 @@ namespace ZPA {
 HWY_EXPORT(Serve);
 bool PairsServe() { return HWY_DYNAMIC_DISPATCH(Serve)(); }
 
-#define ZPA_PAIRS(name, T)                                                                                   \
-    HWY_EXPORT(Shorten##name);                                                                               \
-    HWY_EXPORT(Filter##name);                                                                                \
-    HWY_EXPORT(Float##name);                                                                                 \
-    HWY_EXPORT(Double##name);                                                                                \
-    void ShortRow(T const* pixels, std::ptrdiff_t count, std::int16_t* row, std::ptrdiff_t padded) {         \
-        HWY_DYNAMIC_DISPATCH(Shorten##name)(pixels, count, row, padded);                                     \
-    }                                                                                                        \
-    void FilterPairs(PairWindow const& window, Quotient const& quotient, std::int16_t const* rows,           \
-                     std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                               \
-        HWY_DYNAMIC_DISPATCH(Filter##name)(window, quotient, rows, stride, result, count);                   \
-    }                                                                                                        \
-    void FilterColumns(float const* weights, int height, Quotient const& quotient, float const* sums,        \
-                       std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                             \
-        HWY_DYNAMIC_DISPATCH(Float##name)(weights, height, quotient, sums, stride, result, count);           \
-    }                                                                                                        \
-    void FilterColumns(double const* weights, int height, Quotient const& quotient, double const* sums,      \
-                       std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                             \
-        HWY_DYNAMIC_DISPATCH(Double##name)(weights, height, quotient, sums, stride, result, count);          \
+#define ZPA_PAIRS(name, T)                                                                              \
+    HWY_EXPORT(Shorten##name);                                                                          \
+    HWY_EXPORT(Filter##name);                                                                           \
+    HWY_EXPORT(Float##name);                                                                            \
+    HWY_EXPORT(Double##name);                                                                           \
+    void ShortRow(T const* pixels, std::ptrdiff_t count, std::int16_t* row, std::ptrdiff_t padded) {    \
+        HWY_DYNAMIC_DISPATCH(Shorten##name)(pixels, count, row, padded);                                \
+    }                                                                                                   \
+    void FilterPairs(PairWindow const& window, Quotient const& quotient, std::int16_t const* rows,      \
+                     std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                          \
+        HWY_DYNAMIC_DISPATCH(Filter##name)(window, quotient, rows, stride, result, count);              \
+    }                                                                                                   \
+    void FilterColumns(float const* weights, int height, Quotient const& quotient, float const* sums,   \
+                       std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                        \
+        HWY_DYNAMIC_DISPATCH(Float##name)(weights, height, quotient, sums, stride, result, count);      \
+    }                                                                                                   \
+    void FilterColumns(double const* weights, int height, Quotient const& quotient, double const* sums, \
+                       std::ptrdiff_t stride, T* result, std::ptrdiff_t count) {                        \
+        HWY_DYNAMIC_DISPATCH(Double##name)(weights, height, quotient, sums, stride, result, count);     \
     }
 ZPA_PAIRS(8u, std::uint8_t)
 ZPA_PAIRS(16s, std::int16_t)

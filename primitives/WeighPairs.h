@@ -37,8 +37,9 @@ struct Quotient {
 // A quotient is the sum moved by 1/2 away from zero, times the reciprocal, cut. Where the true quotient is a
 // whole number or beside one, that leaves half a divisor's part on either side; the two roundings stay within
 // it up to here.
-inline constexpr double kFloatSums = 2097152;             // 2^21
+inline constexpr double kFloatSums = 2097152;            // 2^21
 inline constexpr double kDoubleSums = 1125899906842624;  // 2^50
+inline constexpr double kFloatWhole = 16777216;          // 2^24: up to here floats hold every whole number
 
 // False where the processor has no vectors. Then nothing else here may be called.
 bool PairsServe();
@@ -62,7 +63,7 @@ void SumPairs(PairWindow const& window, std::int16_t const* row, float* sums, st
 void SumPairs(PairWindow const& window, std::int16_t const* row, double* sums, std::ptrdiff_t count);
 
 // A row of the result, from rows of such sums, `stride` elements apart, each times a weight. All that is added
-// must be exact. Sums in float want the quotient's way kFloat, those in double kDouble.
+// must be exact: in float below kFloatWhole, in double below kDoubleSums.
 void FilterColumns(float const* weights, int height, Quotient const& quotient, float const* sums,
                    std::ptrdiff_t stride, std::uint8_t* result, std::ptrdiff_t count);
 void FilterColumns(float const* weights, int height, Quotient const& quotient, float const* sums,
