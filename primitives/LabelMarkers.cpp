@@ -51,6 +51,7 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
                          std::uint32_t* kept) {
     std::uint64_t lastAbove = 0, last = 0;  // the bits before the word
     bool isAwaited = false;                 // a run has begun and met none above
+    std::uint32_t pairs[64][2];
     for (std::ptrdiff_t word = 0; word < words; ++word) {
         std::uint64_t const fromAbove = above[word] << 1 | lastAbove, from = row[word] << 1 | last;
         std::uint64_t const startsAbove = above[word] & ~fromAbove, starts = row[word] & ~from;
@@ -82,10 +83,16 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
             std::uint64_t const upTo = left ^ (left - 1);
             kept[at(upTo)] = kept[aboveAt(upTo)];
         }
+        // Most of the others meet what they have met already, but which could not be foreseen.
+        int others = 0;
         for (std::uint64_t left = contacts & ~first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            Connect(kept, at(upTo), aboveAt(upTo));
+            std::uint32_t const a = at(upTo), b = aboveAt(upTo);
+            pairs[others][0] = a;
+            pairs[others][1] = b;
+            others += kept[a] != kept[b];
         }
+        for (int i = 0; i < others; ++i) Connect(kept, pairs[i][0], pairs[i][1]);
         nextAbove += static_cast<std::uint32_t>(__builtin_popcountll(startsAbove));
         next += begun;
     }
