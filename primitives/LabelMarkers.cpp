@@ -24,15 +24,23 @@ namespace hn = hwy::HWY_NAMESPACE;
 // As many as can begin in a word.
 constexpr std::uint32_t kRunsOfAWord = 32;
 
+HWY_INLINE std::uint32_t CountBits(std::uint64_t bits) {
+    return static_cast<std::uint32_t>(__builtin_popcountll(bits));
+}
+
 // Makes two runs' regions one, by M. Rem's algorithm: both paths are walked to the smaller run at once, and
 // shortened on the way.
 HWY_INLINE void Connect(std::uint32_t* kept, std::uint32_t a, std::uint32_t b) {
-    while (kept[a] != kept[b]) {
-        if (kept[a] < kept[b]) std::swap(a, b);
-        std::uint32_t const next = kept[a];
-        kept[a] = kept[b];
-        if (next == a) return;
-        a = next;
+    std::uint32_t keptByA = kept[a], keptByB = kept[b];
+    while (keptByA != keptByB) {
+        std::uint32_t const behind = keptByA > keptByB ? a : b, before = keptByA > keptByB ? b : a;
+        std::uint32_t const later = std::max(keptByA, keptByB), earlier = std::min(keptByA, keptByB);
+        kept[behind] = earlier;
+        if (later == behind) return;
+        a = later;
+        keptByA = kept[a];
+        b = before;
+        keptByB = earlier;
     }
 }
 
@@ -51,14 +59,19 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
                          std::uint32_t* kept) {
     std::uint64_t lastAbove = 0, last = 0;  // the bits before the word
     bool isAwaited = false;                 // a run has begun and met none above
-    std::uint32_t pairs[64][2];
+    std::uint32_t pairs[128][2];
+    int others = 0;
+    auto const connectOthers = [&] {
+        for (int i = 0; i < others; ++i) Connect(kept, pairs[i][0], pairs[i][1]);
+        others = 0;
+    };
     for (std::ptrdiff_t word = 0; word < words; ++word) {
         std::uint64_t const fromAbove = above[word] << 1 | lastAbove, from = row[word] << 1 | last;
         std::uint64_t const startsAbove = above[word] & ~fromAbove, starts = row[word] & ~from;
         lastAbove = above[word] >> 63;
         last = row[word] >> 63;
 
-        auto const begun = static_cast<std::uint32_t>(__builtin_popcountll(starts));
+        std::uint32_t const begun = CountBits(starts);
         if (begun != 0) KeepThemselves(kept, next);
 
         // Two runs touch where one of them begins while the other has not ended or, for eight neighbours,
@@ -66,36 +79,33 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
         std::uint64_t const touching =
             eightNeighbours ? (above[word] | fromAbove) & (row[word] | from) : above[word] & row[word];
         std::uint64_t const contacts = touching & (startsAbove | starts);
-        auto const aboveAt = [&](std::uint64_t upTo) {
-            return nextAbove + static_cast<std::uint32_t>(__builtin_popcountll(startsAbove & upTo)) - 1;
-        };
-        auto const at = [&](std::uint64_t upTo) {
-            return next + static_cast<std::uint32_t>(__builtin_popcountll(starts & upTo)) - 1;
-        };
-
         // What a run meets first is all that it keeps yet. Carries find it: they go upwards from where a run
         // begins, and end at the next contact.
         std::uint64_t const carries = (starts & ~contacts) + isAwaited;
         std::uint64_t const sum = ~contacts + carries;
         isAwaited = sum < carries;
         std::uint64_t const first = contacts & (sum | starts);
+        // The run at a bit is the last that has begun up to it.
+        std::uint32_t* const keptHere = kept + next - 1;
+        std::uint32_t const* const keptAbove = kept + nextAbove - 1;
         for (std::uint64_t left = first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            kept[at(upTo)] = kept[aboveAt(upTo)];
+            keptHere[CountBits(starts & upTo)] = keptAbove[CountBits(startsAbove & upTo)];
         }
         // Most of the others meet what they have met already, but which could not be foreseen.
-        int others = 0;
         for (std::uint64_t left = contacts & ~first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            std::uint32_t const a = at(upTo), b = aboveAt(upTo);
+            auto const a = next - 1 + CountBits(starts & upTo),
+                       b = nextAbove - 1 + CountBits(startsAbove & upTo);
             pairs[others][0] = a;
             pairs[others][1] = b;
             others += kept[a] != kept[b];
         }
-        for (int i = 0; i < others; ++i) Connect(kept, pairs[i][0], pairs[i][1]);
-        nextAbove += static_cast<std::uint32_t>(__builtin_popcountll(startsAbove));
+        if (others > 64) connectOthers();
+        nextAbove += CountBits(startsAbove);
         next += begun;
     }
+    connectOthers();
     return next;
 }
 
@@ -201,16 +211,18 @@ std::uint16_t const* LabelRow(std::uint16_t* row, std::ptrdiff_t width, std::uin
 template <typename T>
 int NumberRegions(std::uint32_t const* kept, std::uint32_t count, std::uint32_t smallest,
                   std::uint32_t largest, T* labels) {
-    std::uint32_t regions = 0, label = smallest;
+    std::uint32_t label = smallest, used = 0;  // of labels up to where they began again
     for (std::uint32_t run = 0; run < count; ++run) {
         // By masks, not by a branch, which could not be foreseen; a first run's own label is read in vain.
         std::uint32_t const isFirst = kept[run] == run, first = -isFirst;
         labels[run] = static_cast<T>((label & first) | (labels[kept[run]] & ~first));
-        regions += isFirst;
         label += isFirst;
-        if (label > largest) label = smallest;
+        if (HWY_UNLIKELY(label > largest)) {
+            used += label - smallest;
+            label = smallest;
+        }
     }
-    return static_cast<int>(regions);
+    return static_cast<int>(used + label - smallest);
 }
 
 template <typename T>
