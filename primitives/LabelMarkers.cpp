@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <climits>
 #include <limits>
-#include <utility>
 
 #include "primitives/PixelBits.h"
 #include "primitives/RunPatterns.h"
@@ -20,9 +19,6 @@ HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
-
-// As many as can begin in a word.
-constexpr std::uint32_t kRunsOfAWord = 32;
 
 HWY_INLINE std::uint32_t CountBits(std::uint64_t bits) {
     return static_cast<std::uint32_t>(__builtin_popcountll(bits));
@@ -46,11 +42,46 @@ HWY_INLINE void Connect(std::uint32_t* kept, std::uint32_t a, std::uint32_t b) {
 
 // As many runs as can begin in a word: how many do begin could not be foreseen.
 HWY_INLINE void KeepThemselves(std::uint32_t* kept, std::uint32_t first) {
-    hn::CappedTag<std::uint32_t, kRunsOfAWord> const d;
+    hn::CappedTag<std::uint32_t, kRunsOfWord> const d;
     auto const lanes = static_cast<std::uint32_t>(hn::Lanes(d));
-    for (std::uint32_t i = 0; i < kRunsOfAWord; i += lanes)
+    for (std::uint32_t i = 0; i < kRunsOfWord; i += lanes)
         hn::StoreU(hn::Iota(d, first + i), d, kept + first + i);
 }
+
+// Of the contacts, those that are the first of the run that has begun. Carries find them: they go upwards from
+// where a run begins, and end at the next contact. `isAwaited` goes on from word to word.
+HWY_INLINE std::uint64_t FirstContacts(std::uint64_t contacts, std::uint64_t starts, bool& isAwaited) {
+    std::uint64_t const carries = (starts & ~contacts) + isAwaited;
+    std::uint64_t const sum = ~contacts + carries;
+    isAwaited = sum < carries;
+    return contacts & (sum | starts);
+}
+
+// Runs that meet, to be connected many at a time: most have been connected already, but which ones could not be
+// foreseen.
+class Meetings {
+public:
+    explicit Meetings(std::uint32_t* kept) : kept_(kept) {}
+    HWY_INLINE void Add(std::uint32_t a, std::uint32_t b) {
+        a_[count_] = a;
+        b_[count_] = b;
+        count_ += kept_[a] != kept_[b];
+    }
+    // Makes room for those of a word.
+    HWY_INLINE void MakeRoom() {
+        if (count_ > kMost - 64) ConnectAll();
+    }
+    HWY_INLINE void ConnectAll() {
+        for (int i = 0; i < count_; ++i) Connect(kept_, a_[i], b_[i]);
+        count_ = 0;
+    }
+
+private:
+    static constexpr int kMost = 128;
+    std::uint32_t* kept_;
+    int count_ = 0;
+    std::uint32_t a_[kMost], b_[kMost];
+};
 
 // Numbers the row's runs from `next` on, connects them with those of the row above, which are numbered from
 // `nextAbove` on, and gives the number behind the last.
@@ -58,54 +89,38 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
                          bool eightNeighbours, std::uint32_t nextAbove, std::uint32_t next,
                          std::uint32_t* kept) {
     std::uint64_t lastAbove = 0, last = 0;  // the bits before the word
-    bool isAwaited = false;                 // a run has begun and met none above
-    std::uint32_t pairs[128][2];
-    int others = 0;
-    auto const connectOthers = [&] {
-        for (int i = 0; i < others; ++i) Connect(kept, pairs[i][0], pairs[i][1]);
-        others = 0;
-    };
+    bool isAwaited = false;                 // the last run has met none yet
+    Meetings meetings(kept);
     for (std::ptrdiff_t word = 0; word < words; ++word) {
         std::uint64_t const fromAbove = above[word] << 1 | lastAbove, from = row[word] << 1 | last;
         std::uint64_t const startsAbove = above[word] & ~fromAbove, starts = row[word] & ~from;
         lastAbove = above[word] >> 63;
         last = row[word] >> 63;
-
-        std::uint32_t const begun = CountBits(starts);
-        if (begun != 0) KeepThemselves(kept, next);
+        if (starts != 0) KeepThemselves(kept, next);
 
         // Two runs touch where one of them begins while the other has not ended or, for eight neighbours,
         // has only just ended.
         std::uint64_t const touching =
             eightNeighbours ? (above[word] | fromAbove) & (row[word] | from) : above[word] & row[word];
         std::uint64_t const contacts = touching & (startsAbove | starts);
-        // What a run meets first is all that it keeps yet. Carries find it: they go upwards from where a run
-        // begins, and end at the next contact.
-        std::uint64_t const carries = (starts & ~contacts) + isAwaited;
-        std::uint64_t const sum = ~contacts + carries;
-        isAwaited = sum < carries;
-        std::uint64_t const first = contacts & (sum | starts);
-        // The run at a bit is the last that has begun up to it.
+
+        // What a run meets first is all that it keeps yet. The run at a bit is the last one begun up to it.
+        std::uint64_t const first = FirstContacts(contacts, starts, isAwaited);
         std::uint32_t* const keptHere = kept + next - 1;
         std::uint32_t const* const keptAbove = kept + nextAbove - 1;
         for (std::uint64_t left = first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
             keptHere[CountBits(starts & upTo)] = keptAbove[CountBits(startsAbove & upTo)];
         }
-        // Most of the others meet what they have met already, but which could not be foreseen.
         for (std::uint64_t left = contacts & ~first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            auto const a = next - 1 + CountBits(starts & upTo),
-                       b = nextAbove - 1 + CountBits(startsAbove & upTo);
-            pairs[others][0] = a;
-            pairs[others][1] = b;
-            others += kept[a] != kept[b];
+            meetings.Add(next - 1 + CountBits(starts & upTo), nextAbove - 1 + CountBits(startsAbove & upTo));
         }
-        if (others > 64) connectOthers();
+        meetings.MakeRoom();
         nextAbove += CountBits(startsAbove);
-        next += begun;
+        next += CountBits(starts);
     }
-    connectOthers();
+    meetings.ConnectAll();
     return next;
 }
 
@@ -113,13 +128,13 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
 // that begins here.
 template <typename T> HWY_INLINE void LabelEight(T* pixels, std::uint64_t pattern, T const* labels) {
 #if HWY_TARGET == HWY_SCALAR
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < kPixelsOfPattern; ++i) {
         bool const isSet = pattern >> (i + 1) & 1;
         labels += isSet && !(pattern >> i & 1);
         pixels[i] = isSet ? *labels : T{0};
     }
 #else
-    hn::FixedTag<T, 8> const d;
+    hn::FixedTag<T, kPixelsOfPattern> const d;
     auto const places = hn::LoadU(d, kRunPatterns<T>.bytes[pattern]);
     hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(d, labels), places), d, pixels);
 #endif
@@ -141,18 +156,18 @@ T const* LabelRow(T* row, std::ptrdiff_t width, std::uint64_t const* bits, T con
             continue;
         }
         std::uint64_t left = *bits;
-        for (std::ptrdiff_t i = 0; i < end; i += 8) {
+        for (std::ptrdiff_t i = 0; i < end; i += kPixelsOfPattern) {
             std::uint64_t const pattern = (left << 1 | last) & 0x1FF;
-            if (i + 8 <= end) {
+            if (i + kPixelsOfPattern <= end) {
                 LabelEight(row + x + i, pattern, labels);
             } else {
-                T pixels[8];
+                T pixels[kPixelsOfPattern];
                 LabelEight(pixels, pattern, labels);
                 std::copy(pixels, pixels + (end - i), row + x + i);
             }
             labels += kRunPatterns<T>.begun[pattern];
-            last = left >> 7 & 1;
-            left >>= 8;
+            last = left >> (kPixelsOfPattern - 1) & 1;
+            left >>= kPixelsOfPattern;
         }
     }
     return labels;
@@ -181,21 +196,22 @@ HWY_EXPORT(LabelRow16u);
 
 // The working buffer, cut into its parts: the rows' bits, with an empty row above them, and what the runs keep.
 struct Parts {
-    std::int64_t mostRuns, bits, kept, labels, all;
+    std::int64_t bits, kept, labels, all;
     explicit Parts(Size size) {
-        mostRuns = (std::int64_t{size.width} + 1) / 2 * size.height;
+        std::int64_t const runs = MostRuns(size);
         bits = 0;
         kept = bits + WordsOf(size.width) * (std::int64_t{size.height} + 1) * kWord;
-        labels = kept + (mostRuns + 32) * std::int64_t{sizeof(std::uint32_t)};
-        all = labels + (1 + mostRuns + 8) * std::int64_t{sizeof(std::uint16_t)} + kWord;
+        // Both ends are passed by what is done at once.
+        labels = kept + (runs + kRunsOfWord) * std::int64_t{sizeof(std::uint32_t)};
+        all = labels + (1 + runs + kPixelsOfPattern) * std::int64_t{sizeof(std::uint16_t)} + kWord;
     }
+    static std::int64_t MostRuns(Size size) { return (std::int64_t{size.width} + 1) / 2 * size.height; }
     static constexpr std::int64_t kWord = sizeof(std::uint64_t);
 };
 
 bool IsBad(Size size) {
-    if (size.width < 1 || size.height < 1) return true;
-    Parts const parts(size);
-    return parts.mostRuns > INT_MAX || parts.all > PTRDIFF_MAX;
+    return size.width < 1 || size.height < 1 || Parts::MostRuns(size) > INT_MAX ||
+           Parts(size).all > PTRDIFF_MAX;
 }
 
 std::uint8_t const* LabelRow(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
