@@ -48,13 +48,10 @@ HWY_INLINE void KeepThemselves(std::uint32_t* kept, std::uint32_t first) {
         hn::StoreU(hn::Iota(d, first + i), d, kept + first + i);
 }
 
-// Of the contacts, those that are the first of the run that has begun. Carries find them: they go upwards from
-// where a run begins, and end at the next contact. `isAwaited` goes on from word to word.
-HWY_INLINE std::uint64_t FirstContacts(std::uint64_t contacts, std::uint64_t starts, bool& isAwaited) {
-    std::uint64_t const carries = (starts & ~contacts) + isAwaited;
-    std::uint64_t const sum = ~contacts + carries;
-    isAwaited = sum < carries;
-    return contacts & (sum | starts);
+// Of the contacts, those that are the first of a run that begins in the word. Carries find them: they go upwards
+// from where a run begins, and end at the next contact.
+HWY_INLINE std::uint64_t FirstContacts(std::uint64_t contacts, std::uint64_t starts) {
+    return contacts & ((~contacts + (starts & ~contacts)) | starts);
 }
 
 // Runs that meet, to be connected many at a time: most have been connected already, but which ones could not be
@@ -89,7 +86,6 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
                          bool eightNeighbours, std::uint32_t nextAbove, std::uint32_t next,
                          std::uint32_t* kept) {
     std::uint64_t lastAbove = 0, last = 0;  // the bits before the word
-    bool isAwaited = false;                 // the last run has met none yet
     Meetings meetings(kept);
     for (std::ptrdiff_t word = 0; word < words; ++word) {
         std::uint64_t const fromAbove = above[word] << 1 | lastAbove, from = row[word] << 1 | last;
@@ -105,7 +101,7 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
         std::uint64_t const contacts = touching & (startsAbove | starts);
 
         // What a run meets first is all that it keeps yet. The run at a bit is the last one begun up to it.
-        std::uint64_t const first = FirstContacts(contacts, starts, isAwaited);
+        std::uint64_t const first = FirstContacts(contacts, starts);
         std::uint32_t* const keptHere = kept + next - 1;
         std::uint32_t const* const keptAbove = kept + nextAbove - 1;
         for (std::uint64_t left = first; left != 0; left &= left - 1) {
