@@ -80,6 +80,17 @@ template <typename T> Contenders Labelling(Image<unsigned char> mask, int connec
     return contenders;
 }
 
+// Noise once beside blobs five times: the ratio is to be 1 or more.
+template <typename T> Contenders NoiseBesideBlobs(int side, int connectivity) {
+    auto const blobs = Labelling<T>(Blobs(side), connectivity).ours;
+    return {Labelling<T>(Noise(side, 50), connectivity).ours,
+            "blobs, five times",
+            [=] {
+                for (int i = 0; i < 5; ++i) blobs();
+            },
+            {}};
+}
+
 template <typename T> void RegisterAll(int side) {
     constexpr double kBytes = sizeof(T);
     for (int const connectivity : {8, 4}) {
@@ -87,6 +98,12 @@ template <typename T> void RegisterAll(int side) {
         Register({"LabelMarkers, blobs" + neighbours, kTypeName<T>, side, side, {kBytes, kBytes}, [=] {
                       return Labelling<T>(Blobs(side), connectivity);
                   }});
+        Register({"LabelMarkers, noise beside blobs" + neighbours,
+                  kTypeName<T>,
+                  side,
+                  side,
+                  {kBytes, kBytes},
+                  [=] { return NoiseBesideBlobs<T>(side, connectivity); }});
         for (int const percent : {10, 50, 90})
             Register({"LabelMarkers, noise of " + std::to_string(percent) + " %" + neighbours,
                       kTypeName<T>,

@@ -11,26 +11,74 @@
 #include <algorithm>
 #include <climits>
 #include <limits>
-#include <utility>
 
 #include "primitives/PixelBits.h"
+#include "primitives/RunPatterns.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
+HWY_INLINE std::uint32_t CountBits(std::uint64_t bits) {
+    return static_cast<std::uint32_t>(__builtin_popcountll(bits));
+}
+
 // Makes two runs' regions one, by M. Rem's algorithm: both paths are walked to the smaller run at once, and
 // shortened on the way.
 HWY_INLINE void Connect(std::uint32_t* kept, std::uint32_t a, std::uint32_t b) {
-    while (kept[a] != kept[b]) {
-        if (kept[a] < kept[b]) std::swap(a, b);
-        std::uint32_t const next = kept[a];
-        kept[a] = kept[b];
-        if (next == a) return;
-        a = next;
+    std::uint32_t keptByA = kept[a], keptByB = kept[b];
+    while (keptByA != keptByB) {
+        std::uint32_t const behind = keptByA > keptByB ? a : b, before = keptByA > keptByB ? b : a;
+        std::uint32_t const later = std::max(keptByA, keptByB), earlier = std::min(keptByA, keptByB);
+        kept[behind] = earlier;
+        if (later == behind) return;
+        a = later;
+        keptByA = kept[a];
+        b = before;
+        keptByB = earlier;
     }
 }
+
+// As many runs as can begin in a word: how many do begin could not be foreseen.
+HWY_INLINE void KeepThemselves(std::uint32_t* kept, std::uint32_t first) {
+    hn::CappedTag<std::uint32_t, kRunsOfWord> const d;
+    auto const lanes = static_cast<std::uint32_t>(hn::Lanes(d));
+    for (std::uint32_t i = 0; i < kRunsOfWord; i += lanes)
+        hn::StoreU(hn::Iota(d, first + i), d, kept + first + i);
+}
+
+// Of the contacts, those that are the first of a run that begins in the word. Carries find them: they go upwards
+// from where a run begins, and end at the next contact.
+HWY_INLINE std::uint64_t FirstContacts(std::uint64_t contacts, std::uint64_t starts) {
+    return contacts & ((~contacts + (starts & ~contacts)) | starts);
+}
+
+// Runs that meet, to be connected many at a time: most have been connected already, but which ones could not be
+// foreseen.
+class Meetings {
+public:
+    explicit Meetings(std::uint32_t* kept) : kept_(kept) {}
+    HWY_INLINE void Add(std::uint32_t a, std::uint32_t b) {
+        a_[count_] = a;
+        b_[count_] = b;
+        count_ += kept_[a] != kept_[b];
+    }
+    // Makes room for those of a word.
+    HWY_INLINE void MakeRoom() {
+        if (count_ > kMost - 64) ConnectAll();
+    }
+    HWY_INLINE void ConnectAll() {
+        for (int i = 0; i < count_; ++i) Connect(kept_, a_[i], b_[i]);
+        count_ = 0;
+    }
+
+private:
+    static constexpr int kMost = 128;
+    std::uint32_t* kept_;
+    int count_ = 0;
+    std::uint32_t a_[kMost], b_[kMost];
+};
 
 // Numbers the row's runs from `next` on, connects them with those of the row above, which are numbered from
 // `nextAbove` on, and gives the number behind the last.
@@ -38,74 +86,95 @@ std::uint32_t ConnectRow(std::uint64_t const* above, std::uint64_t const* row, s
                          bool eightNeighbours, std::uint32_t nextAbove, std::uint32_t next,
                          std::uint32_t* kept) {
     std::uint64_t lastAbove = 0, last = 0;  // the bits before the word
-    bool isAwaited = false;                 // a run has begun and met none above
+    Meetings meetings(kept);
     for (std::ptrdiff_t word = 0; word < words; ++word) {
         std::uint64_t const fromAbove = above[word] << 1 | lastAbove, from = row[word] << 1 | last;
         std::uint64_t const startsAbove = above[word] & ~fromAbove, starts = row[word] & ~from;
         lastAbove = above[word] >> 63;
         last = row[word] >> 63;
-
-        auto const begun = static_cast<std::uint32_t>(__builtin_popcountll(starts));
-        for (std::uint32_t i = 0; i < begun; ++i) kept[next + i] = next + i;
+        if (starts != 0) KeepThemselves(kept, next);
 
         // Two runs touch where one of them begins while the other has not ended or, for eight neighbours,
         // has only just ended.
         std::uint64_t const touching =
             eightNeighbours ? (above[word] | fromAbove) & (row[word] | from) : above[word] & row[word];
         std::uint64_t const contacts = touching & (startsAbove | starts);
-        auto const aboveAt = [&](std::uint64_t upTo) {
-            return nextAbove + static_cast<std::uint32_t>(__builtin_popcountll(startsAbove & upTo)) - 1;
-        };
-        auto const at = [&](std::uint64_t upTo) {
-            return next + static_cast<std::uint32_t>(__builtin_popcountll(starts & upTo)) - 1;
-        };
 
-        // What a run meets first is all that it keeps yet. Carries find it: they go upwards from where a run
-        // begins, and end at the next contact.
-        std::uint64_t const carries = (starts & ~contacts) + isAwaited;
-        std::uint64_t const sum = ~contacts + carries;
-        isAwaited = sum < carries;
-        std::uint64_t const first = contacts & (sum | starts);
+        // What a run meets first is all that it keeps yet. The run at a bit is the last one begun up to it.
+        std::uint64_t const first = FirstContacts(contacts, starts);
+        std::uint32_t* const keptHere = kept + next - 1;
+        std::uint32_t const* const keptAbove = kept + nextAbove - 1;
         for (std::uint64_t left = first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            kept[at(upTo)] = kept[aboveAt(upTo)];
+            keptHere[CountBits(starts & upTo)] = keptAbove[CountBits(startsAbove & upTo)];
         }
         for (std::uint64_t left = contacts & ~first; left != 0; left &= left - 1) {
             std::uint64_t const upTo = left ^ (left - 1);
-            Connect(kept, at(upTo), aboveAt(upTo));
+            meetings.Add(next - 1 + CountBits(starts & upTo), nextAbove - 1 + CountBits(startsAbove & upTo));
         }
-        nextAbove += static_cast<std::uint32_t>(__builtin_popcountll(startsAbove));
-        next += begun;
+        meetings.MakeRoom();
+        nextAbove += CountBits(startsAbove);
+        next += CountBits(starts);
     }
+    meetings.ConnectAll();
     return next;
 }
 
-// Gives the pixels of the row's runs their labels, and the pointer behind these.
+// Gives eight pixels their runs' labels, and zeros the others. labels[0] is that of the run before the first
+// that begins here.
+template <typename T> HWY_INLINE void LabelEight(T* pixels, std::uint64_t pattern, T const* labels) {
+#if HWY_TARGET == HWY_SCALAR
+    for (int i = 0; i < kPixelsOfPattern; ++i) {
+        bool const isSet = pattern >> (i + 1) & 1;
+        labels += isSet && !(pattern >> i & 1);
+        pixels[i] = isSet ? *labels : T{0};
+    }
+#else
+    hn::FixedTag<T, kPixelsOfPattern> const d;
+    auto const places = hn::LoadU(d, kRunPatterns<T>.bytes[pattern]);
+    hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(d, labels), places), d, pixels);
+#endif
+}
+
+// Gives the row's pixels their runs' labels, and the pointer to the label of the last run. labels[0] is that of
+// the run before the row's first; eight may be read from any.
 template <typename T>
-std::uint32_t const* LabelRow(T* row, std::ptrdiff_t width, std::uint64_t const* bits,
-                              std::uint32_t const* labels) {
-    hn::CappedTag<T, 32 / sizeof(T)> const d;
-    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
-    ForEachRun(bits, width, [&](std::ptrdiff_t first, std::ptrdiff_t end) {
-        T const label = static_cast<T>(*labels++);
-        if (end + lanes > width) {
-            std::fill(row + first, row + end, label);
-            return;
+T const* LabelRow(T* row, std::ptrdiff_t width, std::uint64_t const* bits, T const* labels) {
+    std::uint64_t last = 0;
+    for (std::ptrdiff_t x = 0; x < width; x += 64, ++bits) {
+        std::ptrdiff_t const end = std::min<std::ptrdiff_t>(width - x, 64);
+        if (*bits == 0) {
+            last = 0;
+            continue;
         }
-        // The last vector may pass the run's end: zeros set that right, and what begins there is still to
-        // come.
-        for (std::ptrdiff_t x = first; x < end; x += lanes) hn::StoreU(hn::Set(d, label), d, row + x);
-        hn::StoreU(hn::Zero(d), d, row + end);
-    });
+        if (*bits == ~std::uint64_t{0} && last != 0) {
+            std::fill(row + x, row + x + 64, labels[0]);
+            continue;
+        }
+        std::uint64_t left = *bits;
+        for (std::ptrdiff_t i = 0; i < end; i += kPixelsOfPattern) {
+            std::uint64_t const pattern = (left << 1 | last) & 0x1FF;
+            if (i + kPixelsOfPattern <= end) {
+                LabelEight(row + x + i, pattern, labels);
+            } else {
+                T pixels[kPixelsOfPattern];
+                LabelEight(pixels, pattern, labels);
+                std::copy(pixels, pixels + (end - i), row + x + i);
+            }
+            labels += kRunPatterns<T>.begun[pattern];
+            last = left >> (kPixelsOfPattern - 1) & 1;
+            left >>= kPixelsOfPattern;
+        }
+    }
     return labels;
 }
 
-std::uint32_t const* LabelRow8u(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
-                                std::uint32_t const* labels) {
+std::uint8_t const* LabelRow8u(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
+                               std::uint8_t const* labels) {
     return LabelRow(row, width, bits, labels);
 }
-std::uint32_t const* LabelRow16u(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
-                                 std::uint32_t const* labels) {
+std::uint16_t const* LabelRow16u(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
+                                 std::uint16_t const* labels) {
     return LabelRow(row, width, bits, labels);
 }
 
@@ -123,44 +192,49 @@ HWY_EXPORT(LabelRow16u);
 
 // The working buffer, cut into its parts: the rows' bits, with an empty row above them, and what the runs keep.
 struct Parts {
-    std::int64_t mostRuns, bits, runs, all;
+    std::int64_t bits, kept, labels, all;
     explicit Parts(Size size) {
-        mostRuns = (std::int64_t{size.width} + 1) / 2 * size.height;
+        std::int64_t const runs = MostRuns(size);
         bits = 0;
-        runs = WordsOf(size.width) * (std::int64_t{size.height} + 1) * std::int64_t{sizeof(std::uint64_t)};
-        all = runs + mostRuns * std::int64_t{sizeof(std::uint32_t)} + std::int64_t{alignof(std::uint64_t)};
+        kept = bits + WordsOf(size.width) * (std::int64_t{size.height} + 1) * kWord;
+        // Both ends are passed by what is done at once.
+        labels = kept + (runs + kRunsOfWord) * std::int64_t{sizeof(std::uint32_t)};
+        all = labels + (1 + runs + kPixelsOfPattern) * std::int64_t{sizeof(std::uint16_t)} + kWord;
     }
+    static std::int64_t MostRuns(Size size) { return (std::int64_t{size.width} + 1) / 2 * size.height; }
+    static constexpr std::int64_t kWord = sizeof(std::uint64_t);
 };
 
 bool IsBad(Size size) {
-    if (size.width < 1 || size.height < 1) return true;
-    Parts const parts(size);
-    return parts.mostRuns > INT_MAX || parts.all > PTRDIFF_MAX;
+    return size.width < 1 || size.height < 1 || Parts::MostRuns(size) > INT_MAX ||
+           Parts(size).all > PTRDIFF_MAX;
 }
 
-std::uint32_t const* LabelRow(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
-                              std::uint32_t const* labels) {
+std::uint8_t const* LabelRow(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
+                             std::uint8_t const* labels) {
     return HWY_DYNAMIC_DISPATCH(LabelRow8u)(row, width, bits, labels);
 }
-std::uint32_t const* LabelRow(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
-                              std::uint32_t const* labels) {
+std::uint16_t const* LabelRow(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits,
+                              std::uint16_t const* labels) {
     return HWY_DYNAMIC_DISPATCH(LabelRow16u)(row, width, bits, labels);
 }
 
-// Puts labels in the place of what the runs keep, and gives the number of regions.
-int NumberRegions(std::uint32_t* kept, std::uint32_t count, std::uint32_t smallest, std::uint32_t largest) {
-    int regions = 0;
-    std::uint32_t label = smallest;
+// Finds the labels of all runs, and gives the number of regions.
+template <typename T>
+int NumberRegions(std::uint32_t const* kept, std::uint32_t count, std::uint32_t smallest,
+                  std::uint32_t largest, T* labels) {
+    std::uint32_t label = smallest, used = 0;  // of labels up to where they began again
     for (std::uint32_t run = 0; run < count; ++run) {
-        if (kept[run] != run) {
-            kept[run] = kept[kept[run]];  // has its label already
-            continue;
+        // By masks, not by a branch, which could not be foreseen; a first run's own label is read in vain.
+        std::uint32_t const isFirst = kept[run] == run, first = -isFirst;
+        labels[run] = static_cast<T>((label & first) | (labels[kept[run]] & ~first));
+        label += isFirst;
+        if (HWY_UNLIKELY(label > largest)) {
+            used += label - smallest;
+            label = smallest;
         }
-        ++regions;
-        kept[run] = label;
-        label = label == largest ? smallest : label + 1;
     }
-    return regions;
+    return static_cast<int>(used + label - smallest);
 }
 
 template <typename T>
@@ -176,7 +250,8 @@ Status Label(T* image, std::ptrdiff_t step, Size size, int smallest, int largest
     unsigned char* const start =
         static_cast<unsigned char*>(buffer) + (-address & (alignof(std::uint64_t) - 1));
     auto* const bits = reinterpret_cast<std::uint64_t*>(start + parts.bits);
-    std::uint32_t* const runs = reinterpret_cast<std::uint32_t*>(start + parts.runs);
+    std::uint32_t* const kept = reinterpret_cast<std::uint32_t*>(start + parts.kept);
+    T* const labels = reinterpret_cast<T*>(start + parts.labels);
     std::ptrdiff_t const words = WordsOf(size.width);
     Rows<T> const rows{image, step};
     auto const bitsOf = [&](std::ptrdiff_t y) { return bits + (y + 1) * words; };
@@ -190,15 +265,15 @@ Status Label(T* image, std::ptrdiff_t step, Size size, int smallest, int largest
         for (std::ptrdiff_t word = 0; word < words; ++word) row[word] = ~row[word];
         row[words - 1] &= lastPixels;
         std::uint32_t const next = HWY_DYNAMIC_DISPATCH(ConnectRow)(
-            bitsOf(y - 1), row, words, norm == kInfinityNorm, firstAbove, first, runs);
+            bitsOf(y - 1), row, words, norm == kInfinityNorm, firstAbove, first, kept);
         firstAbove = first;
         first = next;
     }
-    *regions =
-        NumberRegions(runs, first, static_cast<std::uint32_t>(smallest), static_cast<std::uint32_t>(largest));
-    std::uint32_t const* labels = runs;
-    for (std::ptrdiff_t y = 0; y < size.height; ++y)
-        labels = LabelRow(rows[y], size.width, bitsOf(y), labels);
+    labels[0] = 0;  // of no run
+    *regions = NumberRegions(kept, first, static_cast<std::uint32_t>(smallest),
+                             static_cast<std::uint32_t>(largest), labels + 1);
+    T const* last = labels;
+    for (std::ptrdiff_t y = 0; y < size.height; ++y) last = LabelRow(rows[y], size.width, bitsOf(y), last);
     return kDone;
 }
 

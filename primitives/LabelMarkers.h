@@ -10,7 +10,7 @@ namespace ZPA {
 inline constexpr int kInfinityNorm = 0;  // eight
 inline constexpr int kL1Norm = 1;        // four
 
-// Bytes of the working buffer for an image of a size: about two a pixel. An image that could have more
+// Bytes of the working buffer for an image of a size: about three a pixel. An image that could have more
 // regions than an int counts has a bad size.
 Status ippiLabelMarkersGetBufferSize(Size size, std::size_t* bytes) noexcept;
 

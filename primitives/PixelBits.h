@@ -10,6 +10,9 @@ namespace ZPA {
 // Words that hold a row; bit i % 64 of word i / 64 is pixel i.
 constexpr std::ptrdiff_t WordsOf(std::ptrdiff_t width) { return (width + 63) / 64; }
 
+// As many runs of set bits as can begin in a word.
+inline constexpr int kRunsOfWord = 32;
+
 // Sets the bits of the pixels that equal `value`, and clears all others up to the end of the last word.
 void FindEqual(std::uint8_t const* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t* bits);
 void FindEqual(std::uint16_t const* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t* bits);

@@ -23,7 +23,8 @@ SOLVANE_RETURNCODE RefuseType() { return Fail(SOLVANE_UNSUPPORTED_TYPE, L"Unsupp
 
 // True if the copy would read what it has written. What it cannot read or write is left to it.
 bool ShareReadableMemory(ImageAttributes const& mask, ImageAttributes const& labeled) {
-    return mask.width > 0 && !RowsUnreadable(mask) && !RowsOverlap(labeled) && ShareMemory(mask, labeled);
+    return mask.width > 0 && mask.height > 0 && !RowsUnreadable(mask) && !RowsOverlap(labeled) &&
+           ShareMemory(mask, labeled);
 }
 
 SOLVANE_RETURNCODE LabelInto(ImageAttributes const& mask, int connectivity, int* pnLabels,
