@@ -141,6 +141,34 @@ TYPED_TEST(Filling, HolesAsThreeStagesDo) {
             }
 }
 
+// Holes of all widths beside each other, some wider than a word of 64 pixels, in stripes of labels.
+TYPED_TEST(Filling, HolesOfLabelledStripes) {
+    using T = TypeParam;
+    std::mt19937 random(5);
+    for (int const stripe : {3, 40, 500})
+        for (T const largest : {T{9}, std::numeric_limits<T>::max()}) {
+            TestImage<T> image({333, 40, 340});
+            for (int y = 0; y < 40; ++y)
+                for (int x = 0; x < 333; ++x)
+                    image.At(x, y) = static_cast<T>(largest - static_cast<T>(x / stripe % 5));
+            for (int hole = 0; hole < 60; ++hole) {
+                int const left = static_cast<int>(random() % 333), y = static_cast<int>(random() % 40);
+                int const right = std::min(333, left + 1 + static_cast<int>(random() % (hole + 80) / 2));
+                for (int x = left; x < right; ++x) image.At(x, y) = 0;
+            }
+            for (int const connectivity : {4, 8}) {
+                auto expected = image;
+                ModelFillHoles(expected, connectivity);
+                ForEachSimdTarget([&] {
+                    SCOPED_TRACE(testing::Message() << stripe << ", " << +largest << ", " << connectivity);
+                    auto filled = image;
+                    ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
+                    ASSERT_TRUE(filled == expected);
+                });
+            }
+        }
+}
+
 TEST(FloodFill, RefusesInItsOrder) {
     unsigned char pixels[64] = {};
     struct Case {
