@@ -6,6 +6,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
+#include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -237,6 +238,27 @@ TEST(FillHoles, RefusesInItsOrder) {
         for (std::size_t i = 0; i < each.messages.size(); ++i)
             EXPECT_EQ(log.Errors()[i].message, each.messages[i]);
     }
+}
+
+TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
+    unsigned short const kTop = 1, kBottom = 2, kLeft = 3, kRight = 4;
+    unsigned short pixels[3 * 4] = {9, kTop, 9, kLeft, 0, 9, 9, 9, kRight, kBottom, kBottom, kTop};
+    ImageAttributes const image(eUInt16, pixels, 3, 4, 3, 16, 0);
+    auto const top = L"FloodFill top border background failed.";
+    auto const bottom = L"FloodFill bottom border background failed.";
+    auto const before = std::vector<unsigned short>(pixels, pixels + 12);
+    struct Case {
+        unsigned short background;
+        wchar_t const* message;
+    };
+    NoMemory const none;
+    for (Case const& each : {Case{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
+        CapturedLog const log;
+        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
+    }
+    EXPECT_TRUE(std::equal(before.begin(), before.end(), pixels));
 }
 
 }  // namespace
