@@ -121,13 +121,13 @@ Mask Rings(int side) {
 }
 
 // Both make a mask without holes of one that they keep.
+// Both make a mask without holes of one that they keep. OpenCV fills no 16-bit images.
 template <typename T> Contenders Holes(Mask const& mask) {
     struct Scene {
-        Image<T> source, ours;
-        Mask peersSource, theirs;
+        Image<T> source, ours, theirs;
     };
-    auto const scene = std::make_shared<Scene>(
-        Scene{Converted<T>(mask), Image<T>(mask.Width(), mask.Height()), mask, mask});
+    Image<T> const blank(mask.Width(), mask.Height());
+    auto const scene = std::make_shared<Scene>(Scene{Converted<T>(mask), blank, blank});
     Contenders contenders{[=] {
                               auto const& pixels = scene->source.Elements();
                               std::copy(pixels.begin(), pixels.end(), scene->ours.Elements().begin());
@@ -137,16 +137,19 @@ template <typename T> Contenders Holes(Mask const& mask) {
                           {},
                           {}};
 #ifdef ZPA_PEER_OPENCV
-    contenders.peer = "OpenCV floodFill, compare, 8u";
-    contenders.theirs = [=, source = MatView(scene->peersSource), filled = MatView(scene->theirs),
-                         padded = cv::Mat()]() mutable {
-        cv::copyMakeBorder(source, padded, 1, 1, 1, 1, cv::BORDER_CONSTANT, 0);
+    bool const isWide = sizeof(T) > 1;
+    contenders.peer = isWide ? "OpenCV floodFill, compare, and to 8u and back" : "OpenCV floodFill, compare";
+    contenders.theirs = [=, source = MatView(scene->source), filled = MatView(scene->theirs),
+                         bytes = cv::Mat(), padded = cv::Mat()]() mutable {
+        if (isWide) source.convertTo(bytes, CV_8U);
+        cv::copyMakeBorder(isWide ? bytes : source, padded, 1, 1, 1, 1, cv::BORDER_CONSTANT, 0);
         cv::floodFill(padded, {0, 0}, 2, nullptr, {}, {}, 8);
-        cv::compare(padded({1, 1, source.cols, source.rows}), 2, filled, cv::CMP_NE);
+        cv::compare(padded({1, 1, source.cols, source.rows}), 2, isWide ? bytes : filled, cv::CMP_NE);
+        if (isWide) bytes.convertTo(filled, filled.type());
     };
     contenders.sameAnswer = [scene] {
-        for (unsigned char& pixel : scene->theirs.Elements()) pixel = pixel != 0;
-        return LargestDifference(scene->ours, Converted<T>(scene->theirs)) == 0;
+        for (T& pixel : scene->theirs.Elements()) pixel = pixel != 0;
+        return LargestDifference(scene->ours, scene->theirs) == 0;
     };
 #endif
     return contenders;

@@ -6,7 +6,7 @@
 
 namespace ZPA {
 
-// Bytes of the working buffer for an image of a size: about half a byte a pixel.
+// Bytes of the working buffer for an image of a size: three eighths of a byte a pixel.
 Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept;
 
 // Replace the pixel at the seed, and those of its value that are connected with it, by `value`. The buffer

@@ -17,6 +17,10 @@ inline constexpr int kRunsOfWord = 32;
 void FindEqual(std::uint8_t const* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t* bits);
 void FindEqual(std::uint16_t const* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t* bits);
 
+// The same for zero. True if any pixel has the largest value of its type.
+bool FindZeros(std::uint8_t const* row, std::ptrdiff_t width, std::uint64_t* bits);
+bool FindZeros(std::uint16_t const* row, std::ptrdiff_t width, std::uint64_t* bits);
+
 // Sets the pixels whose bits are set to `value`.
 void SetWhere(std::uint8_t* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t const* bits);
 void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t const* bits);

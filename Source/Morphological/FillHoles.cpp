@@ -9,18 +9,39 @@
 namespace ZPA {
 namespace {
 
-// Refuses what cannot be worked on, and makes room for a fill.
-SOLVANE_RETURNCODE Prepare(ImageAttributes const& image, FillBuffer& buffer) {
-    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
-    if (buffer.Allocate(image) == SOLVANE_OK) return SOLVANE_OK;
-    return Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
-}
-
 bool IsEmpty(ImageAttributes const& image) { return image.width < 1 || image.height < 1; }
 
-template <typename T> std::ptrdiff_t StepOf(ImageAttributes const& image) {
-    return std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
+constexpr auto kTopOrLeft = L"FloodFill top border background failed.";
+constexpr auto kBottomOrRight = L"FloodFill bottom border background failed.";
+
+// The message of a fill from the border that failed. The first pixel that it would start from decides.
+template <typename T> wchar_t const* FailureOf(ImageView<T> const& image, T background) {
+    std::ptrdiff_t const right = image.Width() - 1, bottom = image.Height() - 1;
+    for (std::ptrdiff_t x = 0; x <= right; ++x) {
+        if (image.Row(0)[x] == background) return kTopOrLeft;
+        if (image.Row(bottom)[x] == background) return kBottomOrRight;
+    }
+    for (std::ptrdiff_t y = 0; y <= bottom; ++y) {
+        if (image.Row(y)[0] == background) return kTopOrLeft;
+        if (image.Row(y)[right] == background) return kBottomOrRight;
+    }
+    return kTopOrLeft;
+}
+
+// Runs flood(pixels, step, size, eightNeighbours, buffer), which starts from pixels of the background, on an
+// image that is not empty.
+template <typename T, typename Flood>
+SOLVANE_RETURNCODE FromBorder(ImageAttributes const& image, T background, int connectivity,
+                              Flood const& flood) {
+    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
+    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    FillBuffer buffer;
+    std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
+    if (buffer.Allocate(image) == SOLVANE_OK &&
+        flood(static_cast<T*>(image.buffer), step, Size{image.width, image.height}, connectivity != 4,
+              buffer.Get()) == kDone)
+        return SOLVANE_OK;
+    return Fail(SOLVANE_OPERATION_FAILED, FailureOf(ImageView<T>(image), background));
 }
 
 }  // namespace
@@ -29,14 +50,12 @@ template <typename T>
 SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background, T newValue,
                                              int connectivity) {
     if (IsEmpty(image)) return SOLVANE_OK;
-    FillBuffer buffer;
-    SOLVANE_RETURNCODE const code = Prepare(image, buffer);
-    if (code != SOLVANE_OK) return code;
     // One fill from all border pixels: as many fills one after the other would each look at their rows again.
-    // It refuses nothing that is left.
-    FloodFillFromBorder(static_cast<T*>(image.buffer), StepOf<T>(image), {image.width, image.height},
-                        background, newValue, connectivity != 4, buffer.Get());
-    return SOLVANE_OK;
+    return FromBorder(image, background, connectivity,
+                      [&](T* pixels, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+                          return FloodFillFromBorder(pixels, step, size, background, newValue,
+                                                     eightNeighbours, buffer);
+                      });
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes, unsigned char,
@@ -46,14 +65,13 @@ template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttr
 
 template <typename T> SOLVANE_RETURNCODE template_FillHoles(ImageAttributes image, int connectivity) {
     if (IsEmpty(image)) return SOLVANE_OK;
-    FillBuffer buffer;
-    SOLVANE_RETURNCODE const code = Prepare(image, buffer);
-    if (code == SOLVANE_OPERATION_FAILED)
-        return Fail(SOLVANE_OPERATION_FAILED, L"template_FloodBorderAreas to %% failed.");
-    if (code != SOLVANE_OK) return code;
-    FloodHoles(static_cast<T*>(image.buffer), StepOf<T>(image), {image.width, image.height},
-               connectivity != 4, buffer.Get());
-    return SOLVANE_OK;
+    SOLVANE_RETURNCODE const code =
+        FromBorder(image, T{0}, connectivity,
+                   [](T* pixels, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+                       return FloodHoles(pixels, step, size, eightNeighbours, buffer);
+                   });
+    if (code != SOLVANE_OPERATION_FAILED) return code;
+    return Fail(SOLVANE_OPERATION_FAILED, L"template_FloodBorderAreas to %% failed.");
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FillHoles<unsigned char>(ImageAttributes, int);
