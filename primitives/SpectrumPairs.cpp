@@ -58,13 +58,12 @@ HWY_INLINE void ForPoints(std::ptrdiff_t first, std::ptrdiff_t end, Work const& 
 // The odd samples lie half a step further, and so are turned by the root of order 2n.
 template <typename T> void Combine(T* points, std::ptrdiff_t n, bool inverse) {
     if (n < 4) return;  // points 0 and n / 2 have no partner
-    constexpr std::ptrdiff_t kLargestBlock = 32;
+    constexpr std::ptrdiff_t kLargestBlock = RootsOfUnity::kBase;
     std::ptrdiff_t const size = std::min(kLargestBlock, n / 2);
     int logOrder = 3;
     while (std::ptrdiff_t{1} << logOrder < 2 * n) ++logOrder;
     RootsOfUnity const powers(logOrder);
-    double fineRe[kLargestBlock], fineIm[kLargestBlock];
-    FillPowers(logOrder, fineRe, fineIm, size);
+    double const *const fineRe = powers.FirstRe(), *const fineIm = powers.FirstIm();
 
     T const sign = inverse ? T{-1} : T{1};
     for (std::ptrdiff_t block = 0; block < n / 2; block += size) {
