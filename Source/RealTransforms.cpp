@@ -1,6 +1,8 @@
 // Transforms of real values, and what they are for: correlation and convolution.
 #include <Basics/FourierTransform.h>
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "primitives/SpectrumPairs.h"
@@ -39,16 +41,21 @@ template <typename T> void TransformTwoBack(T* fft1, T const* fft2, T* out1, T* 
     TakeApart(fft1, out1, out2, n);
 }
 
-// `work` has room for n points.
+// `work` has room for n values. Two transforms of half the length need half the memory of one of both at once.
 template <typename T> void CorrelateThrough(T* work, T const* data1, T const* data2, int n, T* ans, T scale) {
     if (n == 1) {
         ans[0] = data1[0] * data2[0];
         return;
     }
-    Interleave(data1, data2, work, n);
-    TransformPoints(work, LogOfPowerOfTwo(n), false);
-    Correlate(work, scale, ans, n);
-    TransformReal(ans, n / 2, true);
+    std::ptrdiff_t const points = n / 2;
+    std::copy_n(data1, n, work);
+    std::memmove(ans, data2, static_cast<std::size_t>(n) * sizeof(T));  // it may be one of the inputs
+    TransformReal(work, points, false);
+    TransformReal(ans, points, false);
+    ans[0] *= work[0] * scale;
+    ans[1] *= work[1] * scale;
+    MultiplyByConjugates(ans + 2, work + 2, scale, points - 1);
+    TransformReal(ans, points, true);
 }
 
 }  // namespace
