@@ -8,10 +8,7 @@
 namespace ZPA::Fuzz {
 namespace fs = std::filesystem;
 
-ScratchFolder::ScratchFolder() {
-    fs::path const memory = "/dev/shm";
-    fs::path const parent = access(memory.c_str(), W_OK) == 0 ? memory : fs::temp_directory_path();
-    path_ = parent / ("zpa-fuzz-" + std::to_string(getpid()));
+ScratchFolder::ScratchFolder() : path_(fs::temp_directory_path() / ("zpa-fuzz-" + std::to_string(getpid()))) {
     fs::create_directories(path_);
 }
 

@@ -7,7 +7,7 @@
 
 namespace ZPA::Fuzz {
 
-// Where memory stands in for a disk if there is such a place. Goes with all that is in it.
+// Where the system has its temporary files. Goes with all that is in it, unless the program crashes.
 class ScratchFolder {
 public:
     ScratchFolder();
