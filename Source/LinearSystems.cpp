@@ -26,11 +26,11 @@ void Factor(double* a, int n, double* notes, int* indx, double* d, Message singu
     if (RowScales(a, n, notes) == n)
         *d = Factorise(a, n, kTinyPivot, notes, notes + n, indx);
     else
-        static_cast<void>(Fail(SOLVANE_UNEXPECTED, singular));
+        Report(SOLVANE_UNEXPECTED, singular);
 }
 
 void ReportMemory(Message context, std::uint64_t count, std::size_t elementSize) {
-    static_cast<void>(FailMemory(context, BlockBytes(count, elementSize)));
+    ReportMemory(context, BlockBytes(count, elementSize));
 }
 
 using Decomposition = void (*)(double*, int, int*, double*);
@@ -82,7 +82,7 @@ void ludcmp_DBL(double* a, int n, int* indx, double* d) {
 void lubksb(double const* a, int n, int const* indx, double* b) {
     if (AnyNull(L"lubksb(): Null pointer.", a, indx, b) || n < 1) return;
     if (std::any_of(indx, indx + n, [n](int row) { return row < 0 || row >= n; })) {
-        static_cast<void>(Fail(SOLVANE_OUT_OF_RANGE, L"lubksb(): Row index out of range."));
+        Report(SOLVANE_OUT_OF_RANGE, L"lubksb(): Row index out of range.");
         return;
     }
     SolveFactorised(a, n, indx, b);

@@ -25,7 +25,7 @@ std::uint64_t WithSpare(std::int64_t elements) {
 }
 
 void ReportMemory(Message context, std::uint64_t elements, std::size_t elementSize) {
-    static_cast<void>(FailMemory(context, BlockBytes(elements, elementSize)));
+    ReportMemory(context, BlockBytes(elements, elementSize));
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ void correl(float const* data1, float const* data2, int n, float* ans, float* wo
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     std::unique_ptr<float[]> const own(AllocateElements<float>(count));
     if (!own) {
-        static_cast<void>(FailMemory(L"correl()", count * sizeof(float)));
+        ReportMemory(L"correl()", count * sizeof(float));
         return;
     }
     CorrelateThrough(own.get(), data1, data2, n, ans, scale);
@@ -97,7 +97,7 @@ void correl_DBL(double const* data1, double const* data2, int n, double* ans) {
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     auto const own = AllocateCleared<double>(count);
     if (!own) {
-        static_cast<void>(FailMemory(L"correl_DBL()", BlockBytes(count, sizeof(double))));
+        ReportMemory(L"correl_DBL()", BlockBytes(count, sizeof(double)));
         return;
     }
     CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);

@@ -26,6 +26,7 @@ private:
 };
 
 template <typename... Values> void LogAll(Fuzz::Input& input, wchar_t const* format, Values... values) {
+    Fuzz::LimitedMemory const little(1 << 20, input.Seldom(4) ? input.Choice(3) : -1);
     switch (input.Choice(6)) {
         case 0:
             ZPA_Logging::LogError(L"folder/file.cpp", 1, 4, format, values...);
@@ -144,7 +145,6 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
     Fuzz::Input input(bytes, size);
     int const choice = input.Byte();
-    Fuzz::LimitedMemory const little(1 << 20, choice & 2 ? choice >> 2 & 3 : -1);
     if (choice & 1) {
         for (int i = 0; i < 8 && !input.IsEmpty(); ++i) LogConversion(input);
         return 0;

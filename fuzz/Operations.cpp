@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <map>
+#include <stdexcept>
 
 #include "operations/Operations.h"
 #include "support/Limits.h"
@@ -30,6 +31,12 @@ struct Outcome {
     bool repeatable;
 };
 
+// Whether the error callback throws: no exception may get out.
+bool throwing = false;
+void HearError(wchar_t const*, int, wchar_t const*) {
+    if (throwing) throw std::runtime_error("from the callback");
+}
+
 // Reads the input from its start, so that it can be done again.
 Outcome Run(Fuzz::Operation const& operation, Fuzz::Input input, int fails, std::int64_t target) {
     hwy::SetSupportedTargetsForTest(target);
@@ -45,6 +52,7 @@ Outcome Run(Fuzz::Operation const& operation, Fuzz::Input input, int fails, std:
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Fuzz::ListenToAll();
+    ZPA_Logging::SetErrorCallback(HearError);
     (void)Table();
     return 0;
 }
@@ -58,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     int const options = input.Byte();
     Fuzz::SwitchLog(options % 16 == 15);
     int const fails = options / 16 == 15 ? input.Byte() % 16 : -1;
+    throwing = options / 16 == 14;
 
     static auto const targets = hwy::SupportedAndGeneratedTargets();
     std::int64_t const target = targets[input.Byte() % targets.size()];

@@ -9,7 +9,7 @@ namespace ZPA {
 // Reports a null pointer with code 2; true if there is one.
 template <typename... Pointers> bool AnyNull(Message message, Pointers const*... pointers) {
     if (((pointers != nullptr) && ...)) return false;
-    static_cast<void>(Fail(SOLVANE_NULL_POINTER, message));
+    Report(SOLVANE_NULL_POINTER, message);
     return true;
 }
 

@@ -28,6 +28,25 @@ inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX :
                           LoggedBytes(bytes));
 }
 
+// Fail, for routines that have no frame: the exception of a callback that throws ends here.
+template <typename... Values>
+SOLVANE_RETURNCODE Report(SOLVANE_RETURNCODE code, Message message, Values... values) noexcept {
+    try {
+        return Fail(code, message, values...);
+    } catch (...) {
+        return code;
+    }
+}
+
+// FailMemory, likewise.
+inline SOLVANE_RETURNCODE ReportMemory(Message context, std::uint64_t bytes) noexcept {
+    try {
+        return FailMemory(context, bytes);
+    } catch (...) {
+        return SOLVANE_OUT_OF_MEMORY;
+    }
+}
+
 inline constexpr auto kUnexpected = L"Unexpected exception.";
 
 // Runs the body within a scope of the log, which `scope` are the constructor's arguments of. No exception

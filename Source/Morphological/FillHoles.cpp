@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <vector>
 
 #include "primitives/PixelBits.h"
 #include "Source/Internal/Dispatch.h"
@@ -17,15 +16,19 @@ namespace {
 
 // Zeros take the last value before them that is not zero, in their row or in those above.
 template <typename T> void OverwriteZeros(ImageView<T> const& image) {
-    std::vector<std::uint64_t> zeros(static_cast<std::size_t>(WordsOf(image.Width())));
+    constexpr std::ptrdiff_t kAtOnce = 4096;
+    std::uint64_t zeros[WordsOf(kAtOnce)];
     T carried = 0;
     for (std::ptrdiff_t y = 0; y < image.Height(); ++y) {
-        T* const row = image.Row(y);
-        FindEqual(row, image.Width(), T{0}, zeros.data());
-        ForEachRun(zeros.data(), image.Width(), [&](std::ptrdiff_t first, std::ptrdiff_t end) {
-            std::fill(row + first, row + end, first > 0 ? row[first - 1] : carried);
-        });
-        carried = row[image.Width() - 1];
+        for (std::ptrdiff_t x = 0; x < image.Width(); x += kAtOnce) {
+            T* const pixels = image.Row(y) + x;
+            std::ptrdiff_t const count = std::min(kAtOnce, image.Width() - x);
+            FindEqual(pixels, count, T{0}, zeros);
+            ForEachRun(zeros, count, [&](std::ptrdiff_t first, std::ptrdiff_t end) {
+                std::fill(pixels + first, pixels + end, first > 0 ? pixels[first - 1] : carried);
+            });
+            carried = pixels[count - 1];
+        }
     }
 }
 

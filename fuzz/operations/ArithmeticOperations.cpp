@@ -7,11 +7,14 @@ namespace ZPA::Fuzz {
 
 // Each core of every element type that it is exported for.
 #define ZPA_OF(T, name, traits) {#name "<" #T ">", Call<name<T>>, traits},
-#define ZPA_OF_ALL(name, traits)                                                               \
-    ZPA_OF(char, name, traits)                                                                 \
-    ZPA_OF(unsigned char, name, traits)                                                        \
-    ZPA_OF(short, name, traits) ZPA_OF(unsigned short, name, traits) ZPA_OF(int, name, traits) \
-        ZPA_OF(unsigned int, name, traits) ZPA_OF(float, name, traits) ZPA_OF(double, name, traits)
+#define ZPA_OF_ALL(name, traits)                                                        \
+    ZPA_OF(char, name, traits)                                                          \
+    ZPA_OF(unsigned char, name, traits)                                                 \
+    ZPA_OF(short, name, traits)                                                         \
+    ZPA_OF(unsigned short, name, traits)                                                \
+    ZPA_OF(int, name, traits)                                                           \
+    ZPA_OF(unsigned int, name, traits) ZPA_OF(float, name, traits | kOneInstructionSet) \
+        ZPA_OF(double, name, traits)
 
 std::vector<Operation> const& ArithmeticOperations() {
     static std::vector<Operation> const operations = {
@@ -34,7 +37,8 @@ std::vector<Operation> const& ArithmeticOperations() {
                         ZPA_OF_ALL(template_subc, kPlain) ZPA_OF_ALL(template_mulpc, kPlain)
                             ZPA_OF_ALL(template_divpc, kDivides) ZPA_OF(char, template_abs, kPlain)
                                 ZPA_OF(short, template_abs, kPlain) ZPA_OF(int, template_abs, kPlain)
-                                    ZPA_OF(float, template_abs, kPlain) ZPA_OF(double, template_abs, kPlain)};
+                                    ZPA_OF(float, template_abs, kPlain | kOneInstructionSet)
+                                        ZPA_OF(double, template_abs, kPlain)};
     return operations;
 }
 

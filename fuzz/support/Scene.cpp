@@ -47,7 +47,7 @@ void* Scene::Bytes(std::int64_t count, eTypeCode type, std::size_t elementSize, 
     if (mayBeNull && input.Seldom(64)) return nullptr;
     if (count > kMostBytes / static_cast<std::int64_t>(elementSize)) return nullptr;
     std::size_t const size = static_cast<std::size_t>(count) * elementSize;
-    blocks_.push_back({std::unique_ptr<void, Free>(std::malloc(size)), size});
+    blocks_.push_back({std::unique_ptr<void, Free>(std::malloc(size)), size, type});
     Fill(blocks_.back(), type);
     return blocks_.back().memory.get();
 }
@@ -190,28 +190,41 @@ APOINT const* Scene::Origin() {
     return &origin_;
 }
 
-void Scene::Take(void const* memory, std::size_t size) {
+// All that is not a number counts as one: which of its forms comes out, no operation promises.
+void Scene::Take(void const* memory, std::size_t size, eTypeCode type) {
     auto const* const bytes = static_cast<unsigned char const*>(memory);
-    for (std::size_t i = 0; i < size; ++i) digest_ = (digest_ ^ bytes[i]) * 1099511628211ULL;
+    auto const take = [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) digest_ = (digest_ ^ bytes[i]) * 1099511628211ULL;
+    };
+    auto const takeNumbers = [&](auto number) {
+        for (std::size_t i = 0; i + sizeof number <= size; i += sizeof number) {
+            std::memcpy(&number, bytes + i, sizeof number);
+            if (number == number) take(i, i + sizeof number);
+        }
+    };
+    if (type == eSingle) return takeNumbers(0.0F);
+    if (type == eDouble) return takeNumbers(0.0);
+    take(0, size);
 }
 
 void Scene::Answer(int code) {
-    Take(&code, sizeof code);
-    for (Block const& block : blocks_) Take(block.memory.get(), block.size);
+    Take(&code, sizeof code, eInt32);
+    for (Block const& block : blocks_) Take(block.memory.get(), block.size, block.type);
     for (std::size_t i = 0; i < outputs_.size(); ++i) {
         ImageAttributes const& made = outputs_[i];
-        Take(&made.width, 5 * sizeof made.width);
+        for (int const field : {made.width, made.height, made.stride, made.bitsperpixel, made.pixelspacing})
+            Take(&field, sizeof field, eInt32);
         if (!outputIsMade_[i] || !made.buffer || code != SOLVANE_OK) continue;
+        auto const elementSize = static_cast<std::int64_t>(SizeOf(made.type));
         for (std::int64_t y = 0; y < made.height; ++y)
-            Take(static_cast<char const*>(made.buffer) +
-                     static_cast<std::size_t>(y * made.stride) * SizeOf(made.type),
-                 static_cast<std::size_t>(made.width) * SizeOf(made.type));
+            Take(static_cast<char const*>(made.buffer) + y * made.stride * elementSize,
+                 static_cast<std::size_t>(made.width * elementSize), made.type);
     }
     for (std::size_t i = 0; i < bufferOutputs_.size(); ++i) {
         BufferAttributes const& made = bufferOutputs_[i];
-        Take(&made.size, sizeof made.size);
+        Take(&made.size, sizeof made.size, eInt32);
         if (bufferIsMade_[i] && made.buffer && code == SOLVANE_OK)
-            Take(made.buffer, static_cast<std::size_t>(made.size) * SizeOf(made.type));
+            Take(made.buffer, static_cast<std::size_t>(made.size) * SizeOf(made.type), made.type);
     }
 }
 

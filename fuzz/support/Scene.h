@@ -91,6 +91,7 @@ private:
     struct Block {
         std::unique_ptr<void, Free> memory;
         std::size_t size;
+        eTypeCode type;
     };
 
     template <typename T> static eTypeCode TypeOf() {
@@ -102,7 +103,7 @@ private:
     void Fill(Block const& block, eTypeCode type);
     void Describe(ImageAttributes& image);
     void* Pixels(ImageAttributes const& image);
-    void Take(void const* memory, std::size_t size);
+    void Take(void const* memory, std::size_t size, eTypeCode type);
 
     unsigned traits_;
     ImageAttributes first_;
