@@ -40,6 +40,8 @@ SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background
     if (image.width < 1 || image.height < 1) return SOLVANE_OK;
     if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
     if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (ElementsTooNarrow<T>(image))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
     FillBuffer buffer;
     if (buffer.Allocate(image) != SOLVANE_OK)
         return Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
@@ -62,6 +64,8 @@ template <typename T> SOLVANE_RETURNCODE template_FillHoles(ImageAttributes imag
     if (image.width < 1 || image.height < 1) return SOLVANE_OK;
     if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
     if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (ElementsTooNarrow<T>(image))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
     auto const flood = [&](T background, T newValue) {
         if (template_FloodBorderAreas(image, background, newValue, connectivity) == SOLVANE_OK)
             return SOLVANE_OK;

@@ -7,14 +7,14 @@ namespace ZPA::Fuzz {
 
 // Each core of every element type that it is exported for.
 #define ZPA_OF(T, name, traits) {#name "<" #T ">", Call<name<T>>, traits},
-#define ZPA_OF_ALL(name, traits)                                                        \
-    ZPA_OF(char, name, traits)                                                          \
-    ZPA_OF(unsigned char, name, traits)                                                 \
-    ZPA_OF(short, name, traits)                                                         \
-    ZPA_OF(unsigned short, name, traits)                                                \
-    ZPA_OF(int, name, traits)                                                           \
-    ZPA_OF(unsigned int, name, traits) ZPA_OF(float, name, traits | kOneInstructionSet) \
-        ZPA_OF(double, name, traits)
+#define ZPA_OF_ALL(name, traits)         \
+    ZPA_OF(char, name, traits)           \
+    ZPA_OF(unsigned char, name, traits)  \
+    ZPA_OF(short, name, traits)          \
+    ZPA_OF(unsigned short, name, traits) \
+    ZPA_OF(int, name, traits)            \
+    ZPA_OF(unsigned int, name, traits)   \
+    ZPA_OF(float, name, traits | kOneInstructionSet) ZPA_OF(double, name, traits)
 
 std::vector<Operation> const& ArithmeticOperations() {
     static std::vector<Operation> const operations = {

@@ -53,7 +53,8 @@ ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int see
 ///            to % failed.". The image keeps what was done.
 ZPA_C_API SOLVANE_RETURNCODE FillHoles(ImageAttributes image, int connectivity);
 
-/// The core of FloodFill, for T of `unsigned char` and `unsigned short`.
+/// The core of FloodFill, for T of `unsigned char` and `unsigned short`. Narrower elements are refused with 7,
+/// "The image's elements are too narrow.", after the rows; likewise by the two cores below.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seedY, T newValue,
                                               int connectivity);

@@ -39,8 +39,8 @@ Attempt Try(OperationCall const& operation, Workplace& place, int fails) {
 class EveryAllocation : public testing::Test {
 protected:
     // How many allocations a call makes if none fails.
-    template <typename Check> static void ForEach(OperationCall const& operation, std::string const& folder,
-                                                  Check const& check) {
+    template <typename Check>
+    static void ForEach(OperationCall const& operation, std::string const& folder, Check const& check) {
         for (int fails = 0; fails < 3000; ++fails) {
             SCOPED_TRACE(operation.name + (" without allocation " + std::to_string(fails)));
             Workplace place(folder);
@@ -80,7 +80,9 @@ TEST_F(EveryAllocation, ThatFailsIsToldAndLeaksNothing) {
 // The log is where most of the other exceptions could come from.
 TEST_F(EveryAllocation, ThatFailsWhileCallbacksThrowLetsNoExceptionOut) {
     CapturedLog const log;
-    auto const hear = [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); };
+    auto const hear = [](wchar_t const*, int, wchar_t const*) {
+        throw std::runtime_error("from the callback");
+    };
     ZPA_Logging::SetErrorCallback(hear);
     for (OperationCall const& each : EveryOperation())
         ForEach(each, folder.Path("/"), [](Attempt const&, Workplace const&) {});

@@ -111,7 +111,8 @@ void Workplace::WriteFiles(std::string const& folder) {
         << "<Bag><n Type='System.Int32'>1</n><t Type='System.String'>text</t>"
            "<a Type='System.Int16[]'><item>1</item></a>"
            "<s Type='System.Byte[]' Size='120' BufferFile='scan.4.3.raw'/>"
-           "<i Type='Bag'><ZPA_Type>ZPA_Image&lt;unsigned short&gt;</ZPA_Type><Width>4</Width><Height>3</Height>"
+           "<i Type='Bag'><ZPA_Type>ZPA_Image&lt;unsigned "
+           "short&gt;</ZPA_Type><Width>4</Width><Height>3</Height>"
            "<BitsPerPixel>16</BitsPerPixel><Buffer BufferFile='scan.4.3.raw'/></i></Bag>";
 }
 
@@ -172,15 +173,17 @@ std::vector<OperationCall> const& EveryOperation() {
         {"CalculateImageStats",
          [](W& p) -> int {
              ImageAttributes const mask = p.Mask();
-             return CalculateImageStats(p.Words(), nullptr, &mask, nullptr, p.doubles, p.doubles + 1, p.doubles + 2,
-                                        p.doubles + 3);
+             return CalculateImageStats(p.Words(), nullptr, &mask, nullptr, p.doubles, p.doubles + 1,
+                                        p.doubles + 2, p.doubles + 3);
          },
          {}},
         {"RowCountOfN",
          [](W& p) -> int { return RowCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, &p.counts, nullptr); },
          {999}},
         {"ColumnCountOfN",
-         [](W& p) -> int { return ColumnCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, nullptr, &p.counts); },
+         [](W& p) -> int {
+             return ColumnCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, nullptr, &p.counts);
+         },
          {999}},
         {"NormalizeImage",
          [](W& p) -> int {
@@ -204,8 +207,12 @@ std::vector<OperationCall> const& EveryOperation() {
              return GetRealHistogram(p.Doubles(), nullptr, nullptr, nullptr, 9, 0, 99, &p.counts);
          },
          {999}},
-        {"smoothHistogram", [](W& p) -> int { return smoothHistogram(p.floats, W::kPixels, 2, 2); }, {1, 999}},
-        {"rectFlatTopFilter", [](W& p) -> int { return rectFlatTopFilter(p.words, p.moreWords, w, h, 3, 5); }, {1}},
+        {"smoothHistogram",
+         [](W& p) -> int { return smoothHistogram(p.floats, W::kPixels, 2, 2); },
+         {1, 999}},
+        {"rectFlatTopFilter",
+         [](W& p) -> int { return rectFlatTopFilter(p.words, p.moreWords, w, h, 3, 5); },
+         {1}},
         {"rect_flat_top_filtering_double",
          [](W& p) -> int { return rect_flat_top_filtering_double(p.doubles, p.moreDoubles, w, h, 3, 5); },
          {1}},
@@ -216,7 +223,9 @@ std::vector<OperationCall> const& EveryOperation() {
          },
          {1}},
         {"blockAverageDownSample_ushort",
-         [](W& p) -> int { return blockAverageDownSample_ushort(p.words, p.moreWords, w, h, w / 2, h / 2, 2); },
+         [](W& p) -> int {
+             return blockAverageDownSample_ushort(p.words, p.moreWords, w, h, w / 2, h / 2, 2);
+         },
          {}},
         {"subsample",
          [](W& p) -> int {
@@ -224,7 +233,9 @@ std::vector<OperationCall> const& EveryOperation() {
              return subsample(&source, &p.made, 2, 0, 1);
          },
          {1}},
-        {"AnisotropicGaussian", [](W& p) -> int { return AnisotropicGaussian(p.Words(), &p.made, 3, 2, 30, 1, 1); }, {999}},
+        {"AnisotropicGaussian",
+         [](W& p) -> int { return AnisotropicGaussian(p.Words(), &p.made, 3, 2, 30, 1, 1); },
+         {999}},
         {"HomoFilter", [](W& p) -> int { return HomoFilter(p.Words(), 3, &p.made); }, {999}},
         {"TransposeImage",
          [](W& p) -> int {
@@ -274,7 +285,9 @@ std::vector<OperationCall> const& EveryOperation() {
          },
          {999}},
         {"realFFT_DBL", [](W& p) -> int { return realFFT_DBL(p.doubles, 256, 1), 0; }, {0}},
-        {"correl_DBL", [](W& p) -> int { return correl_DBL(p.doubles, p.doubles + 128, 128, p.moreDoubles), 0; }, {0}},
+        {"correl_DBL",
+         [](W& p) -> int { return correl_DBL(p.doubles, p.doubles + 128, 128, p.moreDoubles), 0; },
+         {0}},
         {"ZPA_Create an image", [](W&) -> int { return Create("image.8.5.4.0.12.0"); }, {999}},
         {"ZPA_Create a buffer", [](W&) -> int { return Create("buffer.14.9"); }, {999}},
         {"GetHistogram",
@@ -283,7 +296,8 @@ std::vector<OperationCall> const& EveryOperation() {
                  ZPA_Image<unsigned char> const image(p.bytes, w, h, w, 8, 0, false, false);
                  auto const histogram = image.GetHistogram();
                  if (!histogram.GetPointer() || !histogram->GetBufferPtr()) return 999;
-                 return std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u) - W::kPixels;
+                 return std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u) -
+                        W::kPixels;
              } catch (std::runtime_error const&) {  // of a callback
                  return 999;
              }
