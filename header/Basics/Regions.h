@@ -106,7 +106,8 @@ ZPA_C_API SOLVANE_RETURNCODE LabelMarkers(ImageAttributes image, int connectivit
 ZPA_C_API SOLVANE_RETURNCODE LabelMarkers2(ImageAttributes mask, int connectivity, int* pnLabels,
                                            ImageAttributes* labeled);
 
-/// The core of FloodFill, for T of `unsigned char` and `unsigned short`.
+/// The core of FloodFill, for T of `unsigned char` and `unsigned short`. Narrower elements are refused with 7,
+/// "The image's elements are too narrow.", after the rows; likewise by the two cores below.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seedY, T newValue,
                                               int connectivity);
