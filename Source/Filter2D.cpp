@@ -63,9 +63,8 @@ SOLVANE_RETURNCODE FilterIntegers(Pass<T> const& pass, ImageAttributes const& ke
     Status status = kNoPrimitive;
     if constexpr (kIntegerFilter<T> != nullptr) {
         PackedKernel<std::int32_t> const packed(kernel);
-        status =
-            kIntegerFilter<T>(pass.from, pass.fromStep, pass.to, pass.toStep, pass.size, packed.elements,
-                              packed.size, kernel.width / 2, kernel.height / 2, divisor ? *divisor : 1);
+        status = kIntegerFilter<T>(pass.from, pass.fromStep, pass.to, pass.toStep, pass.size, packed.elements,
+                                   packed.size, kernel.width / 2, kernel.height / 2, divisor ? *divisor : 1);
     }
     if (status == kNoPrimitive)
         return Fail(SOLVANE_UNSUPPORTED_TYPE, L"ippiFilterInt() is unsupported for this data type.");
@@ -177,9 +176,8 @@ SOLVANE_RETURNCODE Filter2D(ImageAttributes source, Rectangle const* roi, ImageA
                                                                     destinationOrigin, kernel, divisor);
         };
         return Dispatch<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t,
-                        float, double>(source.type, core, [] {
-            return Fail(SOLVANE_UNSUPPORTED_TYPE, L"Unsupported image datatype.");
-        });
+                        float, double>(
+            source.type, core, [] { return Fail(SOLVANE_UNSUPPORTED_TYPE, L"Unsupported image datatype."); });
     });
 }
 

@@ -73,8 +73,8 @@ SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, BufferAtt
     return hasMemory ? SOLVANE_OK : FailMemory(L"FilterBufferSimple", BlockBytes(count, sizeof(T)));
 }
 
-#define ZPA_INSTANTIATE(T)                                                                                   \
-    template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FilterBufferSimple<T>(                             \
+#define ZPA_INSTANTIATE(T)                                                       \
+    template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FilterBufferSimple<T>( \
         BufferAttributes, BufferAttributes, BufferAttributes*);
 ZPA_INSTANTIATE(char)
 ZPA_INSTANTIATE(unsigned char)
@@ -93,8 +93,7 @@ SOLVANE_RETURNCODE FilterBufferSimple(BufferAttributes input, BufferAttributes f
             return template_FilterBufferSimple<typename decltype(element)::type>(input, filter, output);
         };
         return Dispatch<char, unsigned char, short, unsigned short, int, unsigned int, float, double>(
-            input.type, core,
-            [] { return Fail(SOLVANE_UNSUPPORTED_TYPE, L"Unsupported image datatype."); });
+            input.type, core, [] { return Fail(SOLVANE_UNSUPPORTED_TYPE, L"Unsupported image datatype."); });
     });
 }
 

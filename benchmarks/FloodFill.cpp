@@ -126,8 +126,8 @@ template <typename T> Contenders Holes(Mask const& mask) {
         Image<T> source, ours;
         Mask peersSource, theirs;
     };
-    auto const scene = std::make_shared<Scene>(
-        Scene{Converted<T>(mask), Image<T>(mask.Width(), mask.Height()), mask, mask});
+    auto const scene =
+        std::make_shared<Scene>(Scene{Converted<T>(mask), Image<T>(mask.Width(), mask.Height()), mask, mask});
     Contenders contenders{[=] {
                               auto const& pixels = scene->source.Elements();
                               std::copy(pixels.begin(), pixels.end(), scene->ours.Elements().begin());

@@ -85,8 +85,10 @@ template <typename T> Contenders Filtering(int side, int kernelSide, bool separa
             cv::filter2D(source, destination, -1, kernelMat);
     };
     // They round where we cut, and their Fourier transform is one of floats.
-    double const size = 65535 * (std::is_integral_v<T> ? 1.0 : std::abs(sum) + 30.0 * kernelSide * kernelSide);
-    double const tolerance = std::is_same_v<T, double> ? size * 1e-13 : size * 2e-6 + (std::is_integral_v<T> ? 1 : 0);
+    double const size =
+        65535 * (std::is_integral_v<T> ? 1.0 : std::abs(sum) + 30.0 * kernelSide * kernelSide);
+    double const tolerance =
+        std::is_same_v<T, double> ? size * 1e-13 : size * 2e-6 + (std::is_integral_v<T> ? 1 : 0);
     contenders.sameAnswer = [=] { return LargestDifference(scene->ours, scene->theirs) <= tolerance; };
 #endif
     return contenders;
@@ -97,8 +99,12 @@ template <typename T> void RegisterAll(int side) {
     for (bool const separable : {false, true})
         for (int const kernelSide : {3, 5, 7, 15}) {
             std::string const size = std::to_string(kernelSide) + " by " + std::to_string(kernelSide);
-            Register({"Filter2D, " + size + (separable ? ", separable" : ""), kTypeName<T>, side, side,
-                      {kBytes, kBytes}, [=] { return Filtering<T>(side, kernelSide, separable); }});
+            Register({"Filter2D, " + size + (separable ? ", separable" : ""),
+                      kTypeName<T>,
+                      side,
+                      side,
+                      {kBytes, kBytes},
+                      [=] { return Filtering<T>(side, kernelSide, separable); }});
         }
 }
 
@@ -111,8 +117,8 @@ template <typename T> Contenders BufferFiltering(int size) {
     auto const scene = std::make_shared<Scene>(
         Scene{RandomImage<T>(size, 1), Image<T>(size, 1), RandomImage<float>(16, 1, 0, -1, 1)});
     return {[=, output = BufferAttributes(TypeCodeOf<T>, scene->output.Row(0), size)]() mutable {
-        Require(FilterBufferSimple({TypeCodeOf<T>, scene->input.Row(0), size}, {eSingle, scene->weights.Row(0), 16},
-                                   &output));
+        Require(FilterBufferSimple({TypeCodeOf<T>, scene->input.Row(0), size},
+                                   {eSingle, scene->weights.Row(0), 16}, &output));
     }};
 }
 
@@ -124,8 +130,12 @@ Registration const rows([] {
         RegisterAll<float>(side);
         RegisterAll<double>(side);
     }
-    Register({"FilterBufferSimple, 16", "16u", 1 << 16, 1, {0, 0}, [] { return BufferFiltering<unsigned short>(1 << 16); }});
-    Register({"FilterBufferSimple, 16", "64f", 1 << 16, 1, {0, 0}, [] { return BufferFiltering<double>(1 << 16); }});
+    Register({"FilterBufferSimple, 16", "16u", 1 << 16, 1, {0, 0}, [] {
+                  return BufferFiltering<unsigned short>(1 << 16);
+              }});
+    Register({"FilterBufferSimple, 16", "64f", 1 << 16, 1, {0, 0}, [] {
+                  return BufferFiltering<double>(1 << 16);
+              }});
 });
 
 }  // namespace

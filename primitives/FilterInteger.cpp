@@ -38,12 +38,12 @@ Status Filter(Rows<T const> source, Rows<T> destination, Size size, std::int32_t
 
 }  // namespace
 
-#define ZPA_FILTER(name, T)                                                                              \
-    Status ippiFilter_##name##_C1R(T const* source, std::ptrdiff_t sourceStep, T* destination,           \
+#define ZPA_FILTER(name, T)                                                                               \
+    Status ippiFilter_##name##_C1R(T const* source, std::ptrdiff_t sourceStep, T* destination,            \
                                    std::ptrdiff_t destinationStep, Size size, std::int32_t const* kernel, \
-                                   Size kernelSize, int anchorX, int anchorY, int divisor) noexcept {    \
-        return Filter<T>({source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, \
-                         anchorX, anchorY, divisor);                                                     \
+                                   Size kernelSize, int anchorX, int anchorY, int divisor) noexcept {     \
+        return Filter<T>({source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize,  \
+                         anchorX, anchorY, divisor);                                                      \
     }
 ZPA_FILTER(8u, std::uint8_t)
 ZPA_FILTER(16s, std::int16_t)

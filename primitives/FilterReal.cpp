@@ -36,8 +36,8 @@ template <typename T> Status Filter(Filtering<T, T> const& filtering, T* work) n
 Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float* destination,
                           std::ptrdiff_t destinationStep, Size size, float const* kernel, Size kernelSize,
                           int anchorX, int anchorY) noexcept {
-    Filtering<float, float> const filtering{{source, sourceStep}, {destination, destinationStep}, size,
-                                            kernel, kernelSize, anchorX, anchorY};
+    Filtering<float, float> const filtering{
+        {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
     Status const status = filtering.Check();
     if (status != kDone) return status;
     std::unique_ptr<float[]> const work(
@@ -48,8 +48,8 @@ Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float*
 Status ippiFilter_64f_C1R(double const* source, std::ptrdiff_t sourceStep, double* destination,
                           std::ptrdiff_t destinationStep, Size size, double const* kernel, Size kernelSize,
                           int anchorX, int anchorY, std::uint8_t* work) noexcept {
-    Filtering<double, double> const filtering{{source, sourceStep}, {destination, destinationStep}, size,
-                                              kernel, kernelSize, anchorX, anchorY};
+    Filtering<double, double> const filtering{
+        {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
     Status const status = work ? filtering.Check() : kNullPointer;
     return status == kDone ? Filter(filtering, reinterpret_cast<double*>(work)) : status;
 }

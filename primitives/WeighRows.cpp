@@ -40,9 +40,8 @@ HWY_INLINE void WeighRow(D d, Window<T> const& window, Place<T> const& place,
         T const* pixels = place.source + j * place.sourceStride;
         for (int i = 0; i < window.size.width; ++i, ++pixels) {
             auto const weight = hn::Set(d, *weights++);
-            ((sums[Vector] = hn::MulAdd(weight,
-                                        hn::LoadU(d, pixels + static_cast<std::ptrdiff_t>(Vector) * lanes),
-                                        sums[Vector])),
+            ((sums[Vector] = hn::MulAdd(
+                  weight, hn::LoadU(d, pixels + static_cast<std::ptrdiff_t>(Vector) * lanes), sums[Vector])),
              ...);
         }
     }
@@ -79,13 +78,14 @@ HWY_INLINE void WeighTile(D d, Window<T> const& window, Place<T> const& place) {
     for (int r = 0; r < window.size.height + kTileRows - 1; ++r) {
         int const first = std::max(0, r - window.size.height + 1), last = std::min(r, kTileRows - 1);
         switch (first * kTileRows + last) {
-#define ZPA_ROWS(first, last)                                                   \
-    case first * kTileRows + last:                                              \
-        AddPixels<first>(d, weights, width, pixels, left, right,                \
-                         std::make_index_sequence<last - first + 1>());         \
+#define ZPA_ROWS(first, last)                                           \
+    case first* kTileRows + last:                                       \
+        AddPixels<first>(d, weights, width, pixels, left, right,        \
+                         std::make_index_sequence<last - first + 1>()); \
         break;
-            ZPA_ROWS(0, 0) ZPA_ROWS(0, 1) ZPA_ROWS(0, 2) ZPA_ROWS(0, 3) ZPA_ROWS(1, 1)
-            ZPA_ROWS(1, 2) ZPA_ROWS(1, 3) ZPA_ROWS(2, 2) ZPA_ROWS(2, 3) ZPA_ROWS(3, 3)
+            ZPA_ROWS(0, 0)
+            ZPA_ROWS(0, 1) ZPA_ROWS(0, 2) ZPA_ROWS(0, 3) ZPA_ROWS(1, 1) ZPA_ROWS(1, 2) ZPA_ROWS(1, 3)
+                ZPA_ROWS(2, 2) ZPA_ROWS(2, 3) ZPA_ROWS(3, 3)
 #undef ZPA_ROWS
         }
         pixels += place.sourceStride;
@@ -128,10 +128,10 @@ template <typename T> void Weigh(Window<T> const& window, Place<T> const& place,
     }
 }
 
-#define ZPA_KERNEL(name, T)                                                                                 \
-    void Weigh##name(Window<T> const& window, T const* source, std::ptrdiff_t sourceStride, T* sums,        \
-                     std::ptrdiff_t sumsStride, Size size) {                                                \
-        Weigh<T>(window, {source, sourceStride, sums, sumsStride}, size);                                   \
+#define ZPA_KERNEL(name, T)                                                                          \
+    void Weigh##name(Window<T> const& window, T const* source, std::ptrdiff_t sourceStride, T* sums, \
+                     std::ptrdiff_t sumsStride, Size size) {                                         \
+        Weigh<T>(window, {source, sourceStride, sums, sumsStride}, size);                            \
     }
 ZPA_KERNEL(32f, float)
 ZPA_KERNEL(64f, double)

@@ -16,8 +16,7 @@ namespace {
 
 using namespace Testing;
 
-template <typename T>
-using KernelElement = std::conditional_t<std::is_integral_v<T>, int, T>;
+template <typename T> using KernelElement = std::conditional_t<std::is_integral_v<T>, int, T>;
 
 // A pixel of the result, at the kernel's anchor over (x, y): exact for integers, and one chain for real ones.
 template <typename T>
@@ -53,7 +52,8 @@ TYPED_TEST_SUITE(Filter2DOfReals, Reals, );
 // Filters the largest region into a guarded image, and compares all of that.
 template <typename T>
 void ExpectModel(TestImage<T>& source, TestImage<KernelElement<T>>& kernel, int divisor = 1) {
-    SCOPED_TRACE(testing::Message() << source.shape << "; kernel " << kernel.shape << "; divisor " << divisor);
+    SCOPED_TRACE(testing::Message() << source.shape << "; kernel " << kernel.shape << "; divisor "
+                                    << divisor);
     int const kw = kernel.shape.width, kh = kernel.shape.height;
     int const width = source.shape.width - kw + 1, height = source.shape.height - kh + 1;
     APOINT const origin(3, 2);
@@ -75,7 +75,8 @@ template <typename K> TestImage<K> RandomKernel(Shape shape, double limit, unsig
     std::uniform_real_distribution<double> any(-limit, limit);
     TestImage<K> kernel(shape);
     for (std::size_t i = 0; i < kernel.Size(); ++i)
-        kernel.Pixels()[i] = random() % static_cast<unsigned>(rarity) == 0 ? static_cast<K>(any(random)) : K(0);
+        kernel.Pixels()[i] =
+            random() % static_cast<unsigned>(rarity) == 0 ? static_cast<K>(any(random)) : K(0);
     return kernel;
 }
 
@@ -91,14 +92,13 @@ template <typename K> TestImage<K> SeparableKernel(Shape shape, int limit, unsig
     TestImage<K> kernel(shape);
     for (int y = 0; y < shape.height; ++y) {
         K const factor = any();
-        for (int x = 0; x < shape.width; ++x)
-            kernel.At(x, y) = factor * row[static_cast<std::size_t>(x)];
+        for (int x = 0; x < shape.width; ++x) kernel.At(x, y) = factor * row[static_cast<std::size_t>(x)];
     }
     return kernel;
 }
 
 // Odd, even, flat and upright ones, padded ones, more than any tile.
-constexpr Shape kKernels[] = {{1, 1, 1}, {3, 3, 3}, {2, 2, 2},   {4, 3, 6},    {5, 5, 5},   {3, 6, 3},
+constexpr Shape kKernels[] = {{1, 1, 1}, {3, 3, 3}, {2, 2, 2},  {4, 3, 6},    {5, 5, 5},    {3, 6, 3},
                               {7, 7, 9}, {9, 1, 9}, {1, 10, 1}, {15, 15, 15}, {16, 15, 17}, {40, 21, 40}};
 // Results narrower than a vector, and on both sides of a few.
 constexpr int kWidths[] = {1, 3, 31, 64, 129, 200};
@@ -130,14 +130,17 @@ TYPED_TEST(Filter2DOfIntegers, AreExactForEveryRangeOfSums) {
                     Shape const whole{70 + shape.width, 3 + shape.height, 70 + shape.width};
                     auto source = RandomImage<TypeParam>(whole, 1);
                     if (content)
-                        std::fill_n(source.Pixels(), source.Size(), content == 1 ? Limits::min() : Limits::max());
+                        std::fill_n(source.Pixels(), source.Size(),
+                                    content == 1 ? Limits::min() : Limits::max());
                     ++seed;
                     auto kernel = RandomKernel<int>(shape, limit, static_cast<unsigned>(seed), 1 + seed % 3);
                     if (seed % 4 == 0)  // all of one sign
                         for (std::size_t i = 0; i < kernel.Size(); ++i)
-                            kernel.Pixels()[i] = seed % 8 ? std::abs(kernel.Pixels()[i]) : -std::abs(kernel.Pixels()[i]);
+                            kernel.Pixels()[i] =
+                                seed % 8 ? std::abs(kernel.Pixels()[i]) : -std::abs(kernel.Pixels()[i]);
                     // Each divisor comes to each limit at some point; small ones would only saturate.
-                    for (int const divisor : {kDivisors[seed % 9], static_cast<int>(std::min(limit * 10, 2e9))}) {
+                    for (int const divisor :
+                         {kDivisors[seed % 9], static_cast<int>(std::min(limit * 10, 2e9))}) {
                         ExpectModel(source, kernel, divisor);
                         if (testing::Test::HasFatalFailure()) return;
                     }
@@ -246,10 +249,10 @@ TEST(Filter2D, FiltersARegionToAnyPlace) {
     TestImage<unsigned short> destination({18, 17, 19});
     auto expected = destination;
     for (int y = 0; y < 13; ++y)
-        for (int x = 0; x < 17; ++x)
-            expected.At(1 + x, 4 + y) = ModelPixel(source, kernel, 3, 2 + x, 1 + y);
+        for (int x = 0; x < 17; ++x) expected.At(1 + x, 4 + y) = ModelPixel(source, kernel, 3, 2 + x, 1 + y);
     ImageAttributes output = destination.Attributes();
-    ASSERT_EQ(Filter2D(source.Attributes(), &roi, &output, &origin, kernel.Attributes(), &divisor), SOLVANE_OK);
+    ASSERT_EQ(Filter2D(source.Attributes(), &roi, &output, &origin, kernel.Attributes(), &divisor),
+              SOLVANE_OK);
     EXPECT_TRUE(destination == expected);
 }
 
@@ -307,11 +310,39 @@ TEST(Filter2D, RefusesInItsOrder) {
     };
     Case const cases[] = {
         {"type", Described(eUnknown, 20, 20, 20), empty, empty, {}, {}, 6, L"Unsupported image datatype."},
-        {"source", Described(eUInt16, 20, 20, 20), empty, empty, {}, {}, 2, L"The source buffer pointer was NULL."},
+        {"source",
+         Described(eUInt16, 20, 20, 20),
+         empty,
+         empty,
+         {},
+         {},
+         2,
+         L"The source buffer pointer was NULL."},
         {"in place", image, of(eUInt16, 20, 20, 20), empty, {}, {}, 2, kDestination},
-        {"kernel", image, empty, Described(eSingle, 3, 3, 3), {}, {}, 2, L"The kernel buffer pointer was NULL."},
-        {"kernel's type", image, empty, kernel(eSingle, 30, 3, 3), {}, {}, 6, L"The kernel was not an integer kernel."},
-        {"kernel of 32u", of(eSByte, 9, 9, 9), empty, kernel(eUInt32, 3, 3, 3), {}, {}, 6, L"The kernel was not an integer kernel."},
+        {"kernel",
+         image,
+         empty,
+         Described(eSingle, 3, 3, 3),
+         {},
+         {},
+         2,
+         L"The kernel buffer pointer was NULL."},
+        {"kernel's type",
+         image,
+         empty,
+         kernel(eSingle, 30, 3, 3),
+         {},
+         {},
+         6,
+         L"The kernel was not an integer kernel."},
+        {"kernel of 32u",
+         of(eSByte, 9, 9, 9),
+         empty,
+         kernel(eUInt32, 3, 3, 3),
+         {},
+         {},
+         6,
+         L"The kernel was not an integer kernel."},
         {"wide kernel", image, empty, kernel(eInt32, 21, 3, 21), {}, {}, 3, kEmpty},
         {"high kernel", image, empty, kernel(eInt32, 3, 21, 3), {}, {}, 3, kEmpty},
         {"no width", image, empty, three, {-1, 0, 0, 1}, {}, 3, kEmpty},
@@ -321,25 +352,110 @@ TEST(Filter2D, RefusesInItsOrder) {
         {"right", image, empty, kernel(eInt32, 4, 4, 4), {2, 2, 18, 2}, {}, 3, kOutOfSource},
         {"below", image, empty, kernel(eInt32, 4, 4, 4), {2, 2, 2, 18}, {}, 3, kOutOfSource},
         {"overflow", image, empty, three, {INT_MAX, 1, INT_MAX, 2}, {}, 3, kOutOfSource},
-        {"source before destination", image, into(eUInt16, 1, 1, 0), three, {0, 1, 2, 2}, {-1, 0}, 3, kOutOfSource},
+        {"source before destination",
+         image,
+         into(eUInt16, 1, 1, 0),
+         three,
+         {0, 1, 2, 2},
+         {-1, 0},
+         3,
+         kOutOfSource},
         {"origin x", image, empty, three, {1, 1, 2, 2}, {-1, 0}, 3, kOutOfDestination, true},
         {"origin y", image, empty, three, {1, 1, 2, 2}, {0, -1}, 3, kOutOfDestination, true},
         {"far origin", image, empty, three, {1, 1, 2, 2}, {INT_MAX, 0}, 3, kOutOfDestination, true},
         {"narrow", image, into(eUInt16, 2, 9, 1), three, {1, 1, 2, 2}, {1, 0}, 3, kOutOfDestination},
         {"low", image, into(eUInt16, 9, 2, 1), three, {1, 1, 2, 2}, {0, 1}, 3, kOutOfDestination},
-        {"stride", image, into(eByte, 2, 2, 1), three, {1, 1, 2, 2}, {}, 3, L"The destination stride was less than the destination width."},
-        {"source's rows", of(eUInt16, 20, 20, 19), empty, three, {1, 1, 2, 2}, {}, 7, L"The source image's rows overlap.", true},
-        {"destination's type", image, into(eByte, 2, 2, 2), three, {1, 1, 2, 2}, {}, 7, L"The destination image's elements are narrower than the source's."},
-        {"kernel's rows", image, empty, kernel(eInt32, 3, 3, 2), {1, 1, 2, 2}, {}, 7, L"The kernel's rows overlap.", true},
-        {"small reals", of(eSingle, 20, 20, 20), empty, kernel(eInt16, 3, 3, 3), {1, 1, 2, 2}, {}, 6, L"The kernel was not a real kernel.", true},
-        {"smaller reals", of(eDouble, 20, 20, 20), empty, kernel(eSingle, 3, 3, 3), {1, 1, 2, 2}, {}, 6, L"The kernel was not a real kernel.", true},
+        {"stride",
+         image,
+         into(eByte, 2, 2, 1),
+         three,
+         {1, 1, 2, 2},
+         {},
+         3,
+         L"The destination stride was less than the destination width."},
+        {"source's rows",
+         of(eUInt16, 20, 20, 19),
+         empty,
+         three,
+         {1, 1, 2, 2},
+         {},
+         7,
+         L"The source image's rows overlap.",
+         true},
+        {"destination's type",
+         image,
+         into(eByte, 2, 2, 2),
+         three,
+         {1, 1, 2, 2},
+         {},
+         7,
+         L"The destination image's elements are narrower than the source's."},
+        {"kernel's rows",
+         image,
+         empty,
+         kernel(eInt32, 3, 3, 2),
+         {1, 1, 2, 2},
+         {},
+         7,
+         L"The kernel's rows overlap.",
+         true},
+        {"small reals",
+         of(eSingle, 20, 20, 20),
+         empty,
+         kernel(eInt16, 3, 3, 3),
+         {1, 1, 2, 2},
+         {},
+         6,
+         L"The kernel was not a real kernel.",
+         true},
+        {"smaller reals",
+         of(eDouble, 20, 20, 20),
+         empty,
+         kernel(eSingle, 3, 3, 3),
+         {1, 1, 2, 2},
+         {},
+         6,
+         L"The kernel was not a real kernel.",
+         true},
         {"8s", of(eSByte, 20, 20, 20), empty, three, {1, 1, 2, 2}, {}, 6, kNoInteger, true},
         {"32s", of(eInt32, 20, 20, 20), into(eInt32, 2, 2, 2), three, {1, 1, 2, 2}, {}, 6, kNoInteger},
         {"32u", of(eUInt32, 20, 20, 20), empty, three, {1, 1, 2, 2}, {}, 6, kNoInteger, true},
-        {"divisor", image, empty, three, {1, 1, 2, 2}, {}, 5, L"ippiFilterInt() failed. The error code was -6", true, &kZero},
-        {"kernel of no size", image, empty, kernel(eInt32, 0, 3, 3), {1, 1, 2, 2}, {}, 5, L"ippiFilterInt() failed. The error code was -5", true},
-        {"negative kernel", of(eSingle, 20, 20, 20), into(eSingle, 2, 2, 2), kernel(eSingle, -3, INT_MIN, 0), {1, 1, 2, 2}, {}, 5, L"ippiFilterReal() failed. The error code was -5"},
-        {"real kernel of no size", of(eDouble, 20, 20, 20), empty, kernel(eDouble, 3, 0, 3), {1, 1, 2, 2}, {}, 5, L"ippiFilterReal() failed. The error code was -5", true},
+        {"divisor",
+         image,
+         empty,
+         three,
+         {1, 1, 2, 2},
+         {},
+         5,
+         L"ippiFilterInt() failed. The error code was -6",
+         true,
+         &kZero},
+        {"kernel of no size",
+         image,
+         empty,
+         kernel(eInt32, 0, 3, 3),
+         {1, 1, 2, 2},
+         {},
+         5,
+         L"ippiFilterInt() failed. The error code was -5",
+         true},
+        {"negative kernel",
+         of(eSingle, 20, 20, 20),
+         into(eSingle, 2, 2, 2),
+         kernel(eSingle, -3, INT_MIN, 0),
+         {1, 1, 2, 2},
+         {},
+         5,
+         L"ippiFilterReal() failed. The error code was -5"},
+        {"real kernel of no size",
+         of(eDouble, 20, 20, 20),
+         empty,
+         kernel(eDouble, 3, 0, 3),
+         {1, 1, 2, 2},
+         {},
+         5,
+         L"ippiFilterReal() failed. The error code was -5",
+         true},
     };
     unsigned char before[sizeof others];
     std::memcpy(before, others, sizeof others);
@@ -349,8 +465,9 @@ TEST(Filter2D, RefusesInItsOrder) {
         ImageAttributes output = each.destination;
         Rectangle const& roi = each.roi;
         bool const given = roi.x || roi.y || roi.width || roi.height;
-        EXPECT_EQ(Filter2D(each.source, given ? &roi : nullptr, &output, &each.origin, each.kernel, each.divisor),
-                  each.code);
+        EXPECT_EQ(
+            Filter2D(each.source, given ? &roi : nullptr, &output, &each.origin, each.kernel, each.divisor),
+            each.code);
         EXPECT_EQ(log.Text(), each.message);
         EXPECT_EQ(log.Code(), each.code);
         EXPECT_EQ(output.buffer, each.destination.buffer);
@@ -373,7 +490,8 @@ TEST(Filter2D, WritesNothingWithoutMemory) {
     NoMemory const none;
     EXPECT_EQ(Filter2D(image.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), nullptr),
               SOLVANE_OUT_OF_MEMORY);
-    EXPECT_EQ(log.Text().substr(0, 46), L"Filter2D: Memory allocation failed for " + log.Text().substr(39, 7));
+    EXPECT_EQ(log.Text().substr(0, 46),
+              L"Filter2D: Memory allocation failed for " + log.Text().substr(39, 7));
     EXPECT_TRUE(destination == before);
     EXPECT_EQ(Filter2D(image.Attributes(), nullptr, &made, nullptr, kernel.Attributes(), nullptr),
               SOLVANE_UNEXPECTED);
@@ -382,7 +500,8 @@ TEST(Filter2D, WritesNothingWithoutMemory) {
 }
 
 template <typename T> class FilterBufferSimpleOf : public testing::Test {};
-using AllElements = testing::Types<char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
+using AllElements =
+    testing::Types<char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
 TYPED_TEST_SUITE(FilterBufferSimpleOf, AllElements, );
 
 template <typename T> BufferAttributes BufferOf(std::vector<T>& elements) {
@@ -396,8 +515,8 @@ template <typename T> std::vector<T> Causal(std::vector<T> const& input, std::ve
         for (std::size_t k = 0; k < weights.size() && k <= i; ++k)
             sum += static_cast<long double>(input[i - k]) * static_cast<long double>(weights[k]);
         if constexpr (std::is_integral_v<T>)
-            output.push_back(static_cast<T>(
-                std::abs(sum) < 2147483648.0L ? static_cast<int>(sum) : std::numeric_limits<int>::min()));
+            output.push_back(static_cast<T>(std::abs(sum) < 2147483648.0L ? static_cast<int>(sum)
+                                                                          : std::numeric_limits<int>::min()));
         else
             output.push_back(static_cast<T>(sum));
     }
@@ -432,10 +551,10 @@ TYPED_TEST(FilterBufferSimpleOf, IsTheModelInEveryWayToTakeTheOutput) {
         EXPECT_EQ(other, input);
 
         // None; of another type; too short. The last two are freed, which the address sanitizer watches.
-        for (BufferAttributes made : {BufferAttributes(eByte, nullptr, 99),
-                                      BufferAttributes(TypeCodeOf<TypeParam> == eSingle ? eDouble : eSingle,
-                                                       new double[40], 40),
-                                      BufferAttributes(TypeCodeOf<TypeParam>, new TypeParam[32], 32)}) {
+        for (BufferAttributes made :
+             {BufferAttributes(eByte, nullptr, 99),
+              BufferAttributes(TypeCodeOf<TypeParam> == eSingle ? eDouble : eSingle, new double[40], 40),
+              BufferAttributes(TypeCodeOf<TypeParam>, new TypeParam[32], 32)}) {
             ASSERT_EQ(FilterBufferSimple(BufferOf(other), filter, &made), SOLVANE_OK);
             EXPECT_EQ(made.type, TypeCodeOf<TypeParam>);
             ASSERT_EQ(made.size, 33);
@@ -501,7 +620,10 @@ TEST(FilterBufferSimple, RefusesInItsOrder) {
         {"input", {eByte, nullptr, 8}, {eSingle, nullptr, 2}, 4, L"The input buffer is NULL."},
         {"filter", input, {eSingle, nullptr, 2}, 4, L"The filter buffer is NULL."},
         {"filter's type", input, {eInt16, weights, 2}, 6, L"The filter was not a float filter."},
-        {"length", {eSingle, elements, -1}, filter, 1,
+        {"length",
+         {eSingle, elements, -1},
+         filter,
+         1,
          L"FilterBufferSimple: Memory allocation failed for 2147483647 bytes."},
     };
     for (Case const& each : cases) {

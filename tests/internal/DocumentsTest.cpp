@@ -98,18 +98,16 @@ std::size_t LinesInCommon(Lines const& a, Lines const& b) {
 void ExpectAmong(std::vector<Block> const& blocks, std::vector<Block> const& others, char const* complaint) {
     EXPECT_FALSE(blocks.empty());
     for (Block const& block : blocks) {
+        auto const isSame = [&](Block const& other) { return other.lines == block.lines; };
+        if (std::any_of(others.begin(), others.end(), isSame)) continue;
         auto const closest =
             std::max_element(others.begin(), others.end(), [&](Block const& a, Block const& b) {
                 return LinesInCommon(block.lines, a.lines) < LinesInCommon(block.lines, b.lines);
             });
-        if (closest == others.end() || closest->lines != block.lines) {
-            std::size_t const common =
-                closest == others.end() ? 0 : LinesInCommon(block.lines, closest->lines);
-            ADD_FAILURE() << block.place << complaint
-                          << (common < block.lines.size() ? ", from this line on: " + block.lines[common]
-                                                          : std::string(", which goes on"))
-                          << "\nThe closest one is " << (common > 0 ? closest->place : "none");
-        }
+        std::size_t const common = closest == others.end() ? 0 : LinesInCommon(block.lines, closest->lines);
+        ADD_FAILURE() << block.place << complaint << ", from this line on: "
+                      << (common < block.lines.size() ? block.lines[common] : "(its end)")
+                      << "\nThe closest one is " << (common > 0 ? closest->place : "none");
     }
 }
 
