@@ -84,8 +84,9 @@ HWY_INLINE void WeighTile(D d, Window<T> const& window, Place<T> const& place) {
                          std::make_index_sequence<last - first + 1>()); \
         break;
             ZPA_ROWS(0, 0)
-            ZPA_ROWS(0, 1) ZPA_ROWS(0, 2) ZPA_ROWS(0, 3) ZPA_ROWS(1, 1) ZPA_ROWS(1, 2) ZPA_ROWS(1, 3)
-                ZPA_ROWS(2, 2) ZPA_ROWS(2, 3) ZPA_ROWS(3, 3)
+            ZPA_ROWS(0, 1)
+            ZPA_ROWS(0, 2) ZPA_ROWS(0, 3) ZPA_ROWS(1, 1) ZPA_ROWS(1, 2) ZPA_ROWS(1, 3) ZPA_ROWS(2, 2)
+                ZPA_ROWS(2, 3) ZPA_ROWS(3, 3)
 #undef ZPA_ROWS
         }
         pixels += place.sourceStride;

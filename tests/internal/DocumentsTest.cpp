@@ -54,7 +54,7 @@ std::vector<fs::path> Files(char const* folder, std::initializer_list<char const
     return files;
 }
 
-// Fences of languages that are compiled, and code in the comments of headers.
+// Fences, but for those of no language and of languages that nothing compiles, and code in headers' comments.
 std::vector<Block> Shown() {
     std::vector<Block> blocks;
     auto pages = Files("docs", {".md"});
@@ -62,7 +62,9 @@ std::vector<Block> Shown() {
     for (fs::path const& page : pages)
         Collect(
             blocks, page, "",
-            [](std::string const& line) { return line == "```cpp" || line == "```c" || line == "```cmake"; },
+            [](std::string const& line) {
+                return line.compare(0, 3, "```") == 0 && line != "```" && line != "```sh" && line != "```xml";
+            },
             [](std::string const& line) { return line == "```"; });
     for (fs::path const& header : Files("header", {".h"}))
         Collect(
