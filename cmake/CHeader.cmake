@@ -1,7 +1,6 @@
 # Makes zpa.h, the header for C. Its functions are those that the public headers mark with ZPA_C_API, whose names are
 # left in `zpa_c_names`.
 file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/header ${PROJECT_SOURCE_DIR}/header/Basics/*.h)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${headers})
 
 set(types "SOLVANE_RETURNCODE|eTypeCode|ImageAttributes|BufferAttributes|APOINT|Rectangle|StrelParam|ISolvane_Object")
 set(zpa_c_functions "")

@@ -24,6 +24,8 @@ set(library libzpa${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+# The loader learns of the library by a trigger, as Debian wants it; CPack's own scripts tell it again.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "image processing for X-ray acquisition
 zpa copies, converts, filters, measures and labels greyscale radiographs,
 and keeps parameters and results in bags of values.")
@@ -42,16 +44,22 @@ set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "image processing for X-ray acquisition - manual
 The reference manual and the pages that go with it, as HTML.")
 
-# Every Debian package tells what changed, and under which terms it may be used.
+# Every Debian package tells of its versions, and under which terms it may be used.
 find_program(ZPA_GZIP gzip REQUIRED)
-set(changelog ${PROJECT_BINARY_DIR}/changelog.gz)
-add_custom_command(OUTPUT ${changelog}
-    COMMAND ${ZPA_GZIP} -9nc ${PROJECT_SOURCE_DIR}/CHANGELOG.md > ${changelog}
-    DEPENDS CHANGELOG.md VERBATIM)
-add_custom_target(zpa_changelog ALL DEPENDS ${changelog})
+string(TIMESTAMP zpa_package_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # which SOURCE_DATE_EPOCH sets
+configure_file(cmake/debian/changelog.in debian/changelog @ONLY)
+set(zpa_changelogs "")
+foreach(changelog ${PROJECT_BINARY_DIR}/debian/changelog ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
+    cmake_path(GET changelog FILENAME name)
+    add_custom_command(OUTPUT debian/${name}.gz
+        COMMAND ${ZPA_GZIP} -9nc ${changelog} > ${PROJECT_BINARY_DIR}/debian/${name}.gz
+        DEPENDS ${changelog} VERBATIM)
+    list(APPEND zpa_changelogs ${PROJECT_BINARY_DIR}/debian/${name}.gz)
+endforeach()
+add_custom_target(zpa_changelogs ALL DEPENDS ${zpa_changelogs})
 foreach(part RUNTIME DEVELOPMENT DOCUMENTATION)
     string(TOLOWER ${part} component)
-    install(FILES ${changelog} ${PROJECT_SOURCE_DIR}/cmake/copyright COMPONENT ${component}
+    install(FILES ${zpa_changelogs} ${PROJECT_SOURCE_DIR}/cmake/debian/copyright COMPONENT ${component}
         DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${part}_PACKAGE_NAME})
 endforeach()
 

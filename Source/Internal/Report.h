@@ -1,4 +1,4 @@
-// Failures of numerical routines: they have no frame, and yet nothing may be thrown out of them.
+// Failures of routines without a frame, out of which nothing may be thrown all the same.
 #ifndef ZPA_SOURCE_INTERNAL_REPORT_H
 #define ZPA_SOURCE_INTERNAL_REPORT_H
 

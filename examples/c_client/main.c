@@ -8,8 +8,9 @@
 // [sample]
 #include <zpa.h>
 
-// Marks the pixels that are brighter by `excess` than the mean over 31 by 31 pixels around them, without specks that are
-// smaller than 3 by 3. The image has 16-bit pixels and no padding. The caller frees the mask's pixels with FreePixels.
+// Marks the pixels that are brighter by `excess` than the mean over 31 by 31 pixels around them, without specks
+// that are smaller than 3 by 3. The image has 16-bit pixels and no padding. The caller frees the mask's pixels
+// with FreePixels.
 static ZPA_SOLVANE_RETURNCODE FindBright(ZPA_ImageAttributes image, int excess, ZPA_ImageAttributes* mask) {
     ZPA_ImageAttributes means = {0},
                         above = {0};  // without pixels: the library makes them, and they are ours

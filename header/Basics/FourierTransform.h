@@ -28,13 +28,15 @@
 /// transformed in turn (W. M. Gentleman, G. Sande, "Fast Fourier transforms for fun and profit", 1966; D. H.
 /// Bailey, "FFTs in external or hierarchical memory", 1990), with radix 8 and 4 inside.
 ///
-/// Filtering a column of an image in its spectrum, here dropping all but its 16 lowest frequencies:
+/// Filtering a column of 2048 real values, which are 1024 complex points, in its spectrum, where only its 16
+/// lowest frequencies stay:
 ///
-///     double column[2048];                       // real values; 2048 of them are 1024 complex points
-///     ZPA::realFFT_DBL(column, 1024, 1);         // column[2k], column[2k + 1]: frequency k
-///     for (int k = 16; k < 1024; ++k) column[2 * k] = column[2 * k + 1] = 0;
-///     column[1] = 0;                             // the highest frequency, in the place of 0's imaginary part
-///     ZPA::realFFT_DBL(column, 1024, -1);        // filtered, in the scale it had
+/// @code{.cpp}
+/// ZPA::realFFT_DBL(column, 1024, 1);  // column[2k], column[2k + 1]: frequency k
+/// for (int k = 16; k < 1024; ++k) column[2 * k] = column[2 * k + 1] = 0;
+/// column[1] = 0;                       // the highest frequency, in the place of 0's imaginary part
+/// ZPA::realFFT_DBL(column, 1024, -1);  // filtered, in the scale it had
+/// @endcode
 
 namespace ZPA {
 

@@ -54,7 +54,7 @@ std::vector<fs::path> Files(char const* folder, std::initializer_list<char const
     return files;
 }
 
-// Fences of languages that are compiled, and code in the comments of headers.
+// Fences, but for those of no language and of languages that nothing compiles, and code in headers' comments.
 std::vector<Block> Shown() {
     std::vector<Block> blocks;
     auto pages = Files("docs", {".md"});
@@ -62,7 +62,9 @@ std::vector<Block> Shown() {
     for (fs::path const& page : pages)
         Collect(
             blocks, page, "",
-            [](std::string const& line) { return line == "```cpp" || line == "```c" || line == "```cmake"; },
+            [](std::string const& line) {
+                return line.compare(0, 3, "```") == 0 && line != "```" && line != "```sh" && line != "```xml";
+            },
             [](std::string const& line) { return line == "```"; });
     for (fs::path const& header : Files("header", {".h"}))
         Collect(
@@ -98,18 +100,16 @@ std::size_t LinesInCommon(Lines const& a, Lines const& b) {
 void ExpectAmong(std::vector<Block> const& blocks, std::vector<Block> const& others, char const* complaint) {
     EXPECT_FALSE(blocks.empty());
     for (Block const& block : blocks) {
+        auto const isSame = [&](Block const& other) { return other.lines == block.lines; };
+        if (std::any_of(others.begin(), others.end(), isSame)) continue;
         auto const closest =
             std::max_element(others.begin(), others.end(), [&](Block const& a, Block const& b) {
                 return LinesInCommon(block.lines, a.lines) < LinesInCommon(block.lines, b.lines);
             });
-        if (closest == others.end() || closest->lines != block.lines) {
-            std::size_t const common =
-                closest == others.end() ? 0 : LinesInCommon(block.lines, closest->lines);
-            ADD_FAILURE() << block.place << complaint
-                          << (common < block.lines.size() ? ", from this line on: " + block.lines[common]
-                                                          : std::string(", which goes on"))
-                          << "\nThe closest one is " << (common > 0 ? closest->place : "none");
-        }
+        std::size_t const common = closest == others.end() ? 0 : LinesInCommon(block.lines, closest->lines);
+        ADD_FAILURE() << block.place << complaint << ", from this line on: "
+                      << (common < block.lines.size() ? block.lines[common] : "(its end)")
+                      << "\nThe closest one is " << (common > 0 ? closest->place : "none");
     }
 }
 

@@ -9,9 +9,7 @@ namespace {
 TEST(HeaderSamples, FilteringAColumn) {
     constexpr double kPi = 3.14159265358979324;
     auto const slow = [](int y) { return 100 + 10 * std::cos(2 * kPi * 3 * y / 2048); };
-    // [sample]
-    double column[2048];  // real values; 2048 of them are 1024 complex points
-    // [sample]
+    double column[2048];
     for (int y = 0; y < 2048; ++y)
         column[y] = slow(y) + std::cos(kPi * y) + std::sin(2 * kPi * 200 * y / 2048);
     // [sample]
