@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "primitives/SpectrumPairs.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Fourier.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
@@ -85,22 +85,20 @@ void correl(float const* data1, float const* data2, int n, float* ans, float* wo
     if (work) return CorrelateThrough(work, data1, data2, n, ans, scale);
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     std::unique_ptr<float[]> const own(AllocateElements<float>(count));
-    if (!own) {
-        static_cast<void>(FailMemory(L"correl()", count * sizeof(float)));
-        return;
-    }
-    CorrelateThrough(own.get(), data1, data2, n, ans, scale);
+    if (own)
+        CorrelateThrough(own.get(), data1, data2, n, ans, scale);
+    else
+        ReportMemory(L"correl()", count, sizeof(float));
 }
 
 void correl_DBL(double const* data1, double const* data2, int n, double* ans) {
     if (AnyNull(L"correl_DBL(): Null pointer.", data1, data2, ans) || LogOfPowerOfTwo(n) < 0) return;
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     auto const own = AllocateCleared<double>(count);
-    if (!own) {
-        static_cast<void>(FailMemory(L"correl_DBL()", BlockBytes(count, sizeof(double))));
-        return;
-    }
-    CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);
+    if (own)
+        CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);
+    else
+        ReportMemory(L"correl_DBL()", count, sizeof(double));
 }
 
 void convlv_DBL(double const* filter, double* data, int n) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "primitives/PixelBits.h"
 
@@ -31,6 +32,9 @@ std::uint64_t SpreadAlongRuns(std::uint64_t start, std::uint64_t open) {
 
 constexpr std::uint64_t kLastBit = std::uint64_t{1} << 63;
 
+// A row's pixels are looked at in parts of so many words.
+constexpr std::ptrdiff_t kPartWords = 64;
+
 // What a fill keeps of each 64 pixels.
 struct Word {
     std::uint64_t open;     // of the wanted value, and not reached yet
@@ -51,14 +55,12 @@ struct Parts {
     }
 };
 
-template <typename T> class Fill {
+// A search from its starting pixels through all that are open and connected with them. find(y, x, width, bits)
+// sets the bits of the pixels that are open in a part of a row; it is called for rows that the search reaches.
+template <typename Find> class Fill {
 public:
-    Fill(Rows<T> image, Size size, T wanted, bool eightNeighbours, void* buffer)
-        : image_(image),
-          size_(size),
-          wanted_(wanted),
-          eightNeighbours_(eightNeighbours),
-          wordsPerRow_(WordsOf(size.width)) {
+    Fill(Find const& find, Size size, bool eightNeighbours, void* buffer)
+        : find_(find), size_(size), eightNeighbours_(eightNeighbours), wordsPerRow_(WordsOf(size.width)) {
         Parts const parts(size);
         auto const address = reinterpret_cast<std::uintptr_t>(buffer);
         unsigned char* const start = static_cast<unsigned char*>(buffer) + (-address & (alignof(Word) - 1));
@@ -68,10 +70,64 @@ public:
         std::memset(made_, 0, static_cast<std::size_t>(size.height));
     }
 
-    // Pixels of another value start nothing.
+    void RunFrom(std::ptrdiff_t x, std::ptrdiff_t y) {
+        Start(x, y);
+        Run();
+    }
+
+    // Reaches all rows.
+    void RunFromBorder() {
+        for (std::ptrdiff_t word = 0; word < wordsPerRow_; ++word) {
+            Reach(0, word, ~std::uint64_t{0});
+            Reach(size_.height - 1, word, ~std::uint64_t{0});
+        }
+        for (std::ptrdiff_t y = 0; y < size_.height; ++y) {
+            Start(0, y);
+            Start(size_.width - 1, y);
+        }
+        Run();
+    }
+
+    // Calls use(y, x, width, bits) for all parts of the rows that were reached.
+    template <typename Use> void ForEachPart(std::uint64_t Word::*kept, Use const& use) {
+        for (std::ptrdiff_t y = 0; y < size_.height; ++y)
+            if (made_[y])
+                ForPartsOf(y, [&](std::ptrdiff_t x, std::ptrdiff_t width, Word const* words) {
+                    std::uint64_t bits[kPartWords];
+                    for (std::ptrdiff_t i = 0; i < WordsOf(width); ++i) bits[i] = words[i].*kept;
+                    use(y, x, width, bits);
+                });
+    }
+
+private:
+    // Calls work(x, width, words) for the parts of a row.
+    template <typename Work> void ForPartsOf(std::ptrdiff_t y, Work const& work) {
+        Word* words = words_ + y * wordsPerRow_;
+        for (std::ptrdiff_t x = 0; x < size_.width; x += kPartWords * 64, words += kPartWords)
+            work(x, std::min<std::ptrdiff_t>(size_.width - x, kPartWords * 64), words);
+    }
+
+    void Make(std::ptrdiff_t y) {
+        made_[y] = 1;
+        ForPartsOf(y, [&](std::ptrdiff_t x, std::ptrdiff_t width, Word* words) {
+            std::uint64_t bits[kPartWords];
+            find_(y, x, width, bits);
+            for (std::ptrdiff_t i = 0; i < WordsOf(width); ++i) words[i] = {bits[i], 0, 0};
+        });
+    }
+
+    // Pixels that are not open start nothing.
     void Start(std::ptrdiff_t x, std::ptrdiff_t y) { Reach(y, x / 64, std::uint64_t{1} << (x % 64)); }
-    void StartRow(std::ptrdiff_t y) {
-        for (std::ptrdiff_t word = 0; word < wordsPerRow_; ++word) Reach(y, word, ~std::uint64_t{0});
+
+    // The fill comes to these pixels, from a neighbour or from outside.
+    void Reach(std::ptrdiff_t y, std::ptrdiff_t word, std::uint64_t bits) {
+        if (!made_[y]) Make(y);
+        Word& here = words_[y * wordsPerRow_ + word];
+        bits &= here.open;
+        if (bits == 0) return;
+        // A word with pending pixels stands on the stack already, so the stack never outgrows the words.
+        if (here.pending == 0) stack_[depth_++] = y * wordsPerRow_ + word;
+        here.pending |= bits;
     }
 
     void Run() {
@@ -81,48 +137,8 @@ public:
         }
     }
 
-    void Write(T value) {
-        std::uint64_t bits[kChunk];
-        for (std::ptrdiff_t y = 0; y < size_.height; ++y) {
-            if (!made_[y]) continue;
-            for (std::ptrdiff_t first = 0; first < wordsPerRow_; first += kChunk) {
-                std::ptrdiff_t const count = std::min(wordsPerRow_ - first, kChunk);
-                for (std::ptrdiff_t i = 0; i < count; ++i) bits[i] = At(y, first + i).filled;
-                std::ptrdiff_t const width = std::min<std::ptrdiff_t>(size_.width - first * 64, count * 64);
-                SetWhere(image_[y] + first * 64, width, value, bits);
-            }
-        }
-    }
-
-private:
-    static constexpr std::ptrdiff_t kChunk = 64;
-
-    Word& At(std::ptrdiff_t y, std::ptrdiff_t word) { return words_[y * wordsPerRow_ + word]; }
-
-    void Make(std::ptrdiff_t y) {
-        made_[y] = 1;
-        std::uint64_t bits[kChunk];
-        for (std::ptrdiff_t first = 0; first < wordsPerRow_; first += kChunk) {
-            std::ptrdiff_t const count = std::min(wordsPerRow_ - first, kChunk);
-            std::ptrdiff_t const width = std::min<std::ptrdiff_t>(size_.width - first * 64, count * 64);
-            FindEqual(image_[y] + first * 64, width, wanted_, bits);
-            for (std::ptrdiff_t i = 0; i < count; ++i) At(y, first + i) = {bits[i], 0, 0};
-        }
-    }
-
-    // The fill comes to these pixels, from a neighbour or from outside.
-    void Reach(std::ptrdiff_t y, std::ptrdiff_t word, std::uint64_t bits) {
-        if (!made_[y]) Make(y);
-        Word& here = At(y, word);
-        bits &= here.open;
-        if (bits == 0) return;
-        // A word with pending pixels stands on the stack already, so the stack never outgrows the words.
-        if (here.pending == 0) stack_[depth_++] = y * wordsPerRow_ + word;
-        here.pending |= bits;
-    }
-
     void Spread(std::ptrdiff_t y, std::ptrdiff_t word) {
-        Word& here = At(y, word);
+        Word& here = words_[y * wordsPerRow_ + word];
         std::uint64_t const reached = SpreadAlongRuns(here.pending, here.open);
         here.pending = 0;
         here.open &= ~reached;
@@ -141,9 +157,8 @@ private:
         }
     }
 
-    Rows<T> image_;
+    Find find_;
     Size size_;
-    T wanted_;
     bool eightNeighbours_;
     std::ptrdiff_t wordsPerRow_;
     Word* words_;
@@ -151,6 +166,20 @@ private:
     unsigned char* made_;
     std::ptrdiff_t depth_ = 0;
 };
+
+// Finds the pixels of one value.
+template <typename T> auto Equals(Rows<T> const& image, T value) {
+    return [=](std::ptrdiff_t y, std::ptrdiff_t x, std::ptrdiff_t width, std::uint64_t* bits) {
+        FindEqual(image[y] + x, width, value, bits);
+    };
+}
+
+// Gives pixels a value.
+template <typename T> auto Sets(Rows<T> const& image, T value) {
+    return [=](std::ptrdiff_t y, std::ptrdiff_t x, std::ptrdiff_t width, std::uint64_t const* bits) {
+        SetWhere(image[y] + x, width, value, bits);
+    };
+}
 
 template <typename T>
 Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int seedY, T value,
@@ -161,10 +190,9 @@ Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int see
     Rows<T> const rows{image, step};
     T const wanted = rows[seedY][seedX];
     if (wanted == value) return kDone;
-    Fill<T> fill(rows, size, wanted, eightNeighbours, buffer);
-    fill.Start(seedX, seedY);
-    fill.Run();
-    fill.Write(value);
+    Fill fill(Equals(rows, wanted), size, eightNeighbours, buffer);
+    fill.RunFrom(seedX, seedY);
+    fill.ForEachPart(&Word::filled, Sets(rows, value));
     return kDone;
 }
 
@@ -174,15 +202,46 @@ Status FillFromBorder(T* image, std::ptrdiff_t step, Size size, T background, T 
     if (!image || !buffer) return kNullPointer;
     if (size.width < 1 || size.height < 1) return kBadSize;
     if (background == value) return kDone;
-    Fill<T> fill({image, step}, size, background, eightNeighbours, buffer);
-    fill.StartRow(0);
-    fill.StartRow(size.height - 1);
-    for (std::ptrdiff_t y = 0; y < size.height; ++y) {
-        fill.Start(0, y);
-        fill.Start(size.width - 1, y);
-    }
-    fill.Run();
-    fill.Write(value);
+    Rows<T> const rows{image, step};
+    Fill fill(Equals(rows, background), size, eightNeighbours, buffer);
+    fill.RunFromBorder();
+    fill.ForEachPart(&Word::filled, Sets(rows, value));
+    return kDone;
+}
+
+template <typename T>
+Status FillHolesOf(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+    if (!image || !buffer) return kNullPointer;
+    if (size.width < 1 || size.height < 1) return kBadSize;
+    Rows<T> const rows{image, step};
+    auto const isZero = Equals(rows, T{0});
+    auto const isMarker = Equals(rows, std::numeric_limits<T>::max());
+    bool anyMarker = false;
+    auto const findZeros = [&](std::ptrdiff_t y, std::ptrdiff_t x, std::ptrdiff_t width,
+                               std::uint64_t* bits) {
+        isMarker(y, x, width, bits);
+        anyMarker =
+            anyMarker || std::any_of(bits, bits + WordsOf(width), [](auto word) { return word != 0; });
+        isZero(y, x, width, bits);
+    };
+    Fill outside(findZeros, size, eightNeighbours, buffer);
+    outside.RunFromBorder();
+    auto const close = [&](std::ptrdiff_t y, std::ptrdiff_t x, std::ptrdiff_t width,
+                           std::uint64_t const* bits) { SetToPixelBefore(rows[y] + x, width, bits); };
+    outside.ForEachPart(&Word::open, close);
+    if (!anyMarker) return kDone;
+
+    // The zeros that are left are the outside, which the marker stands for.
+    auto const findMarked = [&](std::ptrdiff_t y, std::ptrdiff_t x, std::ptrdiff_t width,
+                                std::uint64_t* bits) {
+        std::uint64_t zeros[kPartWords];
+        isZero(y, x, width, zeros);
+        isMarker(y, x, width, bits);
+        for (std::ptrdiff_t i = 0; i < WordsOf(width); ++i) bits[i] |= zeros[i];
+    };
+    Fill marked(findMarked, size, eightNeighbours, buffer);
+    marked.RunFromBorder();
+    marked.ForEachPart(&Word::filled, Sets(rows, T{0}));
     return kDone;
 }
 
@@ -209,6 +268,10 @@ Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept {
     Status FloodFillFromBorder(T* image, std::ptrdiff_t step, Size size, T background, T value,        \
                                bool eightNeighbours, void* buffer) noexcept {                          \
         return FillFromBorder(image, step, size, background, value, eightNeighbours, buffer);          \
+    }                                                                                                  \
+    Status FloodHoles(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours,                  \
+                      void* buffer) noexcept {                                                         \
+        return FillHolesOf(image, step, size, eightNeighbours, buffer);                                \
     }
 ZPA_FILL(std::uint8_t)
 ZPA_FILL(std::uint16_t)

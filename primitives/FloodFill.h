@@ -27,6 +27,14 @@ Status FloodFillFromBorder(std::uint8_t* image, std::ptrdiff_t step, Size size, 
 Status FloodFillFromBorder(std::uint16_t* image, std::ptrdiff_t step, Size size, std::uint16_t background,
                            std::uint16_t value, bool eightNeighbours, void* buffer) noexcept;
 
+// Closes holes, which are zeros that no path of zeros connects with the border: each takes the value of the
+// pixel before it in its row. Then pixels of the type's largest value that the border reaches through such
+// pixels and through the zeros outside are cleared.
+Status FloodHoles(std::uint8_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
+                  void* buffer) noexcept;
+Status FloodHoles(std::uint16_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
+                  void* buffer) noexcept;
+
 }  // namespace ZPA
 
 #endif

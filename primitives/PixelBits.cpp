@@ -80,6 +80,28 @@ template <typename T> void Set(T* row, std::ptrdiff_t width, T value, std::uint6
     }
 }
 
+template <typename T> void SetToBefore(T* row, std::ptrdiff_t width, std::uint64_t const* bits) {
+    for (std::ptrdiff_t x = 0; x < width; x += 64) {
+        std::uint64_t word = *bits++;
+        if (word == 0) continue;
+        T* const pixels = row + x;
+        if (x + 64 <= width) {
+            // Most often all runs of a word have the same pixel before them. That of the first bit is the only
+            // one outside of the word, and if there is a run there, it is the one compared with.
+            T const value = pixels[__builtin_ctzll(word) - 1];
+            std::uint64_t const before = (word & ~(word << 1)) >> 1;
+            if ((before & ~EqualBits64(pixels, value)) == 0) {
+                SetWhere64(pixels, value, word);
+                continue;
+            }
+        }
+        for (; word != 0; word &= word - 1) {
+            int const i = __builtin_ctzll(word);
+            pixels[i] = pixels[i - 1];
+        }
+    }
+}
+
 void Find8u(std::uint8_t const* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t* bits) {
     Find(row, width, value, bits);
 }
@@ -91,6 +113,13 @@ void Set8u(std::uint8_t* row, std::ptrdiff_t width, std::uint8_t value, std::uin
 }
 void Set16u(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t const* bits) {
     Set(row, width, value, bits);
+}
+
+void SetToBefore8u(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits) {
+    SetToBefore(row, width, bits);
+}
+void SetToBefore16u(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits) {
+    SetToBefore(row, width, bits);
 }
 
 }  // namespace
@@ -118,6 +147,16 @@ void SetWhere(std::uint8_t* row, std::ptrdiff_t width, std::uint8_t value, std::
 HWY_EXPORT(Set16u);
 void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t const* bits) {
     HWY_DYNAMIC_DISPATCH(Set16u)(row, width, value, bits);
+}
+
+HWY_EXPORT(SetToBefore8u);
+void SetToPixelBefore(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits) {
+    HWY_DYNAMIC_DISPATCH(SetToBefore8u)(row, width, bits);
+}
+
+HWY_EXPORT(SetToBefore16u);
+void SetToPixelBefore(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits) {
+    HWY_DYNAMIC_DISPATCH(SetToBefore16u)(row, width, bits);
 }
 
 }  // namespace ZPA

@@ -18,6 +18,11 @@ void FindEqual(std::uint16_t const* row, std::ptrdiff_t width, std::uint16_t val
 void SetWhere(std::uint8_t* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t const* bits);
 void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t const* bits);
 
+// Sets each run of pixels whose bits are set to the pixel before it, which is read at row[-1] if the first bit
+// is set.
+void SetToPixelBefore(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
+void SetToPixelBefore(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
+
 // Calls work(first, end) for every run of set bits, from the lowest on. No bit beyond `width` may be set.
 template <typename Work> void ForEachRun(std::uint64_t const* bits, std::ptrdiff_t width, Work const& work) {
     std::ptrdiff_t first = -1;  // of a run that has not ended yet

@@ -1,12 +1,6 @@
-// FillHoles: the outside is marked from the border, what is still zero is overwritten, and the mark taken
-// back.
+// FillHoles, and fills from the border.
 #include <Basics/Regions.h>
 
-#include <algorithm>
-#include <limits>
-#include <vector>
-
-#include "primitives/PixelBits.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
@@ -15,18 +9,18 @@
 namespace ZPA {
 namespace {
 
-// Zeros take the last value before them that is not zero, in their row or in those above.
-template <typename T> void OverwriteZeros(ImageView<T> const& image) {
-    std::vector<std::uint64_t> zeros(static_cast<std::size_t>(WordsOf(image.Width())));
-    T carried = 0;
-    for (std::ptrdiff_t y = 0; y < image.Height(); ++y) {
-        T* const row = image.Row(y);
-        FindEqual(row, image.Width(), T{0}, zeros.data());
-        ForEachRun(zeros.data(), image.Width(), [&](std::ptrdiff_t first, std::ptrdiff_t end) {
-            std::fill(row + first, row + end, first > 0 ? row[first - 1] : carried);
-        });
-        carried = row[image.Width() - 1];
-    }
+// Refuses what cannot be worked on, and makes room for a fill.
+SOLVANE_RETURNCODE Prepare(ImageAttributes const& image, FillBuffer& buffer) {
+    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
+    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (buffer.Allocate(image) == SOLVANE_OK) return SOLVANE_OK;
+    return Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
+}
+
+bool IsEmpty(ImageAttributes const& image) { return image.width < 1 || image.height < 1; }
+
+template <typename T> std::ptrdiff_t StepOf(ImageAttributes const& image) {
+    return std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
 }
 
 }  // namespace
@@ -34,19 +28,15 @@ template <typename T> void OverwriteZeros(ImageView<T> const& image) {
 template <typename T>
 SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background, T newValue,
                                              int connectivity) {
-    if (image.width < 1 || image.height < 1) return SOLVANE_OK;
-    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (IsEmpty(image)) return SOLVANE_OK;
     FillBuffer buffer;
-    if (buffer.Allocate(image) != SOLVANE_OK)
-        return Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
+    SOLVANE_RETURNCODE const code = Prepare(image, buffer);
+    if (code != SOLVANE_OK) return code;
     // One fill from all border pixels: as many fills one after the other would each look at their rows again.
-    std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
-    Status const status =
-        FloodFillFromBorder(static_cast<T*>(image.buffer), step, {image.width, image.height}, background,
-                            newValue, connectivity != 4, buffer.Get());
-    return status == kDone ? SOLVANE_OK
-                           : Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
+    // It refuses nothing that is left.
+    FloodFillFromBorder(static_cast<T*>(image.buffer), StepOf<T>(image), {image.width, image.height},
+                        background, newValue, connectivity != 4, buffer.Get());
+    return SOLVANE_OK;
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes, unsigned char,
@@ -55,19 +45,15 @@ template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttr
                                                                        unsigned short, int);
 
 template <typename T> SOLVANE_RETURNCODE template_FillHoles(ImageAttributes image, int connectivity) {
-    constexpr T kMarker = std::numeric_limits<T>::max();
-    if (image.width < 1 || image.height < 1) return SOLVANE_OK;
-    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
-    auto const flood = [&](T background, T newValue) {
-        if (template_FloodBorderAreas(image, background, newValue, connectivity) == SOLVANE_OK)
-            return SOLVANE_OK;
+    if (IsEmpty(image)) return SOLVANE_OK;
+    FillBuffer buffer;
+    SOLVANE_RETURNCODE const code = Prepare(image, buffer);
+    if (code == SOLVANE_OPERATION_FAILED)
         return Fail(SOLVANE_OPERATION_FAILED, L"template_FloodBorderAreas to %% failed.");
-    };
-    SOLVANE_RETURNCODE const code = flood(T{0}, kMarker);
     if (code != SOLVANE_OK) return code;
-    OverwriteZeros(ImageView<T>(image));
-    return flood(kMarker, T{0});
+    FloodHoles(static_cast<T*>(image.buffer), StepOf<T>(image), {image.width, image.height},
+               connectivity != 4, buffer.Get());
+    return SOLVANE_OK;
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FillHoles<unsigned char>(ImageAttributes, int);

@@ -39,8 +39,7 @@ public:
         std::string const png = step.name + ".png";
 
         // The operation puts size and extension behind the name by itself.
-        Check(ZPA::DumpRawImage(image.GetBufferPtr(), width, height, -1,
-                                folder_.PathFor(step.name).c_str()),
+        Check(ZPA::DumpRawImage(image.GetBufferPtr(), width, height, -1, folder_.PathFor(step.name).c_str()),
               raw + " cannot be written");
         Check(ZPA::dumpPgm8bit(image.GetBufferPtr(), width, height, folder_.PathFor(pgm).c_str()),
               pgm + " cannot be written");
@@ -112,14 +111,15 @@ private:
 Plot ThresholdPlot(Findings const& found) {
     Counts const counts = CountByValue(*found.flattened);
     Histogram const histogram = MakeHistogram(counts);
-    return {"Of the flattened image: the counts as an area, smoothed as a line, and a dashed line at the "
-            "threshold of Otsu’s method (IEEE Transactions on Systems, Man, and Cybernetics, 1979), which "
-            "parts low values from high ones best.",
-            HistogramSvg(histogram, found.threshold),
-            {{"From", Number(histogram.low)},
-             {"Threshold", Number(found.threshold)},
-             {"To", Number(histogram.high)},
-             {"Values a bin", Number(histogram.valuesPerBin)}}};
+    return {
+        "Of the flattened image: the counts as an area, smoothed as a line, and a dashed line at the "
+        "threshold of Otsu’s method (IEEE Transactions on Systems, Man, and Cybernetics, 1979), which "
+        "parts low values from high ones best.",
+        HistogramSvg(histogram, found.threshold),
+        {{"From", Number(histogram.low)},
+         {"Threshold", Number(found.threshold)},
+         {"To", Number(histogram.high)},
+         {"Values a bin", Number(histogram.valuesPerBin)}}};
 }
 
 Table RegionTable(Findings const& found) {
@@ -135,9 +135,9 @@ Table RegionTable(Findings const& found) {
         Region const& region = found.regions[i];
         ZPA::Rectangle const& bounds = region.bounds;
         table.rows.push_back({Number(region.label), Number(region.area),
-                              Number(100 * region.area / pixels, 2) + " %", Number(bounds.x), Number(bounds.y),
-                              Dimensions(bounds.width, bounds.height), Number(region.mean, 1),
-                              Number(region.deviation, 1)});
+                              Number(100 * region.area / pixels, 2) + " %", Number(bounds.x),
+                              Number(bounds.y), Dimensions(bounds.width, bounds.height),
+                              Number(region.mean, 1), Number(region.deviation, 1)});
         table.colours.push_back(ColourOf(i));
     }
     return table;

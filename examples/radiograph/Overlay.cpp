@@ -29,7 +29,8 @@ unsigned char Mix(int grey, int colour) {
 
 Picture Overlay(Picture const& grey, Image const& labels, std::vector<Region> const& regions) {
     std::vector<Colour> colours(0x10000, kOthers);
-    for (std::size_t i = 0; i < regions.size(); ++i) colours[regions[i].label] = kColours[i % kColours.size()];
+    for (std::size_t i = 0; i < regions.size(); ++i)
+        colours[regions[i].label] = kColours[i % kColours.size()];
 
     int const width = grey.width;
     int const height = grey.height;

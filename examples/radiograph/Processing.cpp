@@ -126,8 +126,7 @@ Findings Process(std::string const& file) {
        "show as clearly as strong ones.",
        [&] { return Normalised(input, std::max(1.0, side / 64.0)); });
 
-    Do(steps, "Edges", "edges",
-       "How steeply grey values change, by Sobel’s kernels after slight smoothing.",
+    Do(steps, "Edges", "edges", "How steeply grey values change, by Sobel’s kernels after slight smoothing.",
        [&] { return Edges(input, std::max(0.5, side / 1000.0)); });
 
     MaskPtr mask;

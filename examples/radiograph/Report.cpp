@@ -48,11 +48,10 @@ std::string Base64(std::string const& bytes) {
 std::string Percent(double part) { return Number(part * 100, 2) + "%"; }
 
 std::string PictureHtml(Section const& section) {
-    std::string html =
-        "<a class=\"picture\" href=\"" + Escaped(section.fullSize) + "\"><img width=\"" +
-        std::to_string(section.picture.width) + "\" height=\"" + std::to_string(section.picture.height) +
-        "\" alt=\"" + Escaped(section.title) + "\" src=\"data:image/png;base64," +
-        Base64(EncodePng(section.picture)) + "\">";
+    std::string html = "<a class=\"picture\" href=\"" + Escaped(section.fullSize) + "\"><img width=\"" +
+                       std::to_string(section.picture.width) + "\" height=\"" +
+                       std::to_string(section.picture.height) + "\" alt=\"" + Escaped(section.title) +
+                       "\" src=\"data:image/png;base64," + Base64(EncodePng(section.picture)) + "\">";
     for (Mark const& mark : section.marks)
         html += "<b style=\"left:" + Percent(mark.x) + ";top:" + Percent(mark.y) + "\">" +
                 Escaped(mark.text) + "</b>";
@@ -115,11 +114,13 @@ std::string TableHtml(std::string const& title, Table const& table) {
 std::string TimesHtml(std::vector<Figure> const& times, std::vector<double> const& seconds) {
     if (times.empty()) return {};
     double const longest = std::max(*std::max_element(seconds.begin(), seconds.end()), 1e-9);
-    std::string html = "<section>\n<h2>Times</h2>\n<p class=\"caption\">Of each step on this machine, once.</p>\n"
-                       "<dl class=\"times\">\n";
+    std::string html =
+        "<section>\n<h2>Times</h2>\n<p class=\"caption\">Of each step on this machine, once.</p>\n"
+        "<dl class=\"times\">\n";
     for (std::size_t i = 0; i < times.size(); ++i)
-        html += "<dt>" + Escaped(times[i].name) + "</dt><dd><i style=\"width:" +
-                Percent(seconds[i] / longest) + "\"></i><span>" + Escaped(times[i].value) + "</span></dd>\n";
+        html += "<dt>" + Escaped(times[i].name) +
+                "</dt><dd><i style=\"width:" + Percent(seconds[i] / longest) + "\"></i><span>" +
+                Escaped(times[i].value) + "</span></dd>\n";
     return html + "</dl>\n</section>\n";
 }
 
@@ -137,7 +138,8 @@ std::string MakePage(Report const& report) {
     for (Section const& section : report.sections) html += SectionHtml(section);
     return html + "</main>\n<div class=\"findings\">\n" + PlotHtml("Histogram", report.histogram) +
            TableHtml("Regions", report.regions) + TimesHtml(report.times, report.seconds) +
-           "</div>\n<footer><p>The bar under a picture tells the values shown black and white; the few pixels "
+           "</div>\n<footer><p>The bar under a picture tells the values shown black and white; the few "
+           "pixels "
            "beyond them are cut. The PGM files spread the whole range from dark to bright, and the raw files "
            "hold the values as they are.</p><p>" +
            Escaped(report.versions) + "</p></footer>\n</body>\n</html>\n";

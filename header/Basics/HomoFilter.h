@@ -24,8 +24,7 @@ namespace ZPA {
 /// @param input   eByte, eUInt16 or eDouble.
 /// @param sigma   Standard deviation of the window, in pixels.
 /// @param output  In and out. With pixels: any of these types, in the input's size; it may be the input. With
-/// a
-///                null pixel pointer it becomes an eDouble image of 64 bits per pixel without padding, with
+///                a null pixel pointer it becomes an eDouble image of 64 bits per pixel without padding, with
 ///                the input's pixel spacing; its pixels belong to the caller, who frees them with FreePixels
 ///                or `delete[]`.
 ///

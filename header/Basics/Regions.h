@@ -27,8 +27,7 @@ namespace ZPA {
 /// @retval 5  No size: "ippiFloodFillGetSize failed. code -5"
 /// @retval 1  No memory: "template_FloodFill: Memory allocation failed for %%d bytes."
 /// @retval 5  "ippiFloodFill_nCon failed. code %%d": -8 the pixels are null, -11 the seed lies outside, -12
-/// the type is
-///            neither eByte nor eUInt16.
+///            the type is neither eByte nor eUInt16.
 /// @retval 7  The image's rows overlap: "The image's rows overlap."
 ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int seedY, int newValue,
                                        int connectivity);

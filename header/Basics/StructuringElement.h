@@ -64,8 +64,7 @@ ZPA_C_API SOLVANE_RETURNCODE strel_GetBufferSize(char const* shape, int param1, 
 /// radius and the stride: the caller must give that much memory. For other types it writes nothing.
 ///
 /// @param se      The mask: pixels, size, stride and type are used. Pixels beyond the shape are kept by
-/// "disk"
-///                and cleared by the lines; "line" also clears the padding.
+///                "disk" and cleared by the lines; "line" also clears the padding.
 /// @param center  Out: column and row of the centre. From one for "square" and "rectangle" (a square of 3 has
 ///                2.0, 2.0), from zero for the lines. None of the operations reads it. May be null for
 ///                "disk".
@@ -76,8 +75,7 @@ ZPA_C_API SOLVANE_RETURNCODE strel_GetBufferSize(char const* shape, int param1, 
 ///
 /// @retval 0  Done.
 /// @retval 4  A side below 1, or a mask of another size: "MakeSquareStrel::param1 = %d is not supported.",
-/// for
-///            rectangles (sic) "MakeSquareStrel::param1,param2 = %d,%d is not supported."
+///            for rectangles (sic) "MakeSquareStrel::param1,param2 = %d,%d is not supported."
 /// @retval 4  A length below 1: "MakeLineStrel(int len = %d, double theta_d = %x) error". The last number is
 ///            the low half of the angle's address.
 /// @retval 4  A mask of another size, or of none: "MakeLineStrel(int len = %d, double theta_d = %x) buffer

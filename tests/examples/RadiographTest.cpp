@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <cmath>
+
 #include "radiograph/Edges.h"
 #include "radiograph/HistogramPlot.h"
 #include "radiograph/Overlay.h"
