@@ -13,7 +13,10 @@ namespace ZPA::Testing {
 struct Case {
     std::string name;
     void (*run)(Digest& digest);
+    // Whether it is the same only among machines with fused multiply-add, which others round otherwise.
+    bool fused = false;
 };
+inline std::ostream& operator<<(std::ostream& out, Case const& each) { return out << each.name; }
 
 std::vector<Case> PixelCases();
 std::vector<Case> MeasureCases();

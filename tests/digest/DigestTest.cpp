@@ -31,13 +31,17 @@ std::uint64_t DigestOf(Case const& each) {
 }
 
 class DigestTest : public testing::TestWithParam<Case> {};
-void PrintTo(Case const& each, std::ostream* out) { *out << each.name; }
+
+// Of the instruction set that the kernels use now. Later sets have lower numbers.
+bool HasFusedMultiplyAdd() { return (hwy::SupportedTargets() & (HWY_AVX2 | (HWY_AVX2 - 1))) != 0; }
 
 TEST_P(DigestTest, IsThatOfTheTable) {
     auto const row = kTable.find(GetParam().name);
     ASSERT_NE(row, kTable.end());
-    ForEachSimdTarget(
-        [&] { ForEachThreadCount([&] { EXPECT_EQ(DigestOf(GetParam()), row->second); }); });
+    ForEachSimdTarget([&] {
+        if (GetParam().fused && !HasFusedMultiplyAdd()) return;
+        ForEachThreadCount([&] { EXPECT_EQ(DigestOf(GetParam()), row->second); });
+    });
 }
 INSTANTIATE_TEST_SUITE_P(Operations, DigestTest, testing::ValuesIn(AllCases()));
 
