@@ -217,13 +217,10 @@ public:
     // Rows `first` to `end` of the matrix, not more than a panel has.
     Strip(Matrix a, std::ptrdiff_t first, std::ptrdiff_t end, std::ptrdiff_t column)
         : a_(a), first_(first), steps_(end - first), column_(column) {
-        for (std::ptrdiff_t y = 0; y < steps_; ++y) {
-            Lines const line = Load(a_.Row(first_ + y) + column_);
-            Store(line, Row(y));
-        }
+        for (std::ptrdiff_t y = 0; y < steps_; ++y) Store(Load(a_.Row(first_ + y) + column_), Row(y));
     }
 
-    // The panel's rows of triangular factors of as many rows as the matrix.
+    // With the panel's rows of the factors, which have as many rows as the matrix.
     void SolveLower(double const* factors) {
         for (std::ptrdiff_t k = 0; k < steps_; ++k)
             for (std::ptrdiff_t y = k + 1; y < steps_; ++y) Step(y, Factor(factors, y, k), k);
