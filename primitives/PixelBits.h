@@ -17,9 +17,18 @@ inline constexpr int kRunsOfWord = 32;
 void FindEqual(std::uint8_t const* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t* bits);
 void FindEqual(std::uint16_t const* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t* bits);
 
+// The same for zero. True if any pixel has the largest value of its type.
+bool FindZeros(std::uint8_t const* row, std::ptrdiff_t width, std::uint64_t* bits);
+bool FindZeros(std::uint16_t const* row, std::ptrdiff_t width, std::uint64_t* bits);
+
 // Sets the pixels whose bits are set to `value`.
 void SetWhere(std::uint8_t* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t const* bits);
 void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t const* bits);
+
+// Sets each run of pixels whose bits are set to the pixel before it, which is read at row[-1] if the first bit
+// is set.
+void SetToPixelBefore(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
+void SetToPixelBefore(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
 
 // Calls work(first, end) for every run of set bits, from the lowest on. No bit beyond `width` may be set.
 template <typename Work> void ForEachRun(std::uint64_t const* bits, std::ptrdiff_t width, Work const& work) {

@@ -6,8 +6,8 @@
 
 /// @file
 /// Pixels are connected through their four neighbours if `connectivity` is 4, and through all eight for any
-/// other value. Work memory, about half a byte a pixel for fills and three for labels, lives for the call.
-/// Checks are made in the order in which the codes are listed.
+/// other value. Work memory, less than half a byte a pixel for fills and three for labels, lives for the
+/// call. Checks are made in the order in which the codes are listed.
 
 namespace ZPA {
 
@@ -24,10 +24,9 @@ namespace ZPA {
 /// @retval 0  Done.
 /// @retval 6  No element type at all: "Unsupported image datatype."
 /// @retval 5  No size: "ippiFloodFillGetSize failed. code -5"
-/// @retval 1  No memory: "template_FloodFill: Memory allocation failed for %%d bytes."
-/// @retval 5  "ippiFloodFill_nCon failed. code %%d": -8 the pixels are null, -11 the seed lies outside, -12
-/// the type is
-///            neither eByte nor eUInt16.
+/// @retval 1  No memory: "template_FloodFill: Memory allocation failed for %d bytes."
+/// @retval 5  "ippiFloodFill_nCon failed. code %d": -8, the pixels are null; -11, the seed lies outside; -12,
+///            the type is neither eByte nor eUInt16.
 /// @retval 7  The image's rows overlap: "The image's rows overlap."
 ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int seedY, int newValue,
                                        int connectivity);
@@ -39,7 +38,7 @@ ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int see
 /// 65535) serves as a marker for the outside meanwhile: FOREGROUND OF THAT VALUE that is connected with the
 /// border, directly or through the outside, is cleared.
 ///
-/// Cost: a few passes over the image, however many holes there are.
+/// Cost: proportional to the pixels, however many holes there are and however the border is broken.
 ///
 /// @param image         Changed in place: eByte or eUInt16. Without width or height nothing is touched.
 /// @param connectivity  Of the outside: 4, or anything else for eight neighbours.
@@ -48,9 +47,8 @@ ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int see
 /// @retval 6  "Unsupported image datatype."
 /// @retval 2  "The input image had a NULL buffer pointer."
 /// @retval 7  "The image's rows overlap."
-/// @retval 5  A fill failed, as it does without memory; the log names the steps, the last with
-/// "template_FloodBorderAreas
-///            to % failed.". The image keeps what was done.
+/// @retval 5  "template_FloodBorderAreas to % failed." (sic), after the messages of the fill that failed. It
+///            does without memory, and then the image is as it was.
 ZPA_C_API SOLVANE_RETURNCODE FillHoles(ImageAttributes image, int connectivity);
 
 /// Numbers the connected regions of an image: every pixel of a region gets the region's label.
@@ -70,13 +68,13 @@ ZPA_C_API SOLVANE_RETURNCODE FillHoles(ImageAttributes image, int connectivity);
 ///                      only on success.
 ///
 /// @retval 0  Done; with more regions than labels, after the warning, under eLogRegions,
-///            "WARNING: Input image has %%d regions. Only %%ld allowed for this image data type."
+///            "WARNING: Input image has %d regions. Only %ld allowed for this image data type."
 /// @retval 6  "Unsupported image datatype."
 /// @retval 2  "The input mask image had a NULL buffer pointer."
 /// @retval 2  "The pnLabels pointer was NULL."
 /// @retval 5  No size, or room for more than 2147483647 regions:
 ///            "ippiLabelMarkersGetBufferSize<T> failed. code -5"
-/// @retval 1  No memory: "template_LabelMarkers: Memory allocation failed for %%d bytes."
+/// @retval 1  No memory: "template_LabelMarkers: Memory allocation failed for %d bytes."
 /// @retval 7  "The image's rows overlap."
 ZPA_C_API SOLVANE_RETURNCODE LabelMarkers(ImageAttributes image, int connectivity, int* pnLabels);
 
@@ -109,7 +107,8 @@ ZPA_C_API SOLVANE_RETURNCODE LabelMarkers(ImageAttributes image, int connectivit
 ZPA_C_API SOLVANE_RETURNCODE LabelMarkers2(ImageAttributes mask, int connectivity, int* pnLabels,
                                            ImageAttributes* labeled);
 
-/// The core of FloodFill, for T of `unsigned char` and `unsigned short`.
+/// The core of FloodFill, for T of `unsigned char` and `unsigned short`. Narrower elements are refused with 7,
+/// "The image's elements are too narrow.", after the rows; likewise by the two cores below.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seedY, T newValue,
                                               int connectivity);
@@ -124,7 +123,8 @@ template <typename T> ZPA_API SOLVANE_RETURNCODE template_FillHoles(ImageAttribu
 /// @retval 0  Done, or the image has no width or height.
 /// @retval 2  "The input image had a NULL buffer pointer."
 /// @retval 7  "The image's rows overlap."
-/// @retval 5  "FloodFill top border background failed."
+/// @retval 5  No memory. The first pixel to fill from decides the message: "FloodFill top border background
+///            failed." at the top or left, "FloodFill bottom border background failed." at the bottom or right.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background, T newValue,
                                                      int connectivity);
