@@ -254,6 +254,16 @@ TEST(LabelMarkers2, LabelsWhatSharesTheMasksPixelsWithoutACopy) {
     EXPECT_EQ(image.At(2, 0), 2);
 }
 
+TEST(LabelMarkers2, LooksAtNoStrideOfOneRow) {
+    unsigned char pixels[4] = {3, 3, 0, 1};
+    unsigned short labels[4] = {};
+    ImageAttributes labeled(eUInt16, labels, 4, 1, -3, 16, 0);
+    int count = 0;
+    EXPECT_EQ(LabelMarkers2({eByte, pixels, 4, 1, -9, 8, 0}, 4, &count, &labeled), SOLVANE_OK);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(std::vector<int>(labels, labels + 4), (std::vector<int>{1, 1, 0, 2}));
+}
+
 TEST(LabelMarkers2, RefusesInItsOrder) {
     unsigned char pixels[64] = {1, 0, 1, 1};
     unsigned short labels[64] = {};

@@ -7,8 +7,7 @@
 /// @file
 /// Pixels are connected through their four neighbours if `connectivity` is 4, and through all eight for any
 /// other value. Work memory, less than half a byte a pixel for fills and three for labels, lives for the
-/// call. Checks are made in the order in
-/// which the codes are listed.
+/// call. Checks are made in the order in which the codes are listed.
 
 namespace ZPA {
 
@@ -59,7 +58,9 @@ ZPA_C_API SOLVANE_RETURNCODE FillHoles(ImageAttributes image, int connectivity);
 /// THEY BEGIN AGAIN AT 1, so that several regions share a label: that is a warning and no failure, and the
 /// count tells.
 ///
-/// Cost: two passes over the image, and a little for each run of pixels in its rows, on the caller's thread.
+/// Cost: two passes over the image and one over the runs of pixels in its rows, on the caller's thread: noise
+/// takes about five times as long as large regions. The runs are joined by a union-find structure, after M.
+/// Rem (in E. W. Dijkstra, A Discipline of Programming, 1976).
 ///
 /// @param image         Changed in place: eByte or eUInt16.
 /// @param connectivity  4, or anything else for eight neighbours.
@@ -89,7 +90,7 @@ ZPA_C_API SOLVANE_RETURNCODE LabelMarkers(ImageAttributes image, int connectivit
 ///                      own pixel pointer, the regions are those of its own content. With a null pixel pointer
 ///                      it becomes an eUInt16 image of 16 bits per pixel without padding, with the mask's
 ///                      pixel spacing; its pixels belong to the caller, who frees them with FreePixels or
-///                      `delete[]`. Where nothing was labelled its pixel pointer is null again.
+///                      `delete[]`. Where labelling failed its pixel pointer is null again.
 ///
 /// @retval 0    Done, or labelling failed.
 /// @retval 6    Neither eByte nor eUInt16: "Unsupported image datatype."
@@ -98,8 +99,8 @@ ZPA_C_API SOLVANE_RETURNCODE LabelMarkers(ImageAttributes image, int connectivit
 /// @retval 2    "The output labeled ImageAttributes pointer was NULL."
 /// @retval 7    "The output labeled image was not the same size as the input."
 /// @retval 6    "The output labeled image must be of type eUInt16."
-/// @retval 4    They overlap, from different pixels on: "The input mask and output labeled images share
-///              memory."
+/// @retval 4    Their memory overlaps, from different pixels on: "The input mask and output labeled images
+///              share memory."
 /// @retval 7    The mask's or the output's rows overlap: "The call to CopyPixels() failed."
 /// @retval 999  An output without pixels, and a mask whose width or height is below 1 or for which there is no
 ///              memory: "Unexpected exception."
