@@ -10,6 +10,9 @@ namespace ZPA {
 // Words that hold a row; bit i % 64 of word i / 64 is pixel i.
 constexpr std::ptrdiff_t WordsOf(std::ptrdiff_t width) { return (width + 63) / 64; }
 
+// As many runs of set bits as can begin in a word.
+inline constexpr int kRunsOfWord = 32;
+
 // Sets the bits of the pixels that equal `value`, and clears all others up to the end of the last word.
 void FindEqual(std::uint8_t const* row, std::ptrdiff_t width, std::uint8_t value, std::uint64_t* bits);
 void FindEqual(std::uint16_t const* row, std::ptrdiff_t width, std::uint16_t value, std::uint64_t* bits);
@@ -26,6 +29,25 @@ void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std
 // is set.
 void SetToPixelBefore(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
 void SetToPixelBefore(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
+
+// Calls work(first, end) for every run of set bits, from the lowest on. No bit beyond `width` may be set.
+template <typename Work> void ForEachRun(std::uint64_t const* bits, std::ptrdiff_t width, Work const& work) {
+    std::ptrdiff_t first = -1;  // of a run that has not ended yet
+    for (std::ptrdiff_t x = 0; x < width; x += 64, ++bits) {
+        // Set where a run begins or ends.
+        std::uint64_t edges = *bits ^ (*bits << 1 | std::uint64_t{first >= 0});
+        for (; edges != 0; edges &= edges - 1) {
+            std::ptrdiff_t const edge = x + __builtin_ctzll(edges);
+            if (first < 0) {
+                first = edge;
+            } else {
+                work(first, edge);
+                first = -1;
+            }
+        }
+    }
+    if (first >= 0) work(first, width);
+}
 
 }  // namespace ZPA
 

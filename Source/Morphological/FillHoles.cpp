@@ -35,6 +35,8 @@ SOLVANE_RETURNCODE FromBorder(ImageAttributes const& image, T background, int co
                               Flood const& flood) {
     if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
     if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (ElementsTooNarrow<T>(image))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
     FillBuffer buffer;
     std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
     if (buffer.Allocate(image) == SOLVANE_OK &&
