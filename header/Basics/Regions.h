@@ -6,8 +6,8 @@
 
 /// @file
 /// Pixels are connected through their four neighbours if `connectivity` is 4, and through all eight for any
-/// other value. Work memory, about half a byte a pixel for fills and three for labels, lives for the call.
-/// Checks are made in the order in which the codes are listed.
+/// other value. Work memory, less than half a byte a pixel for fills and three for labels, lives for the
+/// call. Checks are made in the order in which the codes are listed.
 
 namespace ZPA {
 
