@@ -154,7 +154,7 @@ TYPED_TEST(Filling, HolesOfLabelledStripes) {
                     image.At(x, y) = static_cast<T>(largest - static_cast<T>(x / stripe % 5));
             for (int hole = 0; hole < 60; ++hole) {
                 int const left = static_cast<int>(random() % 333), y = static_cast<int>(random() % 40);
-                int const right = std::min(333, left + 1 + static_cast<int>(random() % (hole + 80) / 2));
+                int const right = std::min(333, left + 1 + static_cast<int>(random() % 70));
                 for (int x = left; x < right; ++x) image.At(x, y) = 0;
             }
             for (int const connectivity : {4, 8}) {
