@@ -16,8 +16,8 @@ void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t
     if (bytes < lead + kLargePage) return;
     int const before = errno;
     // Where the system does not know them, nothing is lost.
-    static_cast<void>(madvise(static_cast<char*>(block) + lead, (bytes - lead) / kLargePage * kLargePage,
-                              MADV_HUGEPAGE));
+    static_cast<void>(
+        madvise(static_cast<char*>(block) + lead, (bytes - lead) / kLargePage * kLargePage, MADV_HUGEPAGE));
     errno = before;
 #endif
 }

@@ -21,7 +21,8 @@ std::string Advice(void const* at) {
     for (std::string line; std::getline(maps, line);) {
         unsigned long long begin = 0, end = 0;
         if (std::sscanf(line.c_str(), "%llx-%llx ", &begin, &end) == 2)
-            inside = begin <= reinterpret_cast<std::uintptr_t>(at) && reinterpret_cast<std::uintptr_t>(at) < end;
+            inside =
+                begin <= reinterpret_cast<std::uintptr_t>(at) && reinterpret_cast<std::uintptr_t>(at) < end;
         if (inside && line.rfind("VmFlags:", 0) == 0)
             return line.find(" hg") == std::string::npos ? "none" : "large";
     }
