@@ -153,7 +153,7 @@ std::ptrdiff_t RunWithoutByTwo(T code, T const* pixels, std::ptrdiff_t stride, s
     Sums const d;
     hn::Repartition<T, Sums> const elements;
     hn::Repartition<std::int16_t, Sums> const flags;
-    hn::Repartition<float, Sums> const real;
+    Reals const real;
     hn::Rebind<T, Sums> const narrow;
     alignas(16) constexpr float kReciprocals[] = {1.0F, 1.0F / 2, 1.0F / 3, 1.0F / 4};
     auto const reciprocals = hn::LoadDup128(real, kReciprocals);
