@@ -21,7 +21,7 @@ void MakeLike(ImageAttributes const& image, ZPA_Image<double>& made) {
     made.SetImage(nullptr, image.width, image.height, image.width, 64, image.pixelspacing, true, false);
 }
 
-// Contiguous doubles. The local means become the result; they share no memory with the pixels.
+// Contiguous doubles. The means become the result; they share no memory with the pixels.
 struct Images {
     double const* pixels;
     double* means;
@@ -29,45 +29,33 @@ struct Images {
     Size size;
 };
 
-// The means down the columns.
-void SmoothAlongY(AnisotropicFilterPlan const& plan, Images const& images, double* work) {
+// Both means are AnisotropicGaussian's, with `sigma` both ways. Its passes are run here: the first one squares
+// the pixels as it reads them, so that no image of squares is written and read.
+void MakeMeans(double sigma, Images const& images) {
     auto const [pixels, means, meanSquares, size] = images;
+    AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
+    auto const elements = RecursiveGaussianWork(size);
+    auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
     if (plan.RunsAlongSlant()) {
         auto const weights = MakeRecursiveGaussian(plan.sigmaSlant);
-        SmoothColumns(weights, Of::kPixels, pixels, means, size.width, size, work);
-        SmoothColumns(weights, Of::kSquares, pixels, meanSquares, size.width, size, work);
+        SmoothColumns(weights, Of::kPixels, pixels, means, size.width, size, work.get());
+        SmoothColumns(weights, Of::kSquares, pixels, meanSquares, size.width, size, work.get());
     } else {
         std::ptrdiff_t const count = std::ptrdiff_t{size.width} * size.height;
         std::copy_n(pixels, count, means);
         SquareRow(pixels, meanSquares, count);
     }
-}
-
-// The means along the rows as well, and the contrast beside them, while some rows are in the cache.
-Sums Contrast(AnisotropicFilterPlan const& plan, Images const& images, double* work) {
-    auto const [pixels, means, meanSquares, size] = images;
+    if (!plan.RunsAlongX(size.width)) return;
     auto const weights = MakeRecursiveGaussian(plan.sigmaX);
-    Sums sums{};
-    for (int y = 0, rows; y < size.height; y += rows) {
-        rows = std::min(RowsAtOnce(size), size.height - y);
-        std::ptrdiff_t const first = std::ptrdiff_t{y} * size.width;
-        if (plan.RunsAlongX(size.width))
-            for (double* const band : {means + first, meanSquares + first})
-                SmoothRows(weights, band, band, size.width, {size.width, rows}, work);
-        ContrastRow(pixels + first, means + first, meanSquares + first, means + first,
-                    std::ptrdiff_t{size.width} * rows, sums);
-    }
-    return sums;
+    for (double* const image : {means, meanSquares})
+        SmoothRows(weights, image, image, size.width, size, work.get());
 }
 
-// The means are AnisotropicGaussian's, with `sigma` both ways: its passes, run on pixels and squares in turn.
 void Filter(double sigma, Images const& images) {
-    AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
-    auto const elements = RecursiveGaussianWork(images.size);
-    auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
-    SmoothAlongY(plan, images, work.get());
-    Sums const sums = Contrast(plan, images, work.get());
+    MakeMeans(sigma, images);
     std::ptrdiff_t const count = std::ptrdiff_t{images.size.width} * images.size.height;
+    Sums sums{};
+    ContrastRow(images.pixels, images.means, images.meanSquares, images.means, count, sums);
     double const mean = sums.values / static_cast<double>(count);
     double const deviation = std::sqrt(sums.squares / static_cast<double>(count) - mean * mean);
     StandardizeRow(images.means, count, mean, deviation);

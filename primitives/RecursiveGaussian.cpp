@@ -234,14 +234,14 @@ std::ptrdiff_t LinesAtOnce(std::ptrdiff_t length, std::ptrdiff_t elementsEach) {
 std::ptrdiff_t ColumnsAtOnce(Size size) {
     return std::min<std::ptrdiff_t>(LinesAtOnce(size.height, 1), size.width);
 }
+int RowsAtOnce(Size size) {
+    return static_cast<int>(std::min<std::ptrdiff_t>(LinesAtOnce(size.width, 2), size.height));
+}
+
 std::uint64_t* Bits(double* elements) { return reinterpret_cast<std::uint64_t*>(elements); }
 std::uint64_t const* Bits(double const* elements) { return reinterpret_cast<std::uint64_t const*>(elements); }
 
 }  // namespace
-
-int RowsAtOnce(Size size) {
-    return static_cast<int>(std::min<std::ptrdiff_t>(LinesAtOnce(size.width, 2), size.height));
-}
 
 RecursiveGaussianCoefficients MakeRecursiveGaussian(double sigma) {
     double const q =

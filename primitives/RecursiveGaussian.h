@@ -44,9 +44,6 @@ void SmoothColumns(RecursiveGaussianCoefficients const& weights, Of of, double c
 void SmoothSlant(RecursiveGaussianCoefficients const& weights, Slant const& slant, double const* source,
                  double* destination, std::ptrdiff_t stride, Size size, double* work);
 
-// As many rows are filtered together; a multiple of it leaves the fewest over.
-int RowsAtOnce(Size size);
-
 // Filters the rows.
 void SmoothRows(RecursiveGaussianCoefficients const& weights, double const* source, double* destination,
                 std::ptrdiff_t stride, Size size, double* work);
