@@ -34,10 +34,10 @@ struct Quotient {
     double reciprocal;
     double offset;
 };
-// A quotient is the sum moved by 1/2 away from zero, times the reciprocal, cut. Where the true quotient is a
-// whole number or beside one, that leaves half a divisor's part on either side; the two roundings stay within
-// it up to here.
-inline constexpr double kFloatSums = 2097152;            // 2^21
+// A quotient is the sum moved by 1/2 away from zero, times the reciprocal, cut. That is at least 1/2 over the
+// divisor away from where the cut would go wrong; rounding the reciprocal and the product moves it by less for
+// sums up to here.
+inline constexpr double kFloatSums = 4194302;            // 2^22 - 2
 inline constexpr double kDoubleSums = 1125899906842624;  // 2^50
 inline constexpr double kFloatWhole = 16777216;          // 2^24: up to here floats hold every whole number
 

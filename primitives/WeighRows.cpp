@@ -110,7 +110,7 @@ template <typename T> void Weigh(Window<T> const& window, Place<T> const& place,
     hn::ScalableTag<T> const d;
     auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
     int y = 0;
-    if (window.size.height > 1 && size.width >= 2 * lanes)
+    if (window.size.height > 3 && size.width >= 2 * lanes)
         for (; y + kTileRows <= size.height; y += kTileRows)
             ForEachTile(size.width, 2 * lanes,
                         [&](std::ptrdiff_t x) HWY_ATTR { WeighTile(d, window, place.At(x, y)); });
