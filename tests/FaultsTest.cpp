@@ -39,7 +39,9 @@ protected:
 
 // The codes are those without the callbacks' exceptions, or tell of one.
 TEST_F(Faults, CallbacksThatThrowLetNoExceptionOut) {
-    auto const hear = [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); };
+    auto const hear = [](wchar_t const*, int, wchar_t const*) {
+        throw std::runtime_error("from the callback");
+    };
     ZPA_Logging::SetErrorCallback(hear);
     ZPA_Logging::SetDebugCallback(hear);
     for (LogCategory const category : {eLogFunction, eLogImage, eLogMemory, eLogFactory, eLogTiming}) {
