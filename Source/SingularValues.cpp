@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "primitives/Vectors.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Hypotenuse.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
@@ -185,12 +185,15 @@ private:
     // One step on the block from `first` to k, with the shift from its last two by two elements. What goes
     // from one rotation to the next is in double precision: the steps are many.
     void Step(std::ptrdiff_t first, std::ptrdiff_t k) {
-        double x = w_[first];
-        double const last = w_[k], y = w_[k - 1], g = above_[k - 1], h = above_[k];
+        // in units of the matrix, whose squares keep within their range
+        double const unit = norm_, top = w_[first] / unit, last = w_[k] / unit, y = w_[k - 1] / unit,
+                     g = above_[k - 1] / unit, h = above_[k] / unit;
         double const shift = ((y - last) * (y + last) + (g - h) * (g + h)) / (2 * h * y);
         double const root = Hypotenuse(shift, 1.0);
-        double f = ((x - last) * (x + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / x;
+        double f =
+            unit * ((top - last) * (top + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / top;
 
+        double x = w_[first];
         double cosine = 1, sine = 1;
         for (std::ptrdiff_t j = first; j < k; ++j) {
             double const beside = cosine * above_[j + 1], bulge = sine * above_[j + 1];
@@ -268,7 +271,7 @@ SOLVANE_RETURNCODE svdcmp(float** a, int m, int n, float* w, float** v) {
                       L"svdcmp():alloc_vector() for 'rv1' failed with params nl=%d, nh=%d", 1, n);
     std::uint64_t const elements = Decomposition<float>::WorkElements(m, n);
     std::unique_ptr<float[]> const work(AllocateElements<float>(elements));
-    if (!work) return ReportMemory(L"svdcmp()", BlockBytes(elements, sizeof(float)));
+    if (!work) return ReportMemory(L"svdcmp()", elements, sizeof(float));
     if (Decompose(a, m, n, w, v, &rv1[1], work.get())) return SOLVANE_OK;
     return Report(SOLVANE_UNEXPECTED, L"svdcmp() - No convergence in 30 svdcmp iterations.");
 }

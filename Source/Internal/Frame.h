@@ -19,6 +19,13 @@ template <typename... Values>
                                  values...);
 }
 
+// Logs the message as a warning, and returns success.
+template <typename... Values>
+SOLVANE_RETURNCODE Warn(LogCategory category, Message message, Values... values) {
+    return ZPA_Logging::LogWarning(WideFileName(message.file).Text(), message.line, category, message.format,
+                                   values...);
+}
+
 // A number of bytes for "%d": the largest int where it is larger.
 inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX : static_cast<int>(bytes); }
 
@@ -26,25 +33,6 @@ inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX :
 [[nodiscard]] inline SOLVANE_RETURNCODE FailMemory(Message context, std::uint64_t bytes) {
     return LogMemoryError(WideFileName(context.file).Text(), context.line, context.format,
                           LoggedBytes(bytes));
-}
-
-// Fail, for routines that have no frame: the exception of a callback that throws ends here.
-template <typename... Values>
-SOLVANE_RETURNCODE Report(SOLVANE_RETURNCODE code, Message message, Values... values) noexcept {
-    try {
-        return Fail(code, message, values...);
-    } catch (...) {
-        return code;
-    }
-}
-
-// FailMemory, likewise.
-inline SOLVANE_RETURNCODE ReportMemory(Message context, std::uint64_t bytes) noexcept {
-    try {
-        return FailMemory(context, bytes);
-    } catch (...) {
-        return SOLVANE_OUT_OF_MEMORY;
-    }
 }
 
 inline constexpr auto kUnexpected = L"Unexpected exception.";
