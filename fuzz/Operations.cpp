@@ -44,7 +44,11 @@ Outcome Run(Fuzz::Operation const& operation, Fuzz::Input input, int fails, std:
     Fuzz::LimitedMemory const little(4 << 20);
     Fuzz::Scene scene(input, operation.traits);
     Testing::ThisThreadsAllocations().untilFailure = fails;
-    operation.call(scene);
+    try {
+        operation.call(scene);
+    } catch (std::runtime_error const&) {
+        if (!throwing || !(operation.traits & Fuzz::kPassesExceptions)) throw;
+    }
     return {scene.Digest(), scene.IsRepeatable()};
 }
 

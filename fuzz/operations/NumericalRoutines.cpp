@@ -33,10 +33,11 @@ int Sign(Scene& scene) {
 // Row pointers of an offset matrix whose rows have memory of their own; it begins at 1.
 template <typename T> class OffsetMatrix {
 public:
-    OffsetMatrix(Scene& scene, int rows, int columns) {
-        for (int i = 0; i < rows && i <= kLargest; ++i) rows_.push_back(scene.Needed<T>(Count(columns)) - 1);
-        pointer_ =
-            scene.input.Seldom(64) || rows > kLargest || columns > kLargest ? nullptr : rows_.data() - 1;
+    OffsetMatrix(Scene& scene, int rows, int columns) : pointer_(nullptr) {
+        if (rows > kLargest || columns > kLargest || scene.input.Seldom(64)) return;
+        rows_.push_back(nullptr);
+        for (int i = 0; i < rows; ++i) rows_.push_back(scene.Needed<T>(Count(columns)) - 1);
+        pointer_ = rows_.data();
     }
     T** Get() { return pointer_; }
 

@@ -17,10 +17,15 @@ template <typename Work> int CodeOf(Work const& work) {
     }
 }
 
+// Rows may share their memory, so that any number of them is an image.
+template <typename T> bool TakesLong(ZPA_Image<T> const& image) {
+    return std::int64_t{image.GetWidth()} * image.GetHeight() > 1 << 20;
+}
+
 // The whole of what the image says that it has: read, and written.
 template <typename T> void Touch(ZPA_Image<T> const& image) {
     ImageAttributes const described = image;
-    if (!described.buffer) return;
+    if (!described.buffer || TakesLong(image)) return;
     auto* const pixels = static_cast<T*>(described.buffer);
     for (std::ptrdiff_t y = 0; y < described.height; ++y)
         for (std::ptrdiff_t x = 0; x < described.width; ++x) pixels[y * described.stride + x] = T(x);
@@ -55,11 +60,11 @@ template <typename T> void CallImage(Scene& scene) {
                     code += CodeOf([&] { image.ChangeImageAttributes(width, height, stride, bits, 1); });
                 break;
             default:
-                (void)image.GetHistogram();
+                if (!TakesLong(image)) (void)image.GetHistogram();
         }
         Touch(image);
     }
-    (void)image.GetHistogram();
+    if (!TakesLong(image)) (void)image.GetHistogram();
     scene.Answer(code);
 }
 
@@ -81,9 +86,9 @@ template <typename T> void CallBuffer(Scene& scene) {
 
 std::vector<Operation> const& Objects() {
     static std::vector<Operation> const operations = {
-        {"ZPA_Image<unsigned char>", CallImage<unsigned char>, kPlain},
-        {"ZPA_Image<unsigned short>", CallImage<unsigned short>, kPlain},
-        {"ZPA_Image<double>", CallImage<double>, kPlain},
+        {"ZPA_Image<unsigned char>", CallImage<unsigned char>, kPassesExceptions},
+        {"ZPA_Image<unsigned short>", CallImage<unsigned short>, kPassesExceptions},
+        {"ZPA_Image<double>", CallImage<double>, kPassesExceptions},
         {"ZPA_Buffer<unsigned char>", CallBuffer<unsigned char>, kPlain},
         {"ZPA_Buffer<double>", CallBuffer<double>, kPlain},
     };

@@ -60,7 +60,7 @@ template <typename T> T Argument(Scene& scene) {
         return scene.Elements<unsigned char>(scene.ElementSize());
     } else if constexpr (std::is_pointer_v<T>) {
         using Value = std::remove_const_t<std::remove_pointer_t<T>>;
-        if constexpr (std::is_same_v<Value, int>) return scene.Value<int>(scene.input.Number(0, 40));
+        if constexpr (std::is_same_v<T, int const*>) return scene.Value<int>(scene.input.Number(0, 40));
         return scene.Elements<Value>(1);
     } else if constexpr (std::is_same_v<T, double>) {
         return scene.input.Real();

@@ -60,7 +60,7 @@ std::vector<Operation> const& PixelOperations() {
         {"template_copy<double>", CallTemplateCopy<double>, kWholeRows},
         {"ApplyMask", Call<ApplyMask>, kWholeRows},
         {"compare", Call<compare>, kPlain},
-        {"template_compare", Call<template_compare<unsigned short>>, kPlain},
+        {"template_compare", Call<template_compare<unsigned short>>, kPassesExceptions},
         {"DecimateAndCompare", Call<DecimateAndCompare>, kPlain},
         {"DiffBuffer", Call<DiffBuffer>, kPlain},
         {"ClipImage", CallClip, kPlain},

@@ -214,7 +214,7 @@ void Scene::Answer(int code) {
         ImageAttributes const& made = outputs_[i];
         for (int const field : {made.width, made.height, made.stride, made.bitsperpixel, made.pixelspacing})
             Take(&field, sizeof field, eInt32);
-        if (!outputIsMade_[i] || !made.buffer || code != SOLVANE_OK) continue;
+        if (!outputIsMade_[i] || !made.buffer || code != SOLVANE_OK || made.width < 1) continue;
         auto const elementSize = static_cast<std::int64_t>(SizeOf(made.type));
         for (std::int64_t y = 0; y < made.height; ++y)
             Take(static_cast<char const*>(made.buffer) + y * made.stride * elementSize,
@@ -223,7 +223,7 @@ void Scene::Answer(int code) {
     for (std::size_t i = 0; i < bufferOutputs_.size(); ++i) {
         BufferAttributes const& made = bufferOutputs_[i];
         Take(&made.size, sizeof made.size, eInt32);
-        if (bufferIsMade_[i] && made.buffer && code == SOLVANE_OK)
+        if (bufferIsMade_[i] && made.buffer && code == SOLVANE_OK && made.size > 0)
             Take(made.buffer, static_cast<std::size_t>(made.size) * SizeOf(made.type), made.type);
     }
 }

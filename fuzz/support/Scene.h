@@ -19,6 +19,7 @@ enum Trait : unsigned {
     kWholeRows = 1,          // images are blocks of stride * height elements: the last row has its padding
     kDivides = 2,            // no element may be zero
     kOneInstructionSet = 4,  // results depend on it
+    kPassesExceptions = 8,   // those of callbacks
 };
 
 // Memory that no operator new has a part in: allocations that fail are the library's alone.

@@ -56,10 +56,10 @@ protected:
         ADD_FAILURE() << operation.name << " does not end to allocate";
     }
     void SetUp() override {
-        Workplace::WriteFiles(folder.Path("/"));
+        Workplace::WriteFiles(folder.Path());
         // What the first calls of a process allocate for good.
         for (OperationCall const& each : EveryOperation()) {
-            Workplace place(folder.Path("/"));
+            Workplace place(folder.Path());
             EXPECT_EQ(each.call(place), 0) << each.name;
         }
     }
@@ -71,7 +71,7 @@ TEST_F(EveryAllocation, ThatFailsIsToldAndLeaksNothing) {
     CapturedLog const log;
     ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) {});
     for (OperationCall const& each : EveryOperation())
-        ForEach(each, folder.Path("/"), [&](Attempt const& attempt, Workplace const&) {
+        ForEach(each, folder.Path(), [&](Attempt const& attempt, Workplace const&) {
             auto const& known = each.withoutMemory;
             EXPECT_TRUE(std::count(known.begin(), known.end(), attempt.code)) << attempt.code;
         });
@@ -85,7 +85,7 @@ TEST_F(EveryAllocation, ThatFailsWhileCallbacksThrowLetsNoExceptionOut) {
     };
     ZPA_Logging::SetErrorCallback(hear);
     for (OperationCall const& each : EveryOperation())
-        ForEach(each, folder.Path("/"), [](Attempt const&, Workplace const&) {});
+        ForEach(each, folder.Path(), [](Attempt const&, Workplace const&) {});
 }
 
 }  // namespace

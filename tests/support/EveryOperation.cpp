@@ -128,7 +128,9 @@ std::uint64_t Workplace::Digest() const {
     if (made.buffer)
         digest = Mixed(digest, made.buffer,
                        static_cast<std::size_t>(made.height * made.stride * SizeOfTypeCode(made.type)));
-    if (counts.buffer) digest = Mixed(digest, counts.buffer, static_cast<std::size_t>(counts.size) * 4);
+    if (counts.buffer)
+        digest =
+            Mixed(digest, counts.buffer, static_cast<std::size_t>(counts.size * SizeOfTypeCode(counts.type)));
     return digest;
 }
 
