@@ -18,7 +18,7 @@ namespace ZPA {
 namespace {
 
 // Multiply-adds of short integers, and of doubles, done in the time that moving a byte takes.
-constexpr int kPairsPerByte = 16;
+constexpr int kPairsPerByte = 6;
 constexpr int kDoublesPerByte = 2;
 
 // What sums of weighted pixels may come to; exact below 2^53.
@@ -85,9 +85,10 @@ Quotient QuotientOf(int divisor, double largest, double offset) {
     bool const isPower = divisor > 0 && (divisor & (divisor - 1)) == 0;
     int shift = 0;
     while (isPower && divisor >> shift > 1) ++shift;
-    auto const way = isPower && offset == 0                ? Quotient::kShift
-                     : largest < kFloatSums && offset == 0 ? Quotient::kFloat
-                                                           : Quotient::kDouble;
+    auto const way = offset != 0            ? Quotient::kMovedDouble
+                     : isPower              ? Quotient::kShift
+                     : largest < kFloatSums ? Quotient::kFloat
+                                            : Quotient::kDouble;
     return {way, shift, 1.0 / divisor, offset};
 }
 
@@ -270,22 +271,24 @@ private:
     }
 
     void RunPlainly() const {
-        ForEachRow(size_.height, filtering_.Taps() * size_.width, [&](int y) noexcept {
-            for (int x = 0; x < size_.width; ++x) {
-                std::uint64_t sum = 0;
-                std::int32_t const* weight = weights_.data();
-                for (int j = 0; j < filtering_.kernelSize.height; ++j) {
-                    T const* const row = filtering_.ReadRow(std::ptrdiff_t{y} + j) + x;
-                    for (int i = 0; i < filtering_.kernelSize.width; ++i)
-                        sum += static_cast<std::uint64_t>(std::int64_t{*weight++} * row[i]);
-                }
-                auto const whole = static_cast<std::int64_t>(sum);
-                // The one quotient that has no integer of 64 bits.
-                filtering_.destination[y][x] =
-                    Saturated(whole == INT64_MIN ? static_cast<double>(whole) / divisor_
-                                                 : static_cast<double>(whole / divisor_));
-            }
+        ForEachBand(size_.height, filtering_.Taps() * size_.width, [&](int, int first, int end) noexcept {
+            for (int y = first; y < end; ++y)
+                for (int x = 0; x < size_.width; ++x)
+                    filtering_.destination[y][x] = Saturated(PlainQuotient(x, y));
         });
+    }
+
+    double PlainQuotient(int x, int y) const {
+        std::uint64_t sum = 0;
+        std::int32_t const* weight = weights_.data();
+        for (int j = 0; j < filtering_.kernelSize.height; ++j) {
+            T const* const row = filtering_.ReadRow(std::ptrdiff_t{y} + j) + x;
+            for (int i = 0; i < filtering_.kernelSize.width; ++i)
+                sum += static_cast<std::uint64_t>(std::int64_t{*weight++} * row[i]);
+        }
+        auto const whole = static_cast<std::int64_t>(sum);
+        // The lowest one's opposite is no integer of 64 bits.
+        return static_cast<double>(divisor_ == -1 ? -std::max(whole, -INT64_MAX) : whole / divisor_);
     }
 
     static T Saturated(double quotient) {

@@ -13,7 +13,7 @@ namespace ZPA {
 namespace {
 
 // Bytes of pixels multiplied and added in the time that moving a byte takes.
-constexpr int kWeighedPerByte = 8;
+constexpr int kWeighedPerByte = 16;
 
 // Rows of sums on the way. One line more: rows a power of two apart would share the lines of a cache.
 template <typename T> std::ptrdiff_t RowStride(int width) {

@@ -102,9 +102,9 @@ HWY_INLINE void SumBlocks(PairWindow const& window, std::int16_t const* rows, st
 
 template <class D> HWY_INLINE hn::Vec<D> Scaled(D d, hn::Vec<D> sums, Quotient const& quotient) {
     using Real = hn::TFromD<D>;
-    auto const half = hn::Set(d, Real(0.5));
-    return hn::Mul(hn::Add(sums, hn::CopySign(half, sums)),
-                   hn::Set(d, static_cast<Real>(quotient.reciprocal)));
+    auto const half = hn::Set(d, static_cast<Real>(0.5 * quotient.reciprocal));
+    auto const signedHalf = hn::Xor(hn::And(sums, hn::SignBit(d)), half);
+    return hn::MulAdd(sums, hn::Set(d, static_cast<Real>(quotient.reciprocal)), signedHalf);
 }
 
 HWY_INLINE WordVector Joined(hn::Vec<Doubles> low, hn::Vec<Doubles> high) {
@@ -121,9 +121,10 @@ template <Quotient::Way way> HWY_INLINE WordVector Divided(WordVector sums, Quot
     } else {
         Doubles const doubles;
         HalfWords const halves;
-        auto const offset = hn::Set(doubles, quotient.offset);
         auto const divide = [&](hn::Vec<HalfWords> half) HWY_ATTR {
-            return Scaled(doubles, hn::Add(hn::PromoteTo(doubles, half), offset), quotient);
+            auto whole = hn::PromoteTo(doubles, half);
+            if (way == Quotient::kMovedDouble) whole = hn::Add(whole, hn::Set(doubles, quotient.offset));
+            return Scaled(doubles, whole, quotient);
         };
         return Joined(divide(hn::LowerHalf(halves, sums)), divide(hn::UpperHalf(halves, sums)));
     }
@@ -186,6 +187,8 @@ void Filter(PairWindow const& window, Quotient const& quotient, std::int16_t con
             return FilterIn<Quotient::kFloat>(window, quotient, rows, stride, result, count);
         case Quotient::kDouble:
             return FilterIn<Quotient::kDouble>(window, quotient, rows, stride, result, count);
+        case Quotient::kMovedDouble:
+            return FilterIn<Quotient::kMovedDouble>(window, quotient, rows, stride, result, count);
     }
 }
 

@@ -149,6 +149,23 @@ TYPED_TEST(Filter2DOfIntegers, AreExactForEveryRangeOfSums) {
     });
 }
 
+// Every value of a pixel, so that there are quotients that are whole numbers, and some just beside one.
+TYPED_TEST(Filter2DOfIntegers, CutEveryQuotientWhereItShouldBe) {
+    TestImage<TypeParam> source({256, 257, 256});
+    for (int i = 0; i < 257 * 256; ++i) source.Pixels()[i] = static_cast<TypeParam>(i / 512 * 256 + i % 256);
+    for (int i = 0; i < 128 * 256; ++i) source.At(i % 256, 129 + i / 256) = static_cast<TypeParam>(-1 - i);
+    ForEachSimdTarget([&] {
+        for (int const weight : {1, -42, 43, 16384, 32767, 32768, INT_MAX})
+            for (int const divisor : {3, -7, 641, 65537, weight, 3 * (weight / 4) + 1}) {
+                TestImage<int> one({1, 1, 1}), two({1, 2, 1});  // two: more than 32 bits with a sign hold
+                one.Pixels()[0] = two.Pixels()[0] = two.Pixels()[1] = weight;
+                ExpectModel(source, one, divisor);
+                ExpectModel(source, two, divisor);
+                if (testing::Test::HasFatalFailure()) return;
+            }
+    });
+}
+
 TYPED_TEST(Filter2DOfIntegers, AreExactForSeparableKernels) {
     ForEachSimdTarget([] {
         for (Shape const shape : {Shape{3, 3, 3}, {5, 7, 5}, {7, 7, 7}, {8, 9, 8}, {15, 15, 15}, {9, 31, 9}})
@@ -223,11 +240,13 @@ TYPED_TEST(Filter2DOfReals, KeepsWhatIsNotANumberWithinTheKernelsReach) {
 TYPED_TEST(Filter2DOf, GivesTheSameForAnyNumberOfThreads) {
     using K = KernelElement<TypeParam>;
     for (bool const separable : {false, true}) {
-        auto source = RandomImage<TypeParam>({700, 620, 710}, 1);
+        // Enough work for threads to be used.
+        int const width = separable ? 1500 : 700, height = 2 * width;
+        auto source = RandomImage<TypeParam>({width + 8, height + 8, width + 8}, 1);
         auto kernel = separable ? SeparableKernel<K>({9, 9, 9}, 9, 1) : RandomKernel<K>({9, 9, 9}, 9, 1);
         std::vector<TestImage<TypeParam>> results;
         ForEachThreadCount([&] {
-            results.emplace_back(Shape{692, 612, 692});
+            results.emplace_back(Shape{width, height, width});
             ImageAttributes output = results.back().Attributes();
             int const divisor = 9;
             ASSERT_EQ(Filter2D(source.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), &divisor),
@@ -236,8 +255,8 @@ TYPED_TEST(Filter2DOf, GivesTheSameForAnyNumberOfThreads) {
         });
         if (separable && std::is_floating_point_v<TypeParam>) continue;
         bool const fused = Fuses();
-        for (int y = 0; y < 612; y += 5)
-            for (int x = 0; x < 692; ++x)
+        for (int y = 0; y < height; y += 37)
+            for (int x = 0; x < width; ++x)
                 ASSERT_EQ(results[0].At(x, y), ModelPixel(source, kernel, 9, x + 4, y + 4, fused))
                     << x << ", " << y;
     }
