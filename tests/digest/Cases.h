@@ -56,8 +56,7 @@ template <typename T> std::vector<T> Line(std::size_t count, unsigned seed) {
 template <typename T> std::vector<T> Fractions(std::size_t count, unsigned seed) {
     std::mt19937 random(seed);
     std::vector<T> values(count);
-    for (T& value : values)
-        value = static_cast<T>(std::ldexp(static_cast<double>(random() >> 8), -23) - 1);
+    for (T& value : values) value = static_cast<T>(std::ldexp(static_cast<double>(random() >> 8), -23) - 1);
     return values;
 }
 
@@ -71,14 +70,13 @@ template <typename T> TestImage<T> Patches(Shape shape, unsigned seed) {
             unsigned const any = static_cast<unsigned>(random());
             bool const left = x && image.At(x - 1, y);
             bool const above = y && image.At(x, y - 1);
-            image.At(x, y) = static_cast<T>(any % 16 < (left ? 6U : 1U) + (above ? 6U : 1U) ? 1 + any % 3 : 0);
+            image.At(x, y) =
+                static_cast<T>(any % 16 < (left ? 6U : 1U) + (above ? 6U : 1U) ? 1 + any % 3 : 0);
         }
     return image;
 }
 
-template <typename T> void AddImage(Digest& digest, TestImage<T> const& image) {
-    digest.Add(image.memory);
-}
+template <typename T> void AddImage(Digest& digest, TestImage<T> const& image) { digest.Add(image.memory); }
 template <typename T> void AddImageRounded(Digest& digest, TestImage<T> const& image) {
     std::vector<T> pixels;
     for (int y = 0; y < image.shape.height; ++y)

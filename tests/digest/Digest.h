@@ -37,11 +37,13 @@ public:
     // Values whose last bits may differ: in steps of 2^-`bits` of the largest.
     template <typename T> void AddRounded(T const* values, std::size_t count, int bits) {
         double largest = 0;
-        for (std::size_t i = 0; i < count; ++i) largest = std::max(largest, std::abs(static_cast<double>(values[i])));
+        for (std::size_t i = 0; i < count; ++i)
+            largest = std::max(largest, std::abs(static_cast<double>(values[i])));
         int exponent = 0;
         std::frexp(largest, &exponent);
         for (std::size_t i = 0; i < count; ++i)
-            Add(static_cast<std::int64_t>(std::llround(std::ldexp(static_cast<double>(values[i]), bits - exponent))));
+            Add(static_cast<std::int64_t>(
+                std::llround(std::ldexp(static_cast<double>(values[i]), bits - exponent))));
     }
     template <typename T> void AddRounded(std::vector<T> const& values) {
         AddRounded(values.data(), values.size(), sizeof(T) == 4 ? 12 : 36);

@@ -22,8 +22,8 @@ void Statistics(Digest& digest) {
         auto image = Sample<T>(kSmall, 21);
         ForChoices([&](auto roi, auto mask, auto origin) {
             double found[4] = {};
-            digest.Add(int{CalculateImageStats(image.Attributes(), roi, mask, origin, &found[0], &found[1], &found[2],
-                                               &found[3])});
+            digest.Add(int{CalculateImageStats(image.Attributes(), roi, mask, origin, &found[0], &found[1],
+                                               &found[2], &found[3])});
             digest.Add(found, 4);
         });
     });
@@ -33,7 +33,8 @@ void Statistics(Digest& digest) {
         BufferAttributes const buffer(TypeCodeOf<T>, line.data(), static_cast<int>(line.size()));
         int const start = 11, end = 4999;
         double found[4] = {};
-        digest.Add(int{CalculateBufferStats(buffer, &start, &end, &found[0], &found[1], &found[2], &found[3])});
+        digest.Add(
+            int{CalculateBufferStats(buffer, &start, &end, &found[0], &found[1], &found[2], &found[3])});
         digest.Add(found, 4);
     });
 }
@@ -43,8 +44,7 @@ void Counts(Digest& digest) {
         auto image = Patches<typename decltype(type)::type>(kSmall, 23);
         ForChoices([&](auto roi, auto mask, auto origin) {
             int counts[2] = {};
-            digest.Add(
-                int{ImageCountOfN(image.Attributes(), roi, mask, origin, 2, &counts[0], &counts[1])});
+            digest.Add(int{ImageCountOfN(image.Attributes(), roi, mask, origin, 2, &counts[0], &counts[1])});
             digest.Add(counts, 2);
             for (auto const operation : {RowCountOfN, ColumnCountOfN}) {
                 std::vector<ULong32> with(200), without(200);
@@ -86,19 +86,22 @@ void Histograms(Digest& digest) {
             int const low = 3, high = 30000;
             std::vector<ULong32> counts(70000);
             BufferAttributes whole(eUInt32, counts.data(), static_cast<int>(counts.size()));
-            digest.Add(int{GetIntegerHistogram(image.Attributes(), roi, mask, origin, nullptr, nullptr, &whole)});
+            digest.Add(
+                int{GetIntegerHistogram(image.Attributes(), roi, mask, origin, nullptr, nullptr, &whole)});
             digest.Add(counts);
             digest.Add(int{GetIntegerHistogram(image.Attributes(), roi, mask, origin, &low, &high, &whole)});
             digest.Add(counts);
             BufferAttributes bins(eUInt32, counts.data(), 100);
-            digest.Add(int{GetRealHistogram(image.Attributes(), roi, mask, origin, 100, -100.5, 40000.25, &bins)});
+            digest.Add(
+                int{GetRealHistogram(image.Attributes(), roi, mask, origin, 100, -100.5, 40000.25, &bins)});
             digest.Add(counts.data(), 100);
         });
     });
     auto large = Sample<unsigned short>(kLarge, 27);
     std::vector<ULong32> counts(65536);
     BufferAttributes output(eUInt32, counts.data(), 65536);
-    digest.Add(int{GetIntegerHistogram(large.Attributes(), nullptr, nullptr, nullptr, nullptr, nullptr, &output)});
+    digest.Add(
+        int{GetIntegerHistogram(large.Attributes(), nullptr, nullptr, nullptr, nullptr, nullptr, &output)});
     digest.Add(counts);
 }
 

@@ -52,7 +52,8 @@ void Systems(Digest& digest) {
 template <typename T> std::vector<T*> Rows(std::vector<T>& elements, int rows, int columns) {
     std::vector<T*> pointers(static_cast<std::size_t>(rows) + 1);
     for (int i = 1; i <= rows; ++i)
-        pointers[static_cast<std::size_t>(i)] = elements.data() + static_cast<std::ptrdiff_t>(i - 1) * columns - 1;
+        pointers[static_cast<std::size_t>(i)] =
+            elements.data() + static_cast<std::ptrdiff_t>(i - 1) * columns - 1;
     return pointers;
 }
 

@@ -33,8 +33,8 @@ void Set(Digest& digest) {
     ForAllTypes([&](auto type) {
         auto image = Sample<typename decltype(type)::type>(kSmall, 4);
         for (Choice const& choice : Choices(kSmall)) {
-            digest.Add(int{SetPixels(choice.Roi(), choice.masked ? &selected : nullptr, choice.Origin(), 2, 77.75,
-                                     image.Attributes())});
+            digest.Add(int{SetPixels(choice.Roi(), choice.masked ? &selected : nullptr, choice.Origin(), 2,
+                                     77.75, image.Attributes())});
             AddImage(digest, image);
         }
     });
@@ -52,8 +52,8 @@ void Compare(Digest& digest) {
         digest.Add(int{compare(first.Attributes(), second.Attributes())});
         for (int const decimation : {1, 3}) {
             bool same = false;
-            digest.Add(int{DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr, nullptr,
-                                              decimation, 2, 100.0, &same)});
+            digest.Add(int{DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr,
+                                              nullptr, decimation, 2, 100.0, &same)});
             digest.Add(same);
         }
     });
@@ -76,7 +76,8 @@ void Difference(Digest& digest) {
 
 template <typename T>
 void Binary(Digest& digest, Shape shape,
-            std::vector<SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes, ImageAttributes*)> const& operations) {
+            std::vector<SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes, ImageAttributes*)> const&
+                operations) {
     auto first = Sample<T>(shape, 9);
     auto second = Sample<T>(shape, 10);
     for (std::size_t i = 0; i < second.Size(); ++i)

@@ -18,23 +18,23 @@ void Elements(Digest& digest) {
         StrelParam param2;
         int param3;
     };
-    std::vector<Shape> const shapes = {{"square", 3, 0, 0},          {"rectangle", 4, 7, 0},
-                                       {"line", 9, &angles[0], 0},   {"line", 9, &angles[1], 0},
-                                       {"line", 9, &angles[2], 0},   {"periodicline", 3, step, 0},
-                                       {"disk", 1, 0, 1},            {"disk", 2, 0, 1},
-                                       {"disk", 3, 0, 0},            {"disk", 4, 0, 0},
-                                       {"disk", 5, 0, 0},            {"disk", 5, 0, 1},
-                                       {"disk", 6, 0, 0},            {"diamond", 5, 5, 0},
-                                       {"octagon", 5, 5, 0}};
+    std::vector<Shape> const shapes = {
+        {"square", 3, 0, 0},        {"rectangle", 4, 7, 0},     {"line", 9, &angles[0], 0},
+        {"line", 9, &angles[1], 0}, {"line", 9, &angles[2], 0}, {"periodicline", 3, step, 0},
+        {"disk", 1, 0, 1},          {"disk", 2, 0, 1},          {"disk", 3, 0, 0},
+        {"disk", 4, 0, 0},          {"disk", 5, 0, 0},          {"disk", 5, 0, 1},
+        {"disk", 6, 0, 0},          {"diamond", 5, 5, 0},       {"octagon", 5, 5, 0}};
     for (Shape const& shape : shapes) {
         int height = 0, width = 0;
-        digest.Add(int{strel_GetBufferSize(shape.name, shape.param1, shape.param2, shape.param3, &height, &width)});
+        digest.Add(
+            int{strel_GetBufferSize(shape.name, shape.param1, shape.param2, shape.param3, &height, &width)});
         digest.Add(height);
         digest.Add(width);
         if (height < 1 || width < 1) continue;
         TestImage<unsigned char> mask({width, height, width});
         double center[2] = {};
-        digest.Add(int{strel(mask.Attributes(), center, shape.name, shape.param1, shape.param2, shape.param3)});
+        digest.Add(
+            int{strel(mask.Attributes(), center, shape.name, shape.param1, shape.param2, shape.param3)});
         AddImage(digest, mask);
         digest.Add(center, 2);
     }
