@@ -62,15 +62,12 @@ void Shorten(T const* pixels, std::ptrdiff_t count, std::int16_t* row, std::ptrd
     std::fill(row + x, row + padded, std::int16_t{0});
 }
 
+// Adds to each sum the products of a pair.
 HWY_INLINE WordVector AddProducts(ShortVector a, ShortVector b, WordVector sums) {
-#if HWY_TARGET == HWY_AVX3_DL
-    return WordVector{_mm512_dpwssd_epi32(sums.raw, a.raw, b.raw)};
-#else
     Words const d;
     auto second = hn::Zero(d);
     auto const first = hn::ReorderWidenMulAccumulate(d, a, b, hn::Zero(d), second);
     return hn::Add(sums, hn::RearrangeToOddPlusEven(first, second));
-#endif
 }
 
 // The sums of as many blocks of pixels as `Block` has numbers, those at even places and those at odd ones.
