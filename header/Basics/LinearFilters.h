@@ -21,8 +21,8 @@ namespace ZPA {
 /// Real images. Products are added in the order of the window's pixels, row by row, in the element's own
 /// type, by fused multiply-adds where the processor has them: machines with them agree to the bit, others
 /// within rounding. A kernel of about 5 by 5 or more that is the product of a column and a row, but for a few
-/// roundings, is applied as two passes, whose error bound is no larger. What is not a number, or infinite,
-/// follows the rules of floating point.
+/// roundings, is applied as two passes, whose error bound is no larger unless a row's sum passes the type's
+/// range on the way. What is not a number, or infinite, follows the rules of floating point.
 ///
 /// Cost: kw * kh multiply-adds a pixel, or about kw + kh for a kernel that is the product of a column and a
 /// row, such as a Gaussian. Large images are shared among the threads of the OpenMP runtime; results do not
