@@ -616,6 +616,17 @@ TEST(FilterBufferSimple, ReadsTheInputBeforeItIsFreedAsAnOutput) {
     FreePixels(output.buffer);
 }
 
+TEST(FilterBufferSimple, MakesRoomForTheInputsElements) {
+    double input[3] = {1, 2, 3};
+    float weights[] = {1};
+    BufferAttributes made(eDouble, nullptr, 0);
+    ASSERT_EQ(template_FilterBufferSimple<float>({eDouble, input, 3}, {eSingle, weights, 1}, &made),
+              SOLVANE_OK);
+    EXPECT_EQ(made.type, eDouble);
+    std::copy_n(input, made.size, static_cast<double*>(made.buffer));  // which the address sanitizer watches
+    FreePixels(made.buffer);
+}
+
 TEST(FilterBufferSimple, SumsInExtendedPrecisionThenTruncatesToTheLowBits) {
     // Double precision would lose what is left here: of a sum, and of a product.
     struct Case {

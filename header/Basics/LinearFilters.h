@@ -81,10 +81,10 @@ ZPA_C_API SOLVANE_RETURNCODE Filter2D(ImageAttributes source, Rectangle const* r
 /// @param filter  Weights: eSingle elements. Others of 32 bits and more are taken for such.
 /// @param output  In and out. Null: the result replaces the input. With a buffer of the input's type and at
 ///                least its length: that is written, and elements beyond are left; it may be the input's, and
-///                may not overlap it otherwise. WITH A BUFFER OF ANOTHER TYPE, OR SHORTER: THAT BUFFER IS FREED
-///                (as FreePixels does), the caller's own memory included, even where it is the input's. Then,
-///                and with a null buffer, type and length become those of the input, and a new buffer is
-///                made, which belongs to the caller, who frees it with FreePixels or `delete[]`.
+///                may overlap neither that otherwise nor the filter. WITH A BUFFER OF ANOTHER TYPE, OR SHORTER:
+///                THAT BUFFER IS FREED (as FreePixels does), the caller's own memory included, even where it is
+///                the input's. Then, and with a null buffer, type and length become those of the input, and a
+///                new buffer is made, which belongs to the caller, who frees it with FreePixels or `delete[]`.
 ///
 /// @retval 0    Done.
 /// @retval 6    "Unsupported image datatype."
@@ -99,7 +99,8 @@ ZPA_C_API SOLVANE_RETURNCODE FilterBufferSimple(BufferAttributes input, BufferAt
 
 /// The core of FilterBufferSimple, for T of `char`, `unsigned char`, `short`, `unsigned short`, `int`,
 /// `unsigned int`, `float` and `double`: the input's elements are taken for T. An input of smaller elements is
-/// refused, after the null pointers, with 7, "The elements of the input buffer are too narrow."
+/// refused, after the null pointers, with 7, "The elements of the input buffer are too narrow." A buffer that
+/// is made has room for elements of the input's type. What a log callback throws passes through.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, BufferAttributes filter,
                                                        BufferAttributes* output);
