@@ -805,6 +805,9 @@ TEST(Fspecial, RefusesInItsOrder) {
         EXPECT_EQ(log.Text(), each.message);
     }
     EXPECT_TRUE(std::all_of(std::begin(elements), std::end(elements), [](double each) { return each == 0; }));
+    CapturedLog const log;
+    ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) { throw 1; });
+    EXPECT_EQ(fspecial({}, "sobel", 1), SOLVANE_UNEXPECTED);
 }
 
 }  // namespace
