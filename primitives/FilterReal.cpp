@@ -39,8 +39,12 @@ template <typename T> struct WorkSize {
     std::uint64_t band;
 };
 
+// A Gaussian that was computed misses being a product by fewer roundings: up to 50, by those of its exponents.
+constexpr std::ptrdiff_t kMostRoundings = 100;
+
 // Finds the row and the column whose product the kernel is. Each element may differ from that by as much as
-// two passes have fewer roundings than one, so that the bound of the error does not grow.
+// two passes have fewer roundings than one, so that the bound of the error does not grow; but by no more than
+// kernels are rounded by, since that bound is far above the errors that large kernels have.
 template <typename T> bool Separate(T const* kernel, Size size, T* row, T* column) {
     std::ptrdiff_t const width = size.width, height = size.height, taps = width * height;
     T const* const pivot =
@@ -50,10 +54,13 @@ template <typename T> bool Separate(T const* kernel, Size size, T* row, T* colum
     std::copy_n(pivot - pivotX, width, row);
     for (std::ptrdiff_t j = 0; j < height; ++j) column[j] = kernel[j * width + pivotX] / *pivot;
 
-    T const tolerance = static_cast<T>(taps - width - height) * std::numeric_limits<T>::epsilon() / 2;
+    std::ptrdiff_t const roundings = std::min(taps - width - height, kMostRoundings);
+    T const tolerance = static_cast<T>(roundings) * std::numeric_limits<T>::epsilon() / 2;
     for (std::ptrdiff_t j = 0; j < height; ++j)
         for (std::ptrdiff_t i = 0; i < width; ++i) {
             T const element = kernel[j * width + i];
+            // Nothing but zeros makes up for what is not a number.
+            if ((element == 0) != (column[j] == 0 || row[i] == 0)) return false;
             if (!(std::abs(std::fma(column[j], row[i], -element)) <= tolerance * std::abs(element)))
                 return false;
         }
@@ -76,7 +83,8 @@ template <typename T> void Filter(Filtering<T, T> const& filtering, std::uint8_t
     if (IsWorthSeparating(kernel) && Separate(turned, kernel, row, column)) {
         Window<T> const across{row, {kernel.width, 1}}, down{column, {1, kernel.height}};
         std::ptrdiff_t const stride = RowStride<T>(width);
-        std::int64_t const cost = (kernel.width + kernel.height) * kBytes * width / kWeighedPerByte;
+        std::int64_t const cost =
+            (std::int64_t{kernel.width} + kernel.height) * kBytes * width / kWeighedPerByte;
         ForEachBand(filtering.size.height, cost, [&](int band, int first, int end) noexcept {
             SlideDown(
                 bands + static_cast<std::ptrdiff_t>(sizes.band) * band, stride, kernel.height, first, end,
