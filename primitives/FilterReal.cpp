@@ -29,9 +29,10 @@ template <typename T> struct WorkSize {
           band(IsWorthSeparating(kernel)
                    ? SlidingRows(kernel.height) * static_cast<std::uint64_t>(RowStride<T>(width))
                    : 0) {}
-    std::uint64_t Bytes() const {
-        std::uint64_t const elements = band * static_cast<std::uint64_t>(MostBands()) + taps + edges;
-        return elements * sizeof(T) + kCacheLine;
+    std::uint64_t Bytes() const { return (BandElements() + taps + edges) * sizeof(T) + kCacheLine; }
+    // The first question about threads starts OpenMP's run-time: kernels without bands do not ask.
+    std::uint64_t BandElements() const {
+        return band == 0 ? 0 : band * static_cast<std::uint64_t>(MostBands());
     }
 
     std::uint64_t taps;
@@ -75,7 +76,7 @@ template <typename T> void Filter(Filtering<T, T> const& filtering, std::uint8_t
     std::ptrdiff_t const destinationStride = filtering.destination.step / kBytes;
     WorkSize<T> const sizes(kernel, width);
     T* const bands = FirstAligned<T>(work);
-    T* const turned = bands + sizes.band * static_cast<std::uint64_t>(MostBands());
+    T* const turned = bands + sizes.BandElements();
     T* const row = turned + sizes.taps;
     T* const column = row + kernel.width;
     std::reverse_copy(filtering.kernel, filtering.kernel + filtering.Taps(), turned);

@@ -103,6 +103,8 @@ TEST(TypedCores, RefuseImagesOfOtherElements) {
     EXPECT_EQ(template_FloodFill<unsigned short>(bytes, 0, 0, 5, 4), 7);
     EXPECT_EQ(template_FillHoles<unsigned short>(bytes, 4), 7);
     EXPECT_EQ(template_FloodBorderAreas<unsigned short>(bytes, 1, 5, 4), 7);
+    int labels = 0;
+    EXPECT_EQ(template_LabelMarkers<unsigned short>(bytes, 4, &labels), 7);
     EXPECT_EQ(log.Text(), L"The image's elements are too narrow.");
     EXPECT_EQ(memory, std::vector<unsigned char>(6, 1));
 }
