@@ -69,6 +69,7 @@ SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double par
     if (is("sobel")) return Write(kernel, {1, 2, 1, 0, 0, 0, -1, -2, -1});
     if (!is("average") && !is("gaussian")) return SOLVANE_UNSUPPORTED_TYPE;
     if (RowsOverlap(kernel)) return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel's rows overlap.");
+    if (kernel.width < 1) return SOLVANE_OK;  // however many rows there are of nothing
     ImageView<double> const view(kernel);
     return is("average") ? Average(view) : Gaussian(view, parameter);
 } catch (...) {
