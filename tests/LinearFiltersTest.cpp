@@ -797,6 +797,7 @@ TEST(Fspecial, RefusesInItsOrder) {
         {of(eDouble, 3, 3, -3), "gaussian", 7, L"The kernel's rows overlap."},
         {of(eDouble, 3, 2, 4), "sobel", 7, L"The kernel image is too small."},
         {of(eDouble, 3, -3, -3), "laplacian", 7, L"The kernel image is too small."},
+        {of(eDouble, 0, 3, 4), "sobel", 7, L"The kernel image is too small."},
     };
     for (Case const& each : cases) {
         SCOPED_TRACE(testing::Message() << (each.kind ? each.kind : "null") << ", " << each.code);
