@@ -217,6 +217,26 @@ TYPED_TEST(Filter2DOfReals, AreAsAccurateForSeparableKernels) {
     });
 }
 
+// A column times a row would make something of what the kernel's zeros leave out.
+TYPED_TEST(Filter2DOfReals, TakeAProductThatUnderflowsForTheZeroThatItIs) {
+    using Limits = std::numeric_limits<TypeParam>;
+    TestImage<TypeParam> kernel({7, 7, 7}), source({20, 20, 20});
+    for (int i = 0; i < 49; ++i)
+        kernel.Pixels()[i] = (i % 7 == 3 ? 1 : Limits::min()) * (i / 7 == 3 ? 1 : Limits::min());
+    std::fill_n(source.Pixels(), source.Size(), TypeParam(0));
+    source.At(10, 10) = Limits::max() / 4;
+    ForEachSimdTarget([&] { ExpectModel(source, kernel); });
+}
+
+// Nor may a large kernel's many roundings pass for a structure of its own.
+TYPED_TEST(Filter2DOfReals, TakeALargeKernelThatIsNearlySeparableAsItIs) {
+    auto kernel = RandomKernel<TypeParam>({45, 41, 45}, 200, 1);
+    for (std::size_t i = 0; i < kernel.Size(); ++i)
+        kernel.Pixels()[i] = 1 + kernel.Pixels()[i] * std::numeric_limits<TypeParam>::epsilon();
+    auto source = RandomImage<TypeParam>({60, 45, 60}, 1);
+    ForEachSimdTarget([&] { ExpectModel(source, kernel); });
+}
+
 TYPED_TEST(Filter2DOfReals, KeepsWhatIsNotANumberWithinTheKernelsReach) {
     for (bool const separable : {false, true}) {
         auto kernel = separable ? SeparableKernel<TypeParam>({9, 7, 9}, 9, 1)
@@ -596,6 +616,17 @@ TEST(FilterBufferSimple, ReadsTheInputBeforeItIsFreedAsAnOutput) {
     FreePixels(output.buffer);
 }
 
+TEST(FilterBufferSimple, MakesRoomForTheInputsElements) {
+    double input[3] = {1, 2, 3};
+    float weights[] = {1};
+    BufferAttributes made(eDouble, nullptr, 0);
+    ASSERT_EQ(template_FilterBufferSimple<float>({eDouble, input, 3}, {eSingle, weights, 1}, &made),
+              SOLVANE_OK);
+    EXPECT_EQ(made.type, eDouble);
+    std::copy_n(input, made.size, static_cast<double*>(made.buffer));  // which the address sanitizer watches
+    FreePixels(made.buffer);
+}
+
 TEST(FilterBufferSimple, SumsInExtendedPrecisionThenTruncatesToTheLowBits) {
     // Double precision would lose what is left here: of a sum, and of a product.
     struct Case {
@@ -774,6 +805,9 @@ TEST(Fspecial, RefusesInItsOrder) {
         EXPECT_EQ(log.Text(), each.message);
     }
     EXPECT_TRUE(std::all_of(std::begin(elements), std::end(elements), [](double each) { return each == 0; }));
+    CapturedLog const log;
+    ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) { throw 1; });
+    EXPECT_EQ(fspecial({}, "sobel", 1), SOLVANE_UNEXPECTED);
 }
 
 }  // namespace

@@ -321,7 +321,8 @@ std::vector<OperationCall> const& EveryOperation() {
                  ZPA_Image<unsigned char> const image(p.bytes, w, h, w, 8, 0, false, false);
                  auto const histogram = image.GetHistogram();
                  if (!histogram.GetPointer() || !histogram->GetBufferPtr()) return 999;
-                 return std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u) -
+                 return static_cast<int>(
+                            std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u)) -
                         W::kPixels;
              } catch (std::runtime_error const&) {  // of a callback
                  return 999;
