@@ -56,6 +56,7 @@ template <typename T> std::uint64_t BinOf(T pixel, std::uint64_t bins) {
 
 // Fills `counts`, all of them zero.
 template <typename T> void Count(ImageView<T const> const& pixels, ULong32* counts, std::uint32_t bins) {
+    if (pixels.Width() < 1) return;  // and any number of rows
     if constexpr (std::is_same_v<T, std::uint8_t> || std::is_same_v<T, std::uint16_t>) {
         // Each pixel is its bin; the library's counts of 32 bits have one form or another, of the same size.
         CountTables<T> tables;

@@ -1,4 +1,4 @@
-// The arguments of one call, made from an input: descriptors, and memory of exactly the size that they describe.
+// The arguments of one call, made from an input: descriptors, and memory of just the size they describe.
 #ifndef ZPA_FUZZ_SUPPORT_SCENE_H
 #define ZPA_FUZZ_SUPPORT_SCENE_H
 
