@@ -246,14 +246,14 @@ template <typename T> void ZPA_Buffer<T>::Clean() {
     attributes_.buffer = nullptr;
 }
 
-#define ZPA_DEFINED_HERE(T)                         \
-    template class ZPA_INSTANCE_API IZPA_Buffer<T>; \
-    template class ZPA_INSTANCE_API ZPA_Buffer<T>;
+#define ZPA_DEFINED_HERE(T)        \
+    template class IZPA_Buffer<T>; \
+    template class ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
-#define ZPA_DEFINED_HERE(T)                        \
-    template class ZPA_INSTANCE_API IZPA_Image<T>; \
-    template class ZPA_INSTANCE_API ZPA_Image<T>;
+#define ZPA_DEFINED_HERE(T)       \
+    template class IZPA_Image<T>; \
+    template class ZPA_Image<T>;
 ZPA_FOR_IMAGE_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
 

@@ -109,6 +109,19 @@ private:
     placeholder* content;
 };
 
+/// @cond The instantiations that the library holds; AnyHandle would make one of its own.
+#define ZPA_FOR_ARRAYS_(apply)                                                                        \
+    apply(signed char) apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) \
+        apply(unsigned int) apply(long) apply(float) apply(double) apply(bool)
+#define ZPA_DECLARED_ELSEWHERE_(T)                     \
+    extern template class ZPA_INSTANCE_API counter<T>; \
+    extern template class ZPA_INSTANCE_API ZPA_Ptr<T>;
+ZPA_FOR_ARRAYS_(ZPA_DECLARED_ELSEWHERE_)
+ZPA_DECLARED_ELSEWHERE_(Any)
+ZPA_DECLARED_ELSEWHERE_(Bag)
+#undef ZPA_DECLARED_ELSEWHERE_
+/// @endcond
+
 /// A handle to an Any, shared with the bag that stores it and with every other handle to it. There is always
 /// an Any behind it; the handle of a missing key has one that holds nothing. `handle->Type()` is the type of
 /// the value.
@@ -206,19 +219,6 @@ private:
     std::type_info const& HeldType() const;
     template <typename T> T ReadOr(char const* message) const;
 };
-
-/// @cond The instantiations that the library holds.
-#define ZPA_FOR_ARRAYS_(apply)                                                                        \
-    apply(signed char) apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) \
-        apply(unsigned int) apply(long) apply(float) apply(double) apply(bool)
-#define ZPA_DECLARED_ELSEWHERE_(T)    \
-    extern template class counter<T>; \
-    extern template class ZPA_Ptr<T>;
-ZPA_FOR_ARRAYS_(ZPA_DECLARED_ELSEWHERE_)
-ZPA_DECLARED_ELSEWHERE_(Any)
-ZPA_DECLARED_ELSEWHERE_(Bag)
-#undef ZPA_DECLARED_ELSEWHERE_
-/// @endcond
 
 }  // namespace ZPA
 
