@@ -8,5 +8,3 @@ include(${CMAKE_CURRENT_LIST_DIR}/x86.cmake)
 set(CMAKE_C_FLAGS_INIT "-m32 ${CMAKE_C_FLAGS_INIT}")
 set(CMAKE_CXX_FLAGS_INIT "-m32 ${CMAKE_CXX_FLAGS_INIT}")
 include(${CMAKE_CURRENT_LIST_DIR}/platform.cmake)
-# What it builds runs here.
-set(CMAKE_CROSSCOMPILING_EMULATOR env)
