@@ -109,19 +109,6 @@ private:
     placeholder* content;
 };
 
-/// @cond The instantiations that the library holds; AnyHandle would make one of its own.
-#define ZPA_FOR_ARRAYS_(apply)                                                                        \
-    apply(signed char) apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) \
-        apply(unsigned int) apply(long) apply(float) apply(double) apply(bool)
-#define ZPA_DECLARED_ELSEWHERE_(T)                     \
-    extern template class ZPA_INSTANCE_API counter<T>; \
-    extern template class ZPA_INSTANCE_API ZPA_Ptr<T>;
-ZPA_FOR_ARRAYS_(ZPA_DECLARED_ELSEWHERE_)
-ZPA_DECLARED_ELSEWHERE_(Any)
-ZPA_DECLARED_ELSEWHERE_(Bag)
-#undef ZPA_DECLARED_ELSEWHERE_
-/// @endcond
-
 /// A handle to an Any, shared with the bag that stores it and with every other handle to it. There is always
 /// an Any behind it; the handle of a missing key has one that holds nothing. `handle->Type()` is the type of
 /// the value.
@@ -219,6 +206,23 @@ private:
     std::type_info const& HeldType() const;
     template <typename T> T ReadOr(char const* message) const;
 };
+
+/// @cond
+#define ZPA_FOR_ARRAYS_(apply)                                                                        \
+    apply(signed char) apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) \
+        apply(unsigned int) apply(long) apply(float) apply(double) apply(bool)
+// The instantiations that the library holds. On Windows callers make their own: all members are inline, and an
+// instantiation does not export those.
+#if !defined(_WIN32)
+#define ZPA_DECLARED_ELSEWHERE_(T)    \
+    extern template class counter<T>; \
+    extern template class ZPA_Ptr<T>;
+ZPA_FOR_ARRAYS_(ZPA_DECLARED_ELSEWHERE_)
+ZPA_DECLARED_ELSEWHERE_(Any)
+ZPA_DECLARED_ELSEWHERE_(Bag)
+#undef ZPA_DECLARED_ELSEWHERE_
+#endif
+/// @endcond
 
 }  // namespace ZPA
 
