@@ -232,7 +232,7 @@ template <typename T> void ZPA_Buffer<T>::Initialize(T* buffer, int size, bool o
         return;
     }
 
-    auto const elements = static_cast<std::uint64_t>(size);
+    auto const elements = static_cast<std::size_t>(size);
     attributes_.buffer =
         Allocate<T>(this, elements, size, "ZPA_Buffer<T>::Initialize memory allocation failure");
     std::memset(attributes_.buffer, 0, elements * sizeof(T));
