@@ -8,38 +8,12 @@
 #include <vector>
 
 #include "primitives/RecursiveGaussian.h"
+#include "Source/Internal/AnisotropicFilterPlan.h"
 #include "Source/Internal/DoubleImage.h"
 #include "Source/Internal/Overlap.h"
 
 namespace ZPA {
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
-
-// A pass with this sigma or less would change nothing worth the name.
-constexpr double kLeastSigma = 0.45;
-
-struct AnisotropicFilterPlan {
-    double sigmaSlant;  // along (shear, 1)
-    double sigmaX;      // along x
-    double shear;       // columns a row
-    double cosine, sine;
-    int derivativeOrderU, derivativeOrderV;
-
-    AnisotropicFilterPlan(double u, double v, double angleDegrees, int orderU, int orderV)
-        : derivativeOrderU(orderU), derivativeOrderV(orderV) {
-        // A right angle behind the axis u: c is the sine of its angle, s the negative cosine.
-        double const theta = (angleDegrees - 180.0 + 90.0) * kPi / 180.0;
-        double const c = std::cos(theta);
-        double const s = std::sin(theta);
-        double const d = c * c * u * u + s * s * v * v;
-        sigmaSlant = std::sqrt(d);
-        sigmaX = std::abs(u * v) / sigmaSlant;
-        shear = d <= 1e-06 ? 0 : (v * v - u * u) * s * c / d;
-        cosine = -s;
-        sine = c;
-    }
-};
 
 // The image is contiguous.
 struct Pixels {
@@ -53,7 +27,7 @@ void SmoothAlongSlant(AnisotropicFilterPlan const& plan, Pixels const& image, do
     auto const weights = MakeRecursiveGaussian(plan.sigmaSlant);
     auto const [source, destination, size] = image;
     bool const upright = !(std::abs(plan.shear) * size.height >= 0.5) || !std::isfinite(plan.shear);
-    if (upright) return SmoothColumns(weights, source, destination, size.width, size, work);
+    if (upright) return SmoothColumns(weights, Of::kPixels, source, destination, size.width, size, work);
     if (std::abs(plan.shear) >= size.width) {
         // A line has one pixel in the image, and nothing to share it with.
         if (destination != source) std::copy_n(source, std::ptrdiff_t{size.width} * size.height, destination);
@@ -96,13 +70,11 @@ void Differentiate(double across, double down, Pixels const& image) {
 void Filter(AnisotropicFilterPlan const& plan, Pixels image) {
     auto const elements = RecursiveGaussianWork(image.size);
     auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
-    bool const alongSlant = plan.sigmaSlant > kLeastSigma;
-    bool const alongX = plan.sigmaX > kLeastSigma && image.size.width >= 2;
-    if (alongSlant) {
+    if (plan.RunsAlongSlant()) {
         SmoothAlongSlant(plan, image, work.get());
         image.source = image.destination;
     }
-    if (alongX) {
+    if (plan.RunsAlongX(image.size.width)) {
         SmoothRows(MakeRecursiveGaussian(plan.sigmaX), image.source, image.destination, image.size.width,
                    image.size, work.get());
         image.source = image.destination;

@@ -144,13 +144,14 @@ bool Bag::Rename(std::string const& from, std::string const& to) {
     BagEntries const entries(*this);
     auto const found = entries.Find(from);
     if (found == entries.end()) return false;
-    (*found).key = to;
+    entries.Rename(found, to);
     return true;
 }
 
 void Bag::Clear() {
     Values removed;  // released last: this bag may live in them
     removed.swap(*values_);
+    table_.reset();
     keys_->clear();
     sizes_->clear();
     dirty_->clear();
@@ -177,54 +178,6 @@ bool Bag::IsDirty(std::string key) const {
     if (!IsBag(entry)) return entry.dirty;
     Bag const* const bag = HeldBag(*entry.value);
     return bag && IsAnyDirty(*bag);
-}
-
-// In step, so that the processor follows the four chains at the same time: walking the keys first and the
-// other lists to the found position afterwards takes twice as long (benchmarks/Bag.cpp).
-BagEntries::Iterator BagEntries::Find(std::string_view key) const {
-    auto at = begin();
-    for (auto const last = end(); at != last && (*at).key != key;) ++at;
-    return at;
-}
-
-BagEntries::Iterator BagEntries::At(int index) const {
-    if (index < 0 || static_cast<std::size_t>(index) >= bag_.keys_->size()) return end();
-    auto at = begin();
-    for (; index > 0; --index) ++at;
-    return at;
-}
-
-void BagEntries::Append(std::string const& key, ZPA_Ptr<Any> const& value, int size, bool dirty) const {
-    RequireRoom(1);
-    // All nodes are made before the first one is linked, so that the lists stay of one length.
-    std::list<std::string> keys(1, key);
-    Values values(1, value);
-    std::list<int> sizes(1, size);
-    std::list<bool> flags(1, dirty);
-    bag_.values_->splice(bag_.values_->end(), values);
-    bag_.keys_->splice(bag_.keys_->end(), keys);
-    bag_.sizes_->splice(bag_.sizes_->end(), sizes);
-    bag_.dirty_->splice(bag_.dirty_->end(), flags);
-}
-
-void BagEntries::AppendAll(Bag& other) const {
-    RequireRoom(other.keys_->size());
-    bag_.values_->splice(bag_.values_->end(), *other.values_);
-    bag_.keys_->splice(bag_.keys_->end(), *other.keys_);
-    bag_.sizes_->splice(bag_.sizes_->end(), *other.sizes_);
-    bag_.dirty_->splice(bag_.dirty_->end(), *other.dirty_);
-}
-
-void BagEntries::Remove(Iterator entry) const {
-    bag_.keys_->erase(entry.key_);
-    bag_.values_->erase(entry.value_);
-    bag_.sizes_->erase(entry.size_);
-    bag_.dirty_->erase(entry.dirty_);
-}
-
-void BagEntries::RequireRoom(std::size_t more) const {
-    auto const& keys = *bag_.keys_;  // the list with the largest nodes
-    if (more > keys.max_size() - keys.size()) throw std::length_error("list<T> too long");
 }
 
 }  // namespace ZPA

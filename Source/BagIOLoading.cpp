@@ -56,6 +56,7 @@ template <typename Work> void ForEachItem(TiXmlNode const& node, Work const& wor
 ZPA_Ptr<Bag> BagIO::LoadBag(std::string const& path) {
     ZPA_Ptr<Bag> bag(new Bag);
     try {
+        DocumentAllowance const allowance;
         TiXmlDocument document;
         if (LoadDocument(path, document)) {
             loadAllChildrenNodes(document.FirstChildElement(), bag, FolderOf(path));

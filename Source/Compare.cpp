@@ -15,6 +15,8 @@ template <typename T> SOLVANE_RETURNCODE template_compare(ImageAttributes first,
     if (first.width != second.width || first.height != second.height) return SOLVANE_INVALID_ARGUMENT;
     if (RowsUnreadable(first) || RowsUnreadable(second))
         return Fail(SOLVANE_SIZE_MISMATCH, L"template_compare(): The rows of an image overlap.");
+    if (ElementsTooNarrow<T>(first) || ElementsTooNarrow<T>(second))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"template_compare(): The elements of an image are too narrow.");
     if (first.width < 1) return SOLVANE_OK;
 
     ImageView<T const> const a(first);

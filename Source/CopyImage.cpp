@@ -16,6 +16,8 @@ SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes* destin
         return Fail(SOLVANE_NULL_POINTER, L"template_copy(): Null pointer.");
     if (RowsUnreadable(source))
         return Fail(SOLVANE_SIZE_MISMATCH, L"template_copy(): The rows of the source overlap.");
+    if (SizeOfTypeCode(source.type) != static_cast<int>(sizeof(T)))  // the copy has the source's type, too
+        return Fail(SOLVANE_SIZE_MISMATCH, L"template_copy(): The elements of the source have another size.");
 
     // stride * height, and where the stride is narrower than the width the rest of the last row: the copy has
     // the source's descriptor, and must hold all that it describes.

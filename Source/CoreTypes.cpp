@@ -4,8 +4,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/Text.h"
 
 namespace ZPA {
@@ -72,10 +72,10 @@ eTypeCode ParseTypeCode(char const* name) {
 
 SOLVANE_RETURNCODE ValidateImageBuffer(ImageAttributes source, ImageAttributes* destination) {
     if (!destination || source.buffer == destination->buffer)
-        return Fail(SOLVANE_INVALID_ARGUMENT, L"Output is NULL and in-place operation not supported");
+        return Report(SOLVANE_INVALID_ARGUMENT, L"Output is NULL and in-place operation not supported");
     if (destination->buffer) {
         if (destination->width != source.width || destination->height != source.height)
-            return Fail(SOLVANE_INVALID_ARGUMENT, L"Source and destination image must be same size.");
+            return Report(SOLVANE_INVALID_ARGUMENT, L"Source and destination image must be same size.");
         return SOLVANE_OK;
     }
 
@@ -84,7 +84,7 @@ SOLVANE_RETURNCODE ValidateImageBuffer(ImageAttributes source, ImageAttributes* 
     std::uint64_t const elements = ElementsSpanned(source.width, source.height, source.stride);
     std::uint64_t const bytes = BlockBytes(elements, static_cast<std::size_t>(SizeOfTypeCode(source.type)));
     destination->buffer = AllocateElements<unsigned char>(bytes);
-    if (!destination->buffer) return FailMemory(L"ValidateImageBuffer", bytes);
+    if (!destination->buffer) return ReportMemory(L"ValidateImageBuffer", bytes, 1);
     std::memset(destination->buffer, 0, static_cast<std::size_t>(bytes));
     return SOLVANE_OK;
 }

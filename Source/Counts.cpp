@@ -1,7 +1,7 @@
 // ImageCountOfN, RowCountOfN and ColumnCountOfN: how many pixels have a value.
 #include <Basics/Statistics.h>
 
-#include "primitives/StatisticsRow.h"
+#include "primitives/MatchRow.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/OutputBuffer.h"

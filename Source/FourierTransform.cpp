@@ -7,8 +7,8 @@
 
 #include "primitives/FourierStages.h"
 #include "primitives/RootsOfUnity.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Fourier.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {

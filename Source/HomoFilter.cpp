@@ -1,11 +1,14 @@
 // HomoFilter: what it refuses, and which images it works in.
-#include <Basics/AnisotropicGaussian.h>
 #include <Basics/HomoFilter.h>
 #include <Basics/ImageBuffer.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "primitives/ContrastRow.h"
+#include "primitives/RecursiveGaussian.h"
+#include "Source/Internal/AnisotropicFilterPlan.h"
 #include "Source/Internal/DoubleImage.h"
 #include "Source/Internal/Overlap.h"
 
@@ -18,27 +21,44 @@ void MakeLike(ImageAttributes const& image, ZPA_Image<double>& made) {
     made.SetImage(nullptr, image.width, image.height, image.width, 64, image.pixelspacing, true, false);
 }
 
-// All images are contiguous doubles; the result shares no memory with the input.
-SOLVANE_RETURNCODE Filter(ImageAttributes const& input, double sigma, ImageAttributes result) {
-    std::ptrdiff_t const count = std::ptrdiff_t{input.width} * input.height;
-    auto const pixels = static_cast<double const*>(input.buffer);
-    ZPA_Image<double> meanSquares;
-    MakeLike(input, meanSquares);
-    ImageAttributes squares = meanSquares;
+// Contiguous doubles. The means become the result; they share no memory with the pixels.
+struct Images {
+    double const* pixels;
+    double* means;
+    double* meanSquares;
+    Size size;
+};
 
-    SOLVANE_RETURNCODE code = AnisotropicGaussian(input, &result, sigma, sigma, 0, 0, 0);
-    if (code != SOLVANE_OK) return code;
-    SquareRow(pixels, meanSquares.GetBufferPtr(), count);
-    code = AnisotropicGaussian(squares, &squares, sigma, sigma, 0, 0, 0);
-    if (code != SOLVANE_OK) return code;
+// Both means are AnisotropicGaussian's, with `sigma` both ways. Its passes are run here: the first one squares
+// the pixels as it reads them, so that no image of squares is written and read.
+void MakeMeans(double sigma, Images const& images) {
+    auto const [pixels, means, meanSquares, size] = images;
+    AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
+    auto const elements = RecursiveGaussianWork(size);
+    auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
+    if (plan.RunsAlongSlant()) {
+        auto const weights = MakeRecursiveGaussian(plan.sigmaSlant);
+        SmoothColumns(weights, Of::kPixels, pixels, means, size.width, size, work.get());
+        SmoothColumns(weights, Of::kSquares, pixels, meanSquares, size.width, size, work.get());
+    } else {
+        std::ptrdiff_t const count = std::ptrdiff_t{size.width} * size.height;
+        std::copy_n(pixels, count, means);
+        SquareRow(pixels, meanSquares, count);
+    }
+    if (!plan.RunsAlongX(size.width)) return;
+    auto const weights = MakeRecursiveGaussian(plan.sigmaX);
+    for (double* const image : {means, meanSquares})
+        SmoothRows(weights, image, image, size.width, size, work.get());
+}
 
-    auto* const means = static_cast<double*>(result.buffer);
+void Filter(double sigma, Images const& images) {
+    MakeMeans(sigma, images);
+    std::ptrdiff_t const count = std::ptrdiff_t{images.size.width} * images.size.height;
     Sums sums{};
-    ContrastRow(pixels, means, meanSquares.GetBufferPtr(), means, count, sums);
+    ContrastRow(images.pixels, images.means, images.meanSquares, images.means, count, sums);
     double const mean = sums.values / static_cast<double>(count);
     double const deviation = std::sqrt(sums.squares / static_cast<double>(count) - mean * mean);
-    StandardizeRow(means, count, mean, deviation);
-    return SOLVANE_OK;
+    StandardizeRow(images.means, count, mean, deviation);
 }
 
 }  // namespace
@@ -62,8 +82,13 @@ SOLVANE_RETURNCODE HomoFilter(ImageAttributes input, double sigma, ImageAttribut
         if (!outputServes) MakeLike(input, made);
         ImageAttributes const result = outputServes ? *output : ImageAttributes(made);
 
-        code = Filter(working, sigma, result);
-        if (code != SOLVANE_OK || outputServes) return code;
+        ZPA_Image<double> meanSquares;
+        MakeLike(input, meanSquares);
+        Filter(sigma, {static_cast<double const*>(working.buffer),
+                       static_cast<double*>(result.buffer),
+                       meanSquares.GetBufferPtr(),
+                       {input.width, input.height}});
+        if (outputServes) return SOLVANE_OK;
         if (output->buffer) return Convert(result, *output);
         *output = result;
         made.Disown();

@@ -59,11 +59,13 @@ template <typename T> void Count(ImageView<T const> const& pixels, ULong32* coun
     if constexpr (std::is_same_v<T, std::uint8_t> || std::is_same_v<T, std::uint16_t>) {
         // Each pixel is its bin; the library's counts of 32 bits have one form or another, of the same size.
         CountTables<T> tables;
-        if (!tables.Prepare(0, bins)) throw std::bad_alloc();
-        for (std::ptrdiff_t y = 0; y < pixels.Height(); ++y) tables.Count(pixels.Row(y), pixels.Width());
-        tables.AddTo(reinterpret_cast<std::uint32_t*>(counts));
-        return;
+        if (tables.Prepare(0, bins)) {
+            for (std::ptrdiff_t y = 0; y < pixels.Height(); ++y) tables.Count(pixels.Row(y), pixels.Width());
+            tables.AddTo(reinterpret_cast<std::uint32_t*>(counts));
+            return;
+        }
     }
+    // Also without memory for tables.
     for (std::ptrdiff_t y = 0; y < pixels.Height(); ++y) {
         T const* const row = pixels.Row(y);
         for (std::ptrdiff_t x = 0; x < pixels.Width(); ++x) {

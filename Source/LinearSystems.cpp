@@ -5,8 +5,8 @@
 
 #include "primitives/TriangularFactors.h"
 #include "primitives/Vectors.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Hypotenuse.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
@@ -26,17 +26,16 @@ void Factor(double* a, int n, double* notes, int* indx, double* d, Message singu
     if (RowScales(a, n, notes) == n)
         *d = Factorise(a, n, kTinyPivot, notes, notes + n, indx);
     else
-        static_cast<void>(Fail(SOLVANE_UNEXPECTED, singular));
-}
-
-void ReportMemory(Message context, std::uint64_t count, std::size_t elementSize) {
-    static_cast<void>(FailMemory(context, BlockBytes(count, elementSize)));
+        Report(SOLVANE_UNEXPECTED, singular);
 }
 
 using Decomposition = void (*)(double*, int, int*, double*);
 void SolveBy(Decomposition decompose, double* a, int n, double* b, Message context) {
     WorkSpace<int, kUnknownsOnStack> indx(static_cast<std::uint64_t>(n));
-    if (!indx.Get()) return ReportMemory(context, static_cast<std::uint64_t>(n), sizeof(int));
+    if (!indx.Get()) {
+        ReportMemory(context, static_cast<std::uint64_t>(n), sizeof(int));
+        return;
+    }
     // Where the decomposition fails these are what is solved with.
     std::fill_n(indx.Get(), n, 0);
     double parity = 1;
@@ -68,21 +67,25 @@ double dpythag_DBL(double a, double b) { return Hypotenuse(a, b); }
 void ludcmp(double* a, int n, int* indx, double* d) {
     if (AnyNull(L"ludcmp(): Null pointer.", a, indx, d) || n < 1) return;
     WorkSpace<double, 2 * kRowsOnStack> notes(NotesOf(n));
-    if (!notes.Get()) return ReportMemory(L"ludcmp()", NotesOf(n), sizeof(double));
-    Factor(a, n, notes.Get(), indx, d, L"ludcmp() - Singular matrix.");
+    if (notes.Get())
+        Factor(a, n, notes.Get(), indx, d, L"ludcmp() - Singular matrix.");
+    else
+        ReportMemory(L"ludcmp()", NotesOf(n), sizeof(double));
 }
 
 void ludcmp_DBL(double* a, int n, int* indx, double* d) {
     if (AnyNull(L"ludcmp_DBL(): Null pointer.", a, indx, d) || n < 1) return;
     auto const notes = AllocateCleared<double>(NotesOf(n));
-    if (!notes) return ReportMemory(L"ludcmp_DBL()", NotesOf(n), sizeof(double));
-    Factor(a, n, notes.get(), indx, d, L"ludcmp_DBL(): singular matrix.");
+    if (notes)
+        Factor(a, n, notes.get(), indx, d, L"ludcmp_DBL(): singular matrix.");
+    else
+        ReportMemory(L"ludcmp_DBL()", NotesOf(n), sizeof(double));
 }
 
 void lubksb(double const* a, int n, int const* indx, double* b) {
     if (AnyNull(L"lubksb(): Null pointer.", a, indx, b) || n < 1) return;
     if (std::any_of(indx, indx + n, [n](int row) { return row < 0 || row >= n; })) {
-        static_cast<void>(Fail(SOLVANE_OUT_OF_RANGE, L"lubksb(): Row index out of range."));
+        Report(SOLVANE_OUT_OF_RANGE, L"lubksb(): Row index out of range.");
         return;
     }
     SolveFactorised(a, n, indx, b);
@@ -103,13 +106,13 @@ void invmatrix_DBL(double* a, double* inverse, int n) {
     if (AnyNull(L"invmatrix_DBL(): Null pointer.", a, inverse) || n < 1) return;
     auto const size = static_cast<std::uint64_t>(n);
     auto const indx = AllocateCleared<int>(size);
-    if (!indx) return ReportMemory(L"invmatrix_DBL()", size, sizeof(int));
+    if (!indx) {
+        ReportMemory(L"invmatrix_DBL()", size, sizeof(int));
+        return;
+    }
     double parity = 1;
     ludcmp_DBL(a, n, indx.get(), &parity);
-    std::ptrdiff_t const rows = n;
-    std::fill_n(inverse, rows * rows, 0.0);
-    for (std::ptrdiff_t i = 0; i < rows; ++i) inverse[i * rows + i] = 1;
-    SolveColumns(a, rows, indx.get(), inverse);
+    InvertFactorised(a, n, indx.get(), inverse);
 }
 
 }  // namespace ZPA

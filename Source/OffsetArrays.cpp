@@ -3,8 +3,7 @@
 
 #include <cstdint>
 
-#include "Source/Internal/Frame.h"
-#include "Source/Internal/Memory.h"
+#include "Source/Internal/Report.h"
 
 namespace ZPA {
 namespace {
@@ -22,10 +21,6 @@ std::int64_t Count(int low, int high) { return std::int64_t{high} - low + 1; }
 // Elements of a block with one more than needed; more than any memory holds where there cannot be any.
 std::uint64_t WithSpare(std::int64_t elements) {
     return elements < 0 ? kNoSize : static_cast<std::uint64_t>(elements) + 1;
-}
-
-void ReportMemory(Message context, std::uint64_t elements, std::size_t elementSize) {
-    static_cast<void>(FailMemory(context, BlockBytes(elements, elementSize)));
 }
 
 }  // namespace

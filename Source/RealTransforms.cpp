@@ -1,11 +1,13 @@
 // Transforms of real values, and what they are for: correlation and convolution.
 #include <Basics/FourierTransform.h>
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "primitives/SpectrumPairs.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Fourier.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
@@ -39,16 +41,21 @@ template <typename T> void TransformTwoBack(T* fft1, T const* fft2, T* out1, T* 
     TakeApart(fft1, out1, out2, n);
 }
 
-// `work` has room for n points.
+// `work` has room for n values. Two transforms of half the length need half the memory of one of both at once.
 template <typename T> void CorrelateThrough(T* work, T const* data1, T const* data2, int n, T* ans, T scale) {
     if (n == 1) {
         ans[0] = data1[0] * data2[0];
         return;
     }
-    Interleave(data1, data2, work, n);
-    TransformPoints(work, LogOfPowerOfTwo(n), false);
-    Correlate(work, scale, ans, n);
-    TransformReal(ans, n / 2, true);
+    std::ptrdiff_t const points = n / 2;
+    std::copy_n(data1, n, work);
+    std::memmove(ans, data2, static_cast<std::size_t>(n) * sizeof(T));  // it may be one of the inputs
+    TransformReal(work, points, false);
+    TransformReal(ans, points, false);
+    ans[0] *= work[0] * scale;
+    ans[1] *= work[1] * scale;
+    MultiplyByConjugates(ans + 2, work + 2, scale, points - 1);
+    TransformReal(ans, points, true);
 }
 
 }  // namespace
@@ -85,22 +92,20 @@ void correl(float const* data1, float const* data2, int n, float* ans, float* wo
     if (work) return CorrelateThrough(work, data1, data2, n, ans, scale);
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     std::unique_ptr<float[]> const own(AllocateElements<float>(count));
-    if (!own) {
-        static_cast<void>(FailMemory(L"correl()", count * sizeof(float)));
-        return;
-    }
-    CorrelateThrough(own.get(), data1, data2, n, ans, scale);
+    if (own)
+        CorrelateThrough(own.get(), data1, data2, n, ans, scale);
+    else
+        ReportMemory(L"correl()", count, sizeof(float));
 }
 
 void correl_DBL(double const* data1, double const* data2, int n, double* ans) {
     if (AnyNull(L"correl_DBL(): Null pointer.", data1, data2, ans) || LogOfPowerOfTwo(n) < 0) return;
     std::uint64_t const count = 2 * static_cast<std::uint64_t>(n);
     auto const own = AllocateCleared<double>(count);
-    if (!own) {
-        static_cast<void>(FailMemory(L"correl_DBL()", BlockBytes(count, sizeof(double))));
-        return;
-    }
-    CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);
+    if (own)
+        CorrelateThrough(own.get(), data1, data2, n, ans, 1.0);
+    else
+        ReportMemory(L"correl_DBL()", count, sizeof(double));
 }
 
 void convlv_DBL(double const* filter, double* data, int n) {

@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "primitives/Vectors.h"
-#include "Source/Internal/Arguments.h"
 #include "Source/Internal/Hypotenuse.h"
+#include "Source/Internal/Report.h"
 #include "Source/Internal/WorkSpace.h"
 
 namespace ZPA {
@@ -185,12 +185,15 @@ private:
     // One step on the block from `first` to k, with the shift from its last two by two elements. What goes
     // from one rotation to the next is in double precision: the steps are many.
     void Step(std::ptrdiff_t first, std::ptrdiff_t k) {
-        double x = w_[first];
-        double const last = w_[k], y = w_[k - 1], g = above_[k - 1], h = above_[k];
+        // in units of the matrix, whose squares keep within their range
+        double const unit = norm_, top = w_[first] / unit, last = w_[k] / unit, y = w_[k - 1] / unit,
+                     g = above_[k - 1] / unit, h = above_[k] / unit;
         double const shift = ((y - last) * (y + last) + (g - h) * (g + h)) / (2 * h * y);
         double const root = Hypotenuse(shift, 1.0);
-        double f = ((x - last) * (x + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / x;
+        double f =
+            unit * ((top - last) * (top + last) + h * (y / (shift + (shift < 0 ? -root : root)) - h)) / top;
 
+        double x = w_[first];
         double cosine = 1, sine = 1;
         for (std::ptrdiff_t j = first; j < k; ++j) {
             double const beside = cosine * above_[j + 1], bulge = sine * above_[j + 1];
@@ -264,13 +267,13 @@ SOLVANE_RETURNCODE svdcmp(float** a, int m, int n, float* w, float** v) {
     if (m < 1 || n < 1) return SOLVANE_OK;
     OwnVector rv1(n);
     if (!rv1)
-        return Fail(SOLVANE_OPERATION_FAILED,
-                    L"svdcmp():alloc_vector() for 'rv1' failed with params nl=%d, nh=%d", 1, n);
+        return Report(SOLVANE_OPERATION_FAILED,
+                      L"svdcmp():alloc_vector() for 'rv1' failed with params nl=%d, nh=%d", 1, n);
     std::uint64_t const elements = Decomposition<float>::WorkElements(m, n);
     std::unique_ptr<float[]> const work(AllocateElements<float>(elements));
-    if (!work) return FailMemory(L"svdcmp()", BlockBytes(elements, sizeof(float)));
+    if (!work) return ReportMemory(L"svdcmp()", elements, sizeof(float));
     if (Decompose(a, m, n, w, v, &rv1[1], work.get())) return SOLVANE_OK;
-    return Fail(SOLVANE_UNEXPECTED, L"svdcmp() - No convergence in 30 svdcmp iterations.");
+    return Report(SOLVANE_UNEXPECTED, L"svdcmp() - No convergence in 30 svdcmp iterations.");
 }
 
 SOLVANE_RETURNCODE dsvdcmp_DBL(double** a, int m, int n, double* w, double** v) {
@@ -279,9 +282,9 @@ SOLVANE_RETURNCODE dsvdcmp_DBL(double** a, int m, int n, double* w, double** v) 
     std::uint64_t const elements = Decomposition<double>::WorkElements(m, n);
     auto const work =
         AllocateCleared<double>(elements == kNoSize ? kNoSize : elements + static_cast<std::uint64_t>(n));
-    if (!work) return Fail(SOLVANE_UNEXPECTED, L"svdcmp(): no enough memory.");
+    if (!work) return Report(SOLVANE_UNEXPECTED, L"svdcmp(): no enough memory.");
     if (Decompose(a, m, n, w, v, work.get(), work.get() + n)) return SOLVANE_OK;
-    return Fail(SOLVANE_UNEXPECTED, L"svdcmp(): no convergence in %d svdcmp iterations.", kMostSteps);
+    return Report(SOLVANE_UNEXPECTED, L"svdcmp(): no convergence in %d svdcmp iterations.", kMostSteps);
 }
 
 SOLVANE_RETURNCODE svbksb(float** u, float* w, float** v, int m, int n, float* b, float* x) {
@@ -289,8 +292,8 @@ SOLVANE_RETURNCODE svbksb(float** u, float* w, float** v, int m, int n, float* b
     if (m < 1 || n < 1) return SOLVANE_OK;
     OwnVector tmp(n);
     if (!tmp)
-        return Fail(SOLVANE_OPERATION_FAILED,
-                    L"svbksb(): alloc_vector() for 'tmp' failed with params nl=%d, nh=%d", 1, n);
+        return Report(SOLVANE_OPERATION_FAILED,
+                      L"svbksb(): alloc_vector() for 'tmp' failed with params nl=%d, nh=%d", 1, n);
     std::fill_n(&tmp[1], n, 0.0f);
     for (std::ptrdiff_t y = 1; y <= m; ++y) AddMultiple(b[y], u[y] + 1, &tmp[1], n);
     for (std::ptrdiff_t i = 1; i <= n; ++i) tmp[i] = w[i] != 0 ? tmp[i] / w[i] : 0;

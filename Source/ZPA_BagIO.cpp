@@ -140,18 +140,18 @@ std::string ImageTypeName(TiXmlNode const* node) {
 template <typename T>
 ImagePtr<T> ReadImage(ImageAttributes const& described, std::string const& bufferFile,
                       std::string const& directory) {
-    // Not by ReadRawFile: a name with numbers in it would overrule the document.
     std::string const path = SideFilePath(directory, kSeparator, bufferFile);
+    if (described.width > 0 && described.height > 0)
+        RequireBacked(
+            BlockBytes(ElementsSpanned(described.width, described.height, described.width), sizeof(T)), path,
+            SideFileLength(path));
+
+    // Not by ReadRawFile: a name with numbers in it would overrule the document.
     void* read = nullptr;
     if (!path.empty())
         (void)ReadRaw(path.c_str(), &read, TypeCodeOf<T>, described.width, described.height, described.width,
                       false);
     std::unique_ptr<T[]> pixels(static_cast<T*>(read));
-    if (!pixels && described.width > 0 && described.height > 0)
-        RequireBacked(
-            BlockBytes(ElementsSpanned(described.width, described.height, described.width), sizeof(T)),
-            SideFileLength(path));
-
     auto image =
         std::make_unique<ZPA_Image<T>>(pixels.get(), described.width, described.height, described.width,
                                        described.bitsperpixel, described.pixelspacing, true, true);

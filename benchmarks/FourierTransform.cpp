@@ -18,6 +18,8 @@ namespace {
 
 void Transform(float* data, int n) { FFT(data, n, 1); }
 void Transform(double* data, int n) { FFT_DBL(data, n, 1); }
+void TransformReal(float* data, int n) { realFFT(data, n, 1); }
+void TransformReal(double* data, int n) { realFFT_DBL(data, n, 1); }
 void Correlate(float const* a, float const* b, int n, float* ans, float* work) { correl(a, b, n, ans, work); }
 void Correlate(double const* a, double const* b, int n, double* ans, double*) { correl_DBL(a, b, n, ans); }
 
@@ -111,32 +113,96 @@ Contenders Square(int n) {
         });
 }
 
-// The peer goes from one array to another, and has the conjugate of our spectrum, so that the parts are not
-// compared.
-Contenders Real(int n) {
+#ifdef ZPA_PEER_FFTW
+// From the peer's spectrum of n real values to our layout: it has the conjugate, and the highest frequency at
+// the end.
+template <typename T> void ToOurLayout(T* spectrum, int n) {
+    spectrum[1] = spectrum[n];
+    for (int k = 1; k < n / 2; ++k) spectrum[2 * k + 1] = -spectrum[2 * k + 1];
+}
+#endif
+
+// The peer goes from one array to another.
+template <typename T> Contenders Real(int n) {
     struct Scene {
-        Image<double> ours, theirs, spectrum;
+        Image<T> ours, theirs, spectrum;
     };
-    auto const scene =
-        std::make_shared<Scene>(Scene{Numbers<double>(n), Numbers<double>(n), Image<double>(n + 2, 1)});
-    Contenders contenders{[=] { realFFT_DBL(scene->ours.Row(0), n / 2, 1); }, "", {}, {}};
+    auto const scene = std::make_shared<Scene>(Scene{Numbers<T>(n), Numbers<T>(n), Image<T>(n + 2, 1)});
+    Contenders contenders{[=] { TransformReal(scene->ours.Row(0), n / 2); }, "", {}, {}};
 #ifdef ZPA_PEER_FFTW
     contenders.peer = kPeer;
-    contenders.theirs = [plan = Fftw<double>::Real(scene->theirs.Row(0), scene->spectrum.Row(0), n)] {
-        Fftw<double>::Run(plan);
+    contenders.theirs = [plan = Fftw<T>::Real(scene->theirs.Row(0), scene->spectrum.Row(0), n)] {
+        Fftw<T>::Run(plan);
     };
     contenders.sameAnswer = [scene, n] {
-        double* const ours = scene->ours.Row(0);
-        double* const spectrum = scene->spectrum.Row(0);
-        spectrum[1] = spectrum[n];
-        for (int k = 1; k < n / 2; ++k) spectrum[2 * k + 1] = -spectrum[2 * k + 1];
-        bool const same = Agree(ours, spectrum, n);
+        ToOurLayout(scene->spectrum.Row(0), n);
+        bool const same = Agree(scene->ours.Row(0), scene->spectrum.Row(0), n);
         Clear(scene->ours);
         Clear(scene->theirs);
         return same;
     };
 #else
     Clear(scene->ours);
+#endif
+    return contenders;
+}
+
+// The peer transforms one after the other, and has half of each spectrum.
+Contenders TwoReal(int n) {
+    struct Scene {
+        Image<double> a, b, ofA, ofB, theirsOfA, theirsOfB;
+    };
+    auto const scene = std::make_shared<Scene>(Scene{Numbers<double>(n), Numbers<double>(n, 2),
+                                                     Image<double>(2 * n, 1), Image<double>(2 * n, 1),
+                                                     Image<double>(n + 2, 1), Image<double>(n + 2, 1)});
+    Contenders contenders{
+        [=] { realFFT2_DBL(scene->a.Row(0), scene->b.Row(0), scene->ofA.Row(0), scene->ofB.Row(0), n); },
+        "",
+        {},
+        {}};
+#ifdef ZPA_PEER_FFTW
+    contenders.peer = kPeer;
+    contenders.theirs = [ofA = Fftw<double>::Real(scene->a.Row(0), scene->theirsOfA.Row(0), n),
+                         ofB = Fftw<double>::Real(scene->b.Row(0), scene->theirsOfB.Row(0), n)] {
+        Fftw<double>::Run(ofA);
+        Fftw<double>::Run(ofB);
+    };
+    contenders.sameAnswer = [scene, n] {
+        for (auto* spectrum : {&scene->theirsOfA, &scene->theirsOfB}) ToOurLayout(spectrum->Row(0), n);
+        scene->theirsOfA.Row(0)[1] = scene->theirsOfB.Row(0)[1] = 0;  // the highest is elsewhere in ours
+        return Agree(scene->ofA.Row(0), scene->theirsOfA.Row(0), n) &&
+               Agree(scene->ofB.Row(0), scene->theirsOfB.Row(0), n);
+    };
+#endif
+    return contenders;
+}
+
+// With a filter that leaves all as it is, so that the values do not grow.
+Contenders Convolution(int n) {
+    struct Scene {
+        Image<double> filter, ours, theirs, spectrum;
+    };
+    auto const scene = std::make_shared<Scene>(
+        Scene{Image<double>(n, 1), Numbers<double>(n), Numbers<double>(n), Image<double>(n + 2, 1)});
+    scene->filter.Row(0)[0] = 1;
+    realFFT_DBL(scene->filter.Row(0), n / 2, 1);
+    Contenders contenders{[=] { convlv_DBL(scene->filter.Row(0), scene->ours.Row(0), n); }, "", {}, {}};
+#ifdef ZPA_PEER_FFTW
+    contenders.peer = kPeer;
+    double *const spectrum = scene->spectrum.Row(0), *const filter = scene->filter.Row(0);
+    contenders.theirs = [=, there = Fftw<double>::Real(scene->theirs.Row(0), spectrum, n),
+                         back = Fftw<double>::RealBack(spectrum, scene->theirs.Row(0), n)] {
+        Fftw<double>::Run(there);
+        spectrum[0] *= filter[0] / n;
+        spectrum[n] *= filter[1] / n;
+        for (int k = 2; k < n; k += 2) {
+            double const re = (spectrum[k] * filter[k] + spectrum[k + 1] * filter[k + 1]) / n;
+            spectrum[k + 1] = (spectrum[k + 1] * filter[k] - spectrum[k] * filter[k + 1]) / n;
+            spectrum[k] = re;
+        }
+        Fftw<double>::Run(back);
+    };
+    contenders.sameAnswer = [scene, n] { return Agree(scene->ours.Row(0), scene->theirs.Row(0), n); };
 #endif
     return contenders;
 }
@@ -185,7 +251,10 @@ Registration const rows([] {
     for (int const n : {64, 256, 1024})
         Register({"FFT2d_DBL", "64f", n, n, {0, 0}, [=] { return Square(n); }});
     for (int const n : {1 << 10, 1 << 16}) {
-        Register({"realFFT_DBL", "64f", n, 1, {0, 0}, [=] { return Real(n); }});
+        Register({"realFFT", "32f", n, 1, {0, 0}, [=] { return Real<float>(n); }});
+        Register({"realFFT_DBL", "64f", n, 1, {0, 0}, [=] { return Real<double>(n); }});
+        Register({"realFFT2_DBL", "64f", n, 1, {0, 0}, [=] { return TwoReal(n); }});
+        Register({"convlv_DBL", "64f", n, 1, {0, 0}, [=] { return Convolution(n); }});
         Register({"correl", "32f", n, 1, {0, 0}, [=] { return Correlation<float>(n); }});
         Register({"correl_DBL", "64f", n, 1, {0, 0}, [=] { return Correlation<double>(n); }});
     }

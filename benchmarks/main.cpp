@@ -5,7 +5,10 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
+#include <iterator>
+#include <optional>
 #include <regex>
+#include <sstream>
 #include <stdexcept>
 
 #include "support/Registry.h"
@@ -23,12 +26,14 @@ constexpr char const* kUsage =
     "  --threads N      threads of ours and of the peers, 1 by default\n"
     "  --seconds S      for each row, 0.4 by default\n"
     "  --json FILE      keeps the table, with the facts of the machine\n"
+    "  --page FILE      puts them into a page in Markdown, between its two lines \"<!-- figures -->\"\n"
     "Set OMP_WAIT_POLICY=passive where others use the machine too: threads that spin disturb every figure.\n"
     "Ends with 0; with 1 if a row failed or gave another answer than its peer; with 2 if it cannot run so.\n";
 
 struct Options {
     std::regex filter{""};
     std::string json;
+    std::string page;
     double seconds = 0.4;
     int threads = 1;
     bool list = false;
@@ -54,6 +59,8 @@ Options Parsed(int count, char** words) {
             options.filter = std::regex(value());
         else if (option == "--json")
             options.json = value();
+        else if (option == "--page")
+            options.page = value();
         else if (option == "--seconds")
             options.seconds = Positive(option, value());
         else if (option == "--threads")
@@ -84,12 +91,38 @@ Result Run(Row const& row, double seconds) {
     }
 }
 
+// A page around a part that can be filled in.
+class Page {
+public:
+    explicit Page(std::string const& path) : path_(path) {
+        std::ifstream in(path);
+        text_.assign(std::istreambuf_iterator<char>(in), {});
+        std::string const mark = "<!-- figures -->\n";
+        begin_ = text_.find(mark);
+        if (begin_ != std::string::npos) begin_ += mark.size();
+        end_ = text_.find(mark, begin_);
+        if (end_ == std::string::npos) throw std::invalid_argument(path + " has no place for figures");
+    }
+    void Fill(std::string const& figures) {
+        text_.replace(begin_, end_ - begin_, figures);
+        std::ofstream out(path_);
+        if (!(out << text_).flush()) throw std::runtime_error("cannot write " + path_);
+    }
+
+private:
+    std::string path_;
+    std::string text_;
+    std::size_t begin_, end_;
+};
+
 int RunAll(Options const& options, std::vector<Row const*> const& rows) {
     std::ofstream json;  // opened first: a path that cannot be written must not cost a whole run
     if (!options.json.empty()) {
         json.open(options.json);
         if (!json) throw std::invalid_argument("cannot write " + options.json);
     }
+    std::optional<Page> page;
+    if (!options.page.empty()) page.emplace(options.page);
     Machine const machine = PrepareMachine(options.threads);
     Table table(std::cout, rows);
     table.Head(machine);
@@ -108,6 +141,11 @@ int RunAll(Options const& options, std::vector<Row const*> const& rows) {
     if (json.is_open()) {
         WriteJson(json, machine, results);
         if (!json.flush()) throw std::runtime_error("cannot write " + options.json);
+    }
+    if (page) {
+        std::ostringstream figures;
+        WriteMarkdown(figures, machine, results);
+        page->Fill(figures.str());
     }
     return failed ? 1 : 0;
 }

@@ -19,4 +19,4 @@ if(type STREQUAL "SHARED_LIBRARY")
 endif()
 add_custom_command(TARGET zpa POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${zpa_runtime} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-install(FILES ${zpa_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${zpa_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)

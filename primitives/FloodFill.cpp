@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "primitives/PixelBits.h"
 
@@ -31,126 +32,145 @@ std::uint64_t SpreadAlongRuns(std::uint64_t start, std::uint64_t open) {
 
 constexpr std::uint64_t kLastBit = std::uint64_t{1} << 63;
 
-// What a fill keeps of each 64 pixels.
-struct Word {
-    std::uint64_t open;     // of the wanted value, and not reached yet
-    std::uint64_t filled;   // reached
-    std::uint64_t pending;  // of `open`, those from which the fill goes on
+// A word of the image.
+struct Place {
+    std::int32_t y;
+    std::int32_t word;
 };
 
-// The working buffer, cut into its parts: words, the stack of words that have pending pixels, and for each
-// row whether its words have been made.
+// The working buffer, cut into its parts: two rows of words for each row of the image, the stack of places
+// that have pending pixels, and for each row whether its words have been made.
 struct Parts {
     std::ptrdiff_t words, stack, rows, all;
     explicit Parts(Size size) {
         std::ptrdiff_t const count = WordsOf(size.width) * size.height;
         words = 0;
-        stack = words + count * static_cast<std::ptrdiff_t>(sizeof(Word));
-        rows = stack + count * static_cast<std::ptrdiff_t>(sizeof(std::ptrdiff_t));
-        all = rows + size.height + static_cast<std::ptrdiff_t>(alignof(Word));
+        stack = words + 2 * count * static_cast<std::ptrdiff_t>(sizeof(std::uint64_t));
+        rows = stack + count * static_cast<std::ptrdiff_t>(sizeof(Place));
+        all = rows + size.height + kAlignment;
     }
+    static constexpr std::ptrdiff_t kAlignment = alignof(std::uint64_t);
 };
 
-template <typename T> class Fill {
+// A search from its starting pixels through all that are open and connected with them. find(y, bits) sets the
+// bits of a row's pixels that are open, and clears the others; it is called for rows that the search reaches.
+template <typename Find> class Fill {
 public:
-    Fill(Rows<T> image, Size size, T wanted, bool eightNeighbours, void* buffer)
-        : image_(image),
-          size_(size),
-          wanted_(wanted),
-          eightNeighbours_(eightNeighbours),
-          wordsPerRow_(WordsOf(size.width)) {
+    Fill(Find const& find, Size size, bool eightNeighbours, void* buffer)
+        : find_(find), size_(size), eightNeighbours_(eightNeighbours), wordsPerRow_(WordsOf(size.width)) {
         Parts const parts(size);
         auto const address = reinterpret_cast<std::uintptr_t>(buffer);
-        unsigned char* const start = static_cast<unsigned char*>(buffer) + (-address & (alignof(Word) - 1));
-        words_ = reinterpret_cast<Word*>(start + parts.words);
-        stack_ = reinterpret_cast<std::ptrdiff_t*>(start + parts.stack);
+        unsigned char* const start =
+            static_cast<unsigned char*>(buffer) + (-address & (Parts::kAlignment - 1));
+        words_ = reinterpret_cast<std::uint64_t*>(start + parts.words);
+        stack_ = reinterpret_cast<Place*>(start + parts.stack);
         made_ = start + parts.rows;
         std::memset(made_, 0, static_cast<std::size_t>(size.height));
     }
 
-    // Pixels of another value start nothing.
-    void Start(std::ptrdiff_t x, std::ptrdiff_t y) { Reach(y, x / 64, std::uint64_t{1} << (x % 64)); }
-    void StartRow(std::ptrdiff_t y) {
-        for (std::ptrdiff_t word = 0; word < wordsPerRow_; ++word) Reach(y, word, ~std::uint64_t{0});
+    void RunFrom(int x, int y) {
+        Start(x, y);
+        Run();
     }
 
-    void Run() {
-        while (depth_ > 0) {
-            std::ptrdiff_t const index = stack_[--depth_];
-            Spread(index / wordsPerRow_, index % wordsPerRow_);
+    // Reaches all rows.
+    void RunFromBorder() {
+        for (int word = 0; word < wordsPerRow_; ++word) {
+            Reach(0, word, ~std::uint64_t{0});
+            Reach(size_.height - 1, word, ~std::uint64_t{0});
         }
+        for (int y = 0; y < size_.height; ++y) {
+            Start(0, y);
+            Start(size_.width - 1, y);
+        }
+        Run();
     }
 
-    void Write(T value) {
-        std::uint64_t bits[kChunk];
-        for (std::ptrdiff_t y = 0; y < size_.height; ++y) {
-            if (!made_[y]) continue;
-            for (std::ptrdiff_t first = 0; first < wordsPerRow_; first += kChunk) {
-                std::ptrdiff_t const count = std::min(wordsPerRow_ - first, kChunk);
-                for (std::ptrdiff_t i = 0; i < count; ++i) bits[i] = At(y, first + i).filled;
-                std::ptrdiff_t const width = std::min<std::ptrdiff_t>(size_.width - first * 64, count * 64);
-                SetWhere(image_[y] + first * 64, width, value, bits);
-            }
-        }
+    // Calls use(y, bits) for every row that was reached, with the open pixels that were not.
+    template <typename Use> void ForUnreached(Use const& use) {
+        for (int y = 0; y < size_.height; ++y)
+            if (made_[y]) use(y, Open(y));
+    }
+
+    // The same with the pixels that were reached. They are found again, for that is faster than to keep them.
+    template <typename Use> void ForReached(Use const& use) {
+        ForUnreached([&](int y, std::uint64_t const* unreached) {
+            std::uint64_t* const bits = Pending(y);  // none is pending any more
+            find_(y, bits);
+            for (std::ptrdiff_t i = 0; i < wordsPerRow_; ++i) bits[i] &= ~unreached[i];
+            use(y, bits);
+        });
     }
 
 private:
-    static constexpr std::ptrdiff_t kChunk = 64;
+    // Pixels that were not reached yet.
+    std::uint64_t* Open(std::ptrdiff_t y) { return words_ + 2 * y * wordsPerRow_; }
+    // Of those, the ones from which the fill goes on.
+    std::uint64_t* Pending(std::ptrdiff_t y) { return Open(y) + wordsPerRow_; }
 
-    Word& At(std::ptrdiff_t y, std::ptrdiff_t word) { return words_[y * wordsPerRow_ + word]; }
-
-    void Make(std::ptrdiff_t y) {
+    void Make(int y) {
         made_[y] = 1;
-        std::uint64_t bits[kChunk];
-        for (std::ptrdiff_t first = 0; first < wordsPerRow_; first += kChunk) {
-            std::ptrdiff_t const count = std::min(wordsPerRow_ - first, kChunk);
-            std::ptrdiff_t const width = std::min<std::ptrdiff_t>(size_.width - first * 64, count * 64);
-            FindEqual(image_[y] + first * 64, width, wanted_, bits);
-            for (std::ptrdiff_t i = 0; i < count; ++i) At(y, first + i) = {bits[i], 0, 0};
-        }
+        find_(y, Open(y));
+        std::fill_n(Pending(y), wordsPerRow_, 0);
     }
+
+    // Pixels that are not open start nothing.
+    void Start(int x, int y) { Reach(y, x / 64, std::uint64_t{1} << (x % 64)); }
 
     // The fill comes to these pixels, from a neighbour or from outside.
-    void Reach(std::ptrdiff_t y, std::ptrdiff_t word, std::uint64_t bits) {
+    void Reach(int y, int word, std::uint64_t bits) {
         if (!made_[y]) Make(y);
-        Word& here = At(y, word);
-        bits &= here.open;
+        bits &= Open(y)[word];
         if (bits == 0) return;
+        std::uint64_t& pending = Pending(y)[word];
         // A word with pending pixels stands on the stack already, so the stack never outgrows the words.
-        if (here.pending == 0) stack_[depth_++] = y * wordsPerRow_ + word;
-        here.pending |= bits;
+        if (pending == 0) stack_[depth_++] = {y, word};
+        pending |= bits;
     }
 
-    void Spread(std::ptrdiff_t y, std::ptrdiff_t word) {
-        Word& here = At(y, word);
-        std::uint64_t const reached = SpreadAlongRuns(here.pending, here.open);
-        here.pending = 0;
-        here.open &= ~reached;
-        here.filled |= reached;
+    void Run() {
+        while (depth_ > 0) Spread(stack_[--depth_]);
+    }
 
-        bool const fromFirst = (reached & 1) != 0 && word > 0;
-        bool const fromLast = (reached & kLastBit) != 0 && word + 1 < wordsPerRow_;
-        if (fromFirst) Reach(y, word - 1, kLastBit);
-        if (fromLast) Reach(y, word + 1, 1);
+    void Spread(Place at) {
+        std::uint64_t& open = Open(at.y)[at.word];
+        std::uint64_t& pending = Pending(at.y)[at.word];
+        std::uint64_t const reached = SpreadAlongRuns(pending, open);
+        pending = 0;
+        open &= ~reached;
+
+        bool const fromFirst = (reached & 1) != 0 && at.word > 0;
+        bool const fromLast = (reached & kLastBit) != 0 && at.word + 1 < wordsPerRow_;
+        if (fromFirst) Reach(at.y, at.word - 1, kLastBit);
+        if (fromLast) Reach(at.y, at.word + 1, 1);
         std::uint64_t const beside = eightNeighbours_ ? reached | reached << 1 | reached >> 1 : reached;
-        for (std::ptrdiff_t const row : {y - 1, y + 1}) {
-            if (row < 0 || row >= size_.height) continue;
-            Reach(row, word, beside);
-            if (eightNeighbours_ && fromFirst) Reach(row, word - 1, kLastBit);
-            if (eightNeighbours_ && fromLast) Reach(row, word + 1, 1);
+        for (int const y : {at.y - 1, at.y + 1}) {
+            if (y < 0 || y >= size_.height) continue;
+            Reach(y, at.word, beside);
+            if (eightNeighbours_ && fromFirst) Reach(y, at.word - 1, kLastBit);
+            if (eightNeighbours_ && fromLast) Reach(y, at.word + 1, 1);
         }
     }
 
-    Rows<T> image_;
+    Find find_;
     Size size_;
-    T wanted_;
     bool eightNeighbours_;
     std::ptrdiff_t wordsPerRow_;
-    Word* words_;
-    std::ptrdiff_t* stack_;
+    std::uint64_t* words_;
+    Place* stack_;
     unsigned char* made_;
     std::ptrdiff_t depth_ = 0;
 };
+
+// Finds the pixels of one value.
+template <typename T> auto Equals(Rows<T> const& image, Size size, T value) {
+    return [=](int y, std::uint64_t* bits) { FindEqual(image[y], size.width, value, bits); };
+}
+
+// Gives pixels a value.
+template <typename T> auto Sets(Rows<T> const& image, Size size, T value) {
+    return [=](int y, std::uint64_t const* bits) { SetWhere(image[y], size.width, value, bits); };
+}
 
 template <typename T>
 Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int seedY, T value,
@@ -161,10 +181,9 @@ Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int see
     Rows<T> const rows{image, step};
     T const wanted = rows[seedY][seedX];
     if (wanted == value) return kDone;
-    Fill<T> fill(rows, size, wanted, eightNeighbours, buffer);
-    fill.Start(seedX, seedY);
-    fill.Run();
-    fill.Write(value);
+    Fill fill(Equals(rows, size, wanted), size, eightNeighbours, buffer);
+    fill.RunFrom(seedX, seedY);
+    fill.ForReached(Sets(rows, size, value));
     return kDone;
 }
 
@@ -174,16 +193,32 @@ Status FillFromBorder(T* image, std::ptrdiff_t step, Size size, T background, T 
     if (!image || !buffer) return kNullPointer;
     if (size.width < 1 || size.height < 1) return kBadSize;
     if (background == value) return kDone;
-    Fill<T> fill({image, step}, size, background, eightNeighbours, buffer);
-    fill.StartRow(0);
-    fill.StartRow(size.height - 1);
-    for (std::ptrdiff_t y = 0; y < size.height; ++y) {
-        fill.Start(0, y);
-        fill.Start(size.width - 1, y);
-    }
-    fill.Run();
-    fill.Write(value);
+    Rows<T> const rows{image, step};
+    Fill fill(Equals(rows, size, background), size, eightNeighbours, buffer);
+    fill.RunFromBorder();
+    fill.ForReached(Sets(rows, size, value));
     return kDone;
+}
+
+template <typename T>
+Status FillHolesOf(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+    if (!image || !buffer) return kNullPointer;
+    if (size.width < 1 || size.height < 1) return kBadSize;
+    Rows<T> const rows{image, step};
+    constexpr T kMarker = std::numeric_limits<T>::max();
+    bool anyMarker = false;
+    auto const findZeros = [&](int y, std::uint64_t* bits) {
+        anyMarker |= FindZeros(rows[y], size.width, bits);
+    };
+    Fill outside(findZeros, size, eightNeighbours, buffer);
+    outside.RunFromBorder();
+    auto const close = [&](int y, std::uint64_t const* bits) { SetToPixelBefore(rows[y], size.width, bits); };
+    outside.ForUnreached(close);
+    if (!anyMarker) return kDone;
+
+    // Foreground of the marker's value connects with the outside once that is marked.
+    outside.ForReached(Sets(rows, size, kMarker));
+    return FillFromBorder(image, step, size, kMarker, T{0}, eightNeighbours, buffer);
 }
 
 }  // namespace
@@ -209,6 +244,10 @@ Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept {
     Status FloodFillFromBorder(T* image, std::ptrdiff_t step, Size size, T background, T value,        \
                                bool eightNeighbours, void* buffer) noexcept {                          \
         return FillFromBorder(image, step, size, background, value, eightNeighbours, buffer);          \
+    }                                                                                                  \
+    Status FloodHoles(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours,                  \
+                      void* buffer) noexcept {                                                         \
+        return FillHolesOf(image, step, size, eightNeighbours, buffer);                                \
     }
 ZPA_FILL(std::uint8_t)
 ZPA_FILL(std::uint16_t)

@@ -6,7 +6,7 @@
 
 namespace ZPA {
 
-// Bytes of the working buffer for an image of a size: about half a byte a pixel.
+// Bytes of the working buffer for an image of a size: three eighths of a byte a pixel.
 Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept;
 
 // Replace the pixel at the seed, and those of its value that are connected with it, by `value`. The buffer
@@ -26,6 +26,14 @@ Status FloodFillFromBorder(std::uint8_t* image, std::ptrdiff_t step, Size size, 
                            std::uint8_t value, bool eightNeighbours, void* buffer) noexcept;
 Status FloodFillFromBorder(std::uint16_t* image, std::ptrdiff_t step, Size size, std::uint16_t background,
                            std::uint16_t value, bool eightNeighbours, void* buffer) noexcept;
+
+// Closes holes, which are zeros that no path of zeros connects with the border: each takes the value of the
+// pixel before it in its row. Then pixels of the type's largest value that the border reaches through such
+// pixels and through the zeros outside are cleared.
+Status FloodHoles(std::uint8_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
+                  void* buffer) noexcept;
+Status FloodHoles(std::uint16_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
+                  void* buffer) noexcept;
 
 }  // namespace ZPA
 

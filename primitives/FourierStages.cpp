@@ -56,31 +56,31 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 template <class V> struct Points { V re, im; };
 
-template <class V> Points<V> operator+(Points<V> a, Points<V> b) {
+template <class V> HWY_INLINE Points<V> operator+(Points<V> a, Points<V> b) {
     return {hn::Add(a.re, b.re), hn::Add(a.im, b.im)};
 }
-template <class V> Points<V> operator-(Points<V> a, Points<V> b) {
+template <class V> HWY_INLINE Points<V> operator-(Points<V> a, Points<V> b) {
     return {hn::Sub(a.re, b.re), hn::Sub(a.im, b.im)};
 }
-template <class V> Points<V> operator*(Points<V> a, Points<V> b) {
+template <class V> HWY_INLINE Points<V> operator*(Points<V> a, Points<V> b) {
     return {hn::Sub(hn::Mul(a.re, b.re), hn::Mul(a.im, b.im)),
             hn::Add(hn::Mul(a.re, b.im), hn::Mul(a.im, b.re))};
 }
 // a + i b and a - i b
-template <class V> Points<V> PlusTurned(Points<V> a, Points<V> b) {
+template <class V> HWY_INLINE Points<V> PlusTurned(Points<V> a, Points<V> b) {
     return {hn::Sub(a.re, b.im), hn::Add(a.im, b.re)};
 }
-template <class V> Points<V> MinusTurned(Points<V> a, Points<V> b) {
+template <class V> HWY_INLINE Points<V> MinusTurned(Points<V> a, Points<V> b) {
     return {hn::Add(a.re, b.im), hn::Sub(a.im, b.re)};
 }
 
-template <class V> void Butterfly(Points<V> (&a)[2]) {
+template <class V> HWY_INLINE void Butterfly(Points<V> (&a)[2]) {
     Points<V> const sum = a[0] + a[1];
     a[1] = a[0] - a[1];
     a[0] = sum;
 }
 
-template <class V> void Butterfly(Points<V> (&a)[4]) {
+template <class V> HWY_INLINE void Butterfly(Points<V> (&a)[4]) {
     Points<V> const even = a[0] + a[2], evenOdd = a[0] - a[2], odd = a[1] + a[3], oddOdd = a[1] - a[3];
     a[0] = even + odd;
     a[1] = PlusTurned(evenOdd, oddOdd);
@@ -88,7 +88,7 @@ template <class V> void Butterfly(Points<V> (&a)[4]) {
     a[3] = MinusTurned(evenOdd, oddOdd);
 }
 
-template <class V> void Butterfly(Points<V> (&a)[8]) {
+template <class V> HWY_INLINE void Butterfly(Points<V> (&a)[8]) {
     hn::DFromV<V> const d;
     Points<V> even[4] = {a[0], a[2], a[4], a[6]};
     Points<V> odd[4] = {a[1], a[3], a[5], a[7]};

@@ -8,6 +8,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/RecursiveGaussian.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
@@ -23,6 +24,7 @@ struct Lanes {
 
 // Neighbouring lines of an image, lane j being line firstLine + j, and the rows that any of them crosses.
 struct Strip {
+    Of of;  // without a slant only
     double const* source;
     double* destination;
     std::ptrdiff_t sourceStride, destinationStride, width;
@@ -43,6 +45,7 @@ struct Strip {
         std::ptrdiff_t const x = Column(y) + j;
         double const* const pixel = source + y * sourceStride + x;
         double const fraction = Fraction(y);
+        if (of == Of::kSquares) return pixel[0] * pixel[0];
         if (fraction == 0 || x + 1 >= width) return pixel[0];
         return (1 - fraction) * pixel[0] + fraction * pixel[1];
     }
@@ -107,11 +110,20 @@ HWY_INLINE V Between(double const* one, double const* other, double fraction) {
                    hn::Mul(hn::Set(d, fraction), hn::LoadU(d, other)));
 }
 
+// Rows of a wide image lie on pages of their own: nothing but this sends for what comes next.
+HWY_INLINE void SendForRow(Strip const& strip, std::ptrdiff_t y) {
+    if (y >= strip.firstRow + strip.rows) return;
+    double const* const pixels = strip.source + y * strip.sourceStride + strip.Column(y);
+    Lanes const inside = strip.Inside(y);
+    for (std::ptrdiff_t j = inside.low; j < inside.high; j += 8) hwy::Prefetch(pixels + j);
+}
+
 // Before a line's first element stands what a constant would have given.
 void Forward(RecursiveGaussianCoefficients const& weights, Strip const& strip) {
     Doubles const d;
     Lanes before = kNoLanes;
     for (std::ptrdiff_t y = strip.firstRow; y < strip.firstRow + strip.rows; ++y) {
+        SendForRow(strip, y + 4);
         Lanes const now = strip.Inside(y);
         double* const row = strip.Row(y);
         ForEachBeyond(now, before, [&](std::ptrdiff_t j) {
@@ -122,6 +134,14 @@ void Forward(RecursiveGaussianCoefficients const& weights, Strip const& strip) {
         double const* const pixels = strip.source + y * strip.sourceStride + strip.Column(y);
         double const fraction = strip.Fraction(y);
         auto const sample = [&](std::ptrdiff_t j) { return strip.Sample(y, j); };
+        if (strip.of == Of::kSquares) {
+            auto const squares = [&](std::ptrdiff_t j) {
+                V const loaded = hn::LoadU(d, pixels + j);
+                return hn::Mul(loaded, loaded);
+            };
+            Recur(weights, row, -strip.lines, now, squares, sample);
+            continue;
+        }
         if (fraction == 0) {
             Recur(
                 weights, row, -strip.lines, now, [&](std::ptrdiff_t j) { return hn::LoadU(d, pixels + j); },
@@ -214,8 +234,8 @@ std::ptrdiff_t LinesAtOnce(std::ptrdiff_t length, std::ptrdiff_t elementsEach) {
 std::ptrdiff_t ColumnsAtOnce(Size size) {
     return std::min<std::ptrdiff_t>(LinesAtOnce(size.height, 1), size.width);
 }
-std::ptrdiff_t RowsAtOnce(Size size) {
-    return std::min<std::ptrdiff_t>(LinesAtOnce(size.width, 2), size.height);
+int RowsAtOnce(Size size) {
+    return static_cast<int>(std::min<std::ptrdiff_t>(LinesAtOnce(size.width, 2), size.height));
 }
 
 std::uint64_t* Bits(double* elements) { return reinterpret_cast<std::uint64_t*>(elements); }
@@ -260,13 +280,13 @@ std::uint64_t RecursiveGaussianWork(Size size) {
                     (2 * width + 5) * static_cast<std::uint64_t>(RowsAtOnce(size)));
 }
 
-void SmoothColumns(RecursiveGaussianCoefficients const& weights, double const* source, double* destination,
-                   std::ptrdiff_t stride, Size size, double* work) {
+void SmoothColumns(RecursiveGaussianCoefficients const& weights, Of of, double const* source,
+                   double* destination, std::ptrdiff_t stride, Size size, double* work) {
     for (std::ptrdiff_t x = 0; x < size.width; x += ColumnsAtOnce(size)) {
         std::ptrdiff_t const lines = std::min<std::ptrdiff_t>(ColumnsAtOnce(size), size.width - x);
         HWY_DYNAMIC_DISPATCH(Run)
         (weights,
-         {source, destination, stride, stride, size.width, {}, x, lines, 0, size.height, work, nullptr});
+         {of, source, destination, stride, stride, size.width, {}, x, lines, 0, size.height, work, nullptr});
     }
 }
 
@@ -291,19 +311,19 @@ void SmoothSlant(RecursiveGaussianCoefficients const& weights, Slant const& slan
         auto const to =
             growing ? std::partition_point(from, end, isLeft) : std::partition_point(from, end, hasCome);
         HWY_DYNAMIC_DISPATCH(Run)
-        (weights, {source, destination, stride, stride, size.width, slant, line, lines, from - first,
-                   to - from, work, left});
+        (weights, {Of::kPixels, source, destination, stride, stride, size.width, slant, line, lines,
+                   from - first, to - from, work, left});
     }
 }
 
 void SmoothRows(RecursiveGaussianCoefficients const& weights, double const* source, double* destination,
                 std::ptrdiff_t stride, Size size, double* work) {
     for (int y = 0; y < size.height;) {
-        int const rows = static_cast<int>(std::min<std::ptrdiff_t>(RowsAtOnce(size), size.height - y));
+        int const rows = std::min(RowsAtOnce(size), size.height - y);
         double* const turned = work + (std::ptrdiff_t{size.width} + 5) * rows;
         Transpose(Bits(source + y * stride), stride, Bits(turned), rows, {size.width, rows});
         HWY_DYNAMIC_DISPATCH(Run)
-        (weights, {turned, turned, rows, rows, rows, {}, 0, rows, 0, size.width, work, nullptr});
+        (weights, {Of::kPixels, turned, turned, rows, rows, rows, {}, 0, rows, 0, size.width, work, nullptr});
         Transpose(Bits(turned), rows, Bits(destination + y * stride), stride, {rows, size.width});
         y += rows;
     }

@@ -28,14 +28,17 @@ struct Slant {
     double const* fraction;
 };
 
+// What is filtered: the pixels as they are, or each multiplied by itself.
+enum class Of { kPixels, kSquares };
+
 // Elements of the work memory that the functions need for an image of this size, above 0.
 std::uint64_t RecursiveGaussianWork(Size size);
 
 // Rows of source and destination are `stride` elements apart; `destination` may be `source`.
 
 // Filters the columns.
-void SmoothColumns(RecursiveGaussianCoefficients const& weights, double const* source, double* destination,
-                   std::ptrdiff_t stride, Size size, double* work);
+void SmoothColumns(RecursiveGaussianCoefficients const& weights, Of of, double const* source,
+                   double* destination, std::ptrdiff_t stride, Size size, double* work);
 
 // Filters along slanting lines: pixels are interpolated on them, and the results interpolated from them.
 void SmoothSlant(RecursiveGaussianCoefficients const& weights, Slant const& slant, double const* source,

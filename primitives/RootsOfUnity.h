@@ -93,10 +93,13 @@ public:
         return power;
     }
 
-private:
+    // The first powers are at hand, kBase of them or as many as there are.
     static constexpr int kDigitBits = 5;
     static constexpr int kBase = 1 << kDigitBits;
+    double const* FirstRe() const { return re_[0]; }
+    double const* FirstIm() const { return im_[0]; }
 
+private:
     std::uint64_t mask_;
     int digits_ = 0;
     double re_[7][kBase], im_[7][kBase];

@@ -58,13 +58,12 @@ HWY_INLINE void ForPoints(std::ptrdiff_t first, std::ptrdiff_t end, Work const& 
 // The odd samples lie half a step further, and so are turned by the root of order 2n.
 template <typename T> void Combine(T* points, std::ptrdiff_t n, bool inverse) {
     if (n < 4) return;  // points 0 and n / 2 have no partner
-    constexpr std::ptrdiff_t kLargestBlock = 32;
+    constexpr std::ptrdiff_t kLargestBlock = RootsOfUnity::kBase;
     std::ptrdiff_t const size = std::min(kLargestBlock, n / 2);
     int logOrder = 3;
     while (std::ptrdiff_t{1} << logOrder < 2 * n) ++logOrder;
     RootsOfUnity const powers(logOrder);
-    double fineRe[kLargestBlock], fineIm[kLargestBlock];
-    FillPowers(logOrder, fineRe, fineIm, size);
+    double const *const fineRe = powers.FirstRe(), *const fineIm = powers.FirstIm();
 
     T const sign = inverse ? T{-1} : T{1};
     for (std::ptrdiff_t block = 0; block < n / 2; block += size) {
@@ -130,16 +129,13 @@ template <typename T> void SeparateTwo(T* points, T* b, std::ptrdiff_t n) {
     });
 }
 
-template <typename T> void CorrelateTwo(T const* points, T scale, T* spectrum, std::ptrdiff_t n) {
-    T const nyquist = points[n] * points[n + 1] * scale;
-    spectrum[0] = points[0] * points[1] * scale;
-    spectrum[1] = nyquist;
-    ForPoints<T>(1, n / 2, [&](auto d, std::ptrdiff_t k) {
-        auto const two = TwoAt(d, points, k, n);
+template <typename T> void MultiplyConjugates(T* a, T const* b, T scale, std::ptrdiff_t n) {
+    ForPoints<T>(0, n, [&](auto d, std::ptrdiff_t k) {
+        auto const x = Load(d, a, k), y = Load(d, b, k);
         auto const factor = hn::Set(d, scale);
-        auto const re = hn::Add(hn::Mul(two.b.re, two.a.re), hn::Mul(two.b.im, two.a.im));
-        auto const im = hn::Sub(hn::Mul(two.b.im, two.a.re), hn::Mul(two.b.re, two.a.im));
-        Store(d, {hn::Mul(re, factor), hn::Mul(im, factor)}, spectrum, k);
+        auto const re = hn::Add(hn::Mul(x.re, y.re), hn::Mul(x.im, y.im));
+        auto const im = hn::Sub(hn::Mul(x.im, y.re), hn::Mul(x.re, y.im));
+        Store(d, {hn::Mul(re, factor), hn::Mul(im, factor)}, a, k);
     });
 }
 
@@ -166,9 +162,7 @@ void Multiply64f(double* a, double const* b, std::ptrdiff_t n) {
     void Split##name(T const* points, T* re, T* im, std::ptrdiff_t n) { Split(points, re, im, n); }     \
     void Separate##name(T* points, T* b, std::ptrdiff_t n) { SeparateTwo(points, b, n); }               \
     void AddTurned##name(T* a, T const* b, std::ptrdiff_t n) { AddTurnedPoints(a, b, n); }              \
-    void Correlate##name(T const* points, T scale, T* spectrum, std::ptrdiff_t n) {                     \
-        CorrelateTwo(points, scale, spectrum, n);                                                       \
-    }
+    void Conjugates##name(T* a, T const* b, T scale, std::ptrdiff_t n) { MultiplyConjugates(a, b, scale, n); }
 ZPA_KERNELS(32f, float)
 ZPA_KERNELS(64f, double)
 #undef ZPA_KERNELS
@@ -186,7 +180,7 @@ namespace ZPA {
     HWY_EXPORT(Split##name);                                                                                 \
     HWY_EXPORT(Separate##name);                                                                              \
     HWY_EXPORT(AddTurned##name);                                                                             \
-    HWY_EXPORT(Correlate##name);                                                                             \
+    HWY_EXPORT(Conjugates##name);                                                                            \
     void CombineHalves(T* points, std::ptrdiff_t n, bool inverse) {                                          \
         HWY_DYNAMIC_DISPATCH(Combine##name)(points, n, inverse);                                             \
     }                                                                                                        \
@@ -198,8 +192,8 @@ namespace ZPA {
     }                                                                                                        \
     void Separate(T* points, T* b, std::ptrdiff_t n) { HWY_DYNAMIC_DISPATCH(Separate##name)(points, b, n); } \
     void AddTurned(T* a, T const* b, std::ptrdiff_t n) { HWY_DYNAMIC_DISPATCH(AddTurned##name)(a, b, n); }   \
-    void Correlate(T const* points, T scale, T* spectrum, std::ptrdiff_t n) {                                \
-        HWY_DYNAMIC_DISPATCH(Correlate##name)(points, scale, spectrum, n);                                   \
+    void MultiplyByConjugates(T* a, T const* b, T scale, std::ptrdiff_t n) {                                 \
+        HWY_DYNAMIC_DISPATCH(Conjugates##name)(a, b, scale, n);                                              \
     }
 ZPA_EXPORTS(32f, float)
 ZPA_EXPORTS(64f, double)

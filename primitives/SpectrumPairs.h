@@ -28,14 +28,12 @@ void Separate(double* points, double* b, std::ptrdiff_t n);
 void AddTurned(float* a, float const* b, std::ptrdiff_t n);
 void AddTurned(double* a, double const* b, std::ptrdiff_t n);
 
-// From the transform of a + i b, as above, to the spectrum of their correlation: of `b` times the conjugate
-// of `a`, times `scale`. It has n / 2 points: 0 and n / 2, which are real, share the first one. At least 2
-// points.
-void Correlate(float const* points, float scale, float* spectrum, std::ptrdiff_t n);
-void Correlate(double const* points, double scale, double* spectrum, std::ptrdiff_t n);
-
 // a *= b
 void MultiplyPoints(double* a, double const* b, std::ptrdiff_t n);
+
+// a *= scale times the conjugates of b
+void MultiplyByConjugates(float* a, float const* b, float scale, std::ptrdiff_t n);
+void MultiplyByConjugates(double* a, double const* b, double scale, std::ptrdiff_t n);
 
 }  // namespace ZPA
 

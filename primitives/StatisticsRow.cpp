@@ -1,4 +1,4 @@
-// Measures of a row: the smallest and largest element, sums, and counts of a value.
+// Measures of a row: the smallest and largest element, and sums.
 #include "primitives/StatisticsRow.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -11,9 +11,7 @@
 #include <type_traits>
 
 #include "primitives/CopySelected.h"
-
-// Without vectors the plain loops do it all.
-#define ZPA_PLAIN_LOOPS (HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128)
+#include "primitives/SelectedLanes-inl.h"
 
 #ifndef ZPA_PRIMITIVES_STATISTICSROW_CPP  // once, not for every target
 #define ZPA_PRIMITIVES_STATISTICSROW_CPP
@@ -57,71 +55,7 @@ void AddSums(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, Integ
     }
 }
 
-template <typename T>
-void AddMatches(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, T value, Matches& matches) {
-    for (std::ptrdiff_t x = 0; x < count; ++x) {
-        if (mask && !mask[x]) continue;
-        ++matches.selected;
-        matches.equal += row[x] == value;
-    }
-}
-
 #if !ZPA_PLAIN_LOOPS
-
-// Which elements their mask bytes select.
-template <class D> hn::Mask<D> Selected(D d, std::uint8_t const* mask) {
-    hn::RebindToUnsigned<D> const bits;
-    if constexpr (sizeof(hn::TFromD<D>) == 1) {
-        return hn::RebindMask(d, hn::Ne(hn::LoadU(bits, mask), hn::Zero(bits)));
-    } else {
-        hn::Rebind<std::uint8_t, D> const bytes;
-        auto const wide = hn::PromoteTo(bits, hn::LoadU(bytes, mask));
-        return hn::RebindMask(d, hn::Ne(wide, hn::Zero(bits)));
-    }
-}
-
-template <class V> using DOf = hn::DFromV<V>;
-
-// Every second 8-bit lane, widened.
-template <class V> auto Even(V lanes) {
-    hn::RepartitionToWide<DOf<V>> const wide;
-    return hn::And(hn::BitCast(wide, lanes), hn::Set(wide, 255));
-}
-template <class V> auto Odd(V lanes) {
-    hn::RepartitionToWide<DOf<V>> const wide;
-    return hn::ShiftRight<8>(hn::BitCast(wide, lanes));
-}
-
-// Products of signed 16-bit lanes, those of neighbours added.
-template <class V> auto PairProducts(V a, V b) {
-    hn::RepartitionToWide<DOf<V>> const wide;
-    auto odd = hn::Zero(wide);
-    auto const even = hn::ReorderWidenMulAccumulate(wide, a, b, hn::Zero(wide), odd);
-    return hn::Add(even, odd);
-}
-
-// Unsigned 32-bit lanes, neighbours added.
-template <class V> auto PairSums(V lanes) {
-    hn::RepartitionToWide<DOf<V>> const wide;
-    auto const both = hn::BitCast(wide, lanes);
-    return hn::Add(hn::And(both, hn::Set(wide, 0xFFFFFFFFu)), hn::ShiftRight<32>(both));
-}
-
-// The sum of all lanes of 64 bits, and of signed lanes of 32 and 16.
-template <class V> std::int64_t Total(V lanes) {
-    using D = DOf<V>;
-    if constexpr (sizeof(hn::TFromD<D>) == 2) {
-        return Total(PairProducts(lanes, hn::Set(D(), 1)));
-    } else if constexpr (sizeof(hn::TFromD<D>) == 4) {
-        hn::RepartitionToWide<D> const wide;
-        auto const both = hn::BitCast(wide, lanes);
-        auto const even =
-            hn::BitCast(wide, hn::ShiftLeft<32>(hn::BitCast(hn::RebindToUnsigned<decltype(wide)>(), lanes)));
-        return Total(hn::Add(hn::ShiftRight<32>(even), hn::ShiftRight<32>(both)));
-    } else {
-        return static_cast<std::int64_t>(hn::GetLane(hn::SumOfLanes(D(), lanes)));
-    }
-}
 
 // The smallest and largest lanes so far.
 template <class D> class RangeLanes {
@@ -296,37 +230,6 @@ std::ptrdiff_t MeasureVectors(T const* row, [[maybe_unused]] std::uint8_t const*
     return x;
 }
 
-template <typename T>
-std::ptrdiff_t MatchVectors(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, T value,
-                            Matches& matches) {
-    hn::ScalableTag<T> const d;
-    hn::Repartition<std::uint8_t, decltype(d)> const bytes;
-    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
-    auto const values = hn::Set(d, value);
-    auto const ones = [&](auto matching) { return hn::BitCast(bytes, hn::VecFromMask(d, matching)); };
-    std::ptrdiff_t x = 0;
-    while (x + lanes <= count) {
-        // Each byte of a lane counts: no more than a byte holds.
-        std::ptrdiff_t const last = std::min(count, x + 255 * lanes) - lanes;
-        std::ptrdiff_t const start = x;
-        auto equal = hn::Zero(bytes), chosen = hn::Zero(bytes);
-        if (mask) {
-            for (; x <= last; x += lanes) {
-                auto const selected = Selected(d, mask + x);
-                auto const matching = hn::And(selected, hn::Eq(hn::LoadU(d, row + x), values));
-                equal = hn::Sub(equal, ones(matching));
-                chosen = hn::Sub(chosen, ones(selected));
-            }
-            matches.selected += Total(hn::SumsOf8(chosen)) / std::int64_t{sizeof(T)};
-        } else {
-            for (; x <= last; x += lanes) equal = hn::Sub(equal, ones(hn::Eq(hn::LoadU(d, row + x), values)));
-            matches.selected += x - start;
-        }
-        matches.equal += Total(hn::SumsOf8(equal)) / std::int64_t{sizeof(T)};
-    }
-    return x;
-}
-
 #endif
 
 template <Measure kWhat, typename T>
@@ -370,36 +273,10 @@ template <typename T> void RangeOfFloats(T const* row, std::ptrdiff_t count, T& 
     WidenRange(row + x, nullptr, count - x, smallest, largest);
 }
 
-template <typename T>
-Matches MatchesOf(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, T value) {
-    Matches matches{0, 0};
-    std::ptrdiff_t x = 0;
-#if !ZPA_PLAIN_LOOPS
-    x = MatchVectors(row, mask, count, value, matches);
-#endif
-    AddMatches(row + x, mask ? mask + x : nullptr, count - x, value, matches);
-    return matches;
-}
-
-// Compiled for each target, this becomes vectors by itself.
-template <typename T>
-void MatchColumns(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value,
-                  std::uint32_t* equal, std::uint32_t* other) {
-    for (std::ptrdiff_t x = 0; x < count; ++x) {
-        bool const selected = !mask || mask[x] != 0;
-        bool const matching = row[x] == value;
-        equal[x] += selected && matching;
-        other[x] += selected && !matching;
-    }
-}
-
 #define ZPA_KERNELS(name, T)                                                                              \
     IntegerSums Measure##name(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, Measure what, \
                               T& smallest, T& largest) {                                                  \
         return MeasureAny(row, mask, count, what, smallest, largest);                                     \
-    }                                                                                                     \
-    Matches Match##name(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, T value) {          \
-        return MatchesOf(row, mask, count, value);                                                        \
     }
 ZPA_KERNELS(8u, std::uint8_t)
 ZPA_KERNELS(16s, std::int16_t)
@@ -412,15 +289,6 @@ ZPA_KERNELS(16u, std::uint16_t)
     }
 ZPA_KERNEL(32f, float)
 ZPA_KERNEL(64f, double)
-#undef ZPA_KERNEL
-
-#define ZPA_KERNEL(name, T)                                                                          \
-    void MatchColumns##name(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value, \
-                            std::uint32_t* equal, std::uint32_t* other) {                            \
-        MatchColumns(row, mask, count, value, equal, other);                                         \
-    }
-ZPA_KERNEL(8u, std::uint8_t)
-ZPA_KERNEL(16u, std::uint16_t)
 #undef ZPA_KERNEL
 
 }  // namespace
@@ -517,29 +385,6 @@ ZPA_INSTANTIATE(std::uint16_t)
 ZPA_INSTANTIATE(float)
 ZPA_INSTANTIATE(double)
 #undef ZPA_INSTANTIATE
-
-#define ZPA_EXPORT(name, T)                                                                                 \
-    HWY_EXPORT(Match##name);                                                                                \
-    Matches CountMatches(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value) {         \
-        bool const possible =                                                                               \
-            value >= std::numeric_limits<T>::min() && value <= std::numeric_limits<T>::max();               \
-        Matches const matches = HWY_DYNAMIC_DISPATCH(Match##name)(row, mask, count, static_cast<T>(value)); \
-        return {possible ? matches.equal : 0, matches.selected};                                            \
-    }
-ZPA_EXPORT(8u, std::uint8_t)
-ZPA_EXPORT(16s, std::int16_t)
-ZPA_EXPORT(16u, std::uint16_t)
-#undef ZPA_EXPORT
-
-#define ZPA_EXPORT(name, T)                                                                            \
-    HWY_EXPORT(MatchColumns##name);                                                                    \
-    void CountMatchesByColumn(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value, \
-                              std::uint32_t* equal, std::uint32_t* other) {                            \
-        HWY_DYNAMIC_DISPATCH(MatchColumns##name)(row, mask, count, value, equal, other);               \
-    }
-ZPA_EXPORT(8u, std::uint8_t)
-ZPA_EXPORT(16u, std::uint16_t)
-#undef ZPA_EXPORT
 
 }  // namespace ZPA
 #endif

@@ -1,5 +1,5 @@
-// Row kernels that measure: the smallest and largest element, sums, and counts of a value. Each works on one
-// row, on the caller's thread.
+// Row kernels that measure: the smallest and largest element, and sums. Each works on one row, on the caller's
+// thread.
 #ifndef ZPA_PRIMITIVES_STATISTICSROW_H
 #define ZPA_PRIMITIVES_STATISTICSROW_H
 
@@ -30,24 +30,6 @@ enum class Measure { kRange, kSums, kRangeAndSums };
 template <typename T>
 void AddToStatistics(T const* row, std::uint8_t const* mask, std::ptrdiff_t count, Measure what,
                      Statistics<T>& statistics);
-
-// How many elements a mask selects, and how many of these have a value.
-struct Matches {
-    std::int64_t equal;
-    std::int64_t selected;
-};
-
-// Without a mask all are selected. A value that no element can have is never matched.
-Matches CountMatches(std::uint8_t const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value);
-Matches CountMatches(std::int16_t const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value);
-Matches CountMatches(std::uint16_t const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value);
-
-// The same column by column: adds 1 to equal[x] where a selected row[x] has the value, and to other[x] where
-// it has not. The counts may be the same memory.
-void CountMatchesByColumn(std::uint8_t const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value,
-                          std::uint32_t* equal, std::uint32_t* other);
-void CountMatchesByColumn(std::uint16_t const* row, std::uint8_t const* mask, std::ptrdiff_t count, int value,
-                          std::uint32_t* equal, std::uint32_t* other);
 
 }  // namespace ZPA
 

@@ -5,6 +5,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/Transpose.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
@@ -17,6 +18,13 @@ namespace hn = hwy::HWY_NAMESPACE;
 template <typename T> constexpr std::ptrdiff_t kColumns = std::min<std::ptrdiff_t>(64 / sizeof(T), 16);
 // And over so many rows: the processor keeps track of their pages.
 constexpr std::ptrdiff_t kRows = 512;
+
+// A destination that a common second cache does not hold is written past the caches, in half the time. Bytes
+// would need too many registers for a whole line.
+template <typename T> constexpr bool kStreams = sizeof(T) > 1;
+constexpr std::ptrdiff_t kLeastStreamedBytes = 2 * 1024 * 1024;
+// Over fewer rows, so that what is written next lies close by.
+constexpr std::ptrdiff_t kStreamedRows = 32;
 
 template <typename T>
 void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
@@ -49,27 +57,70 @@ template <typename T> HWY_INLINE void TurnBlocks(hn::Vec<Square<T>>* rows) {
     }
 }
 
+// Leaves the columns of a square in `columns`.
 template <typename T>
-HWY_INLINE void TurnSquare(T const* source, std::ptrdiff_t sourceStride, T* destination,
-                           std::ptrdiff_t destinationStride) {
+HWY_INLINE void TurnSquare(T const* source, std::ptrdiff_t stride, hn::Vec<Square<T>>* columns) {
     Square<T> const d;
-    hn::Vec<Square<T>> rows[kSide<T>];
-    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = hn::LoadU(d, source + i * sourceStride);
-    TurnBlocks<T>(rows);
 #if HWY_MAX_BYTES >= 32
     if constexpr (kBytes<T> == 32) {
         constexpr std::ptrdiff_t kHalf = kSide<T> / 2;
+        hn::Vec<Square<T>> rows[kSide<T>];
+        for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) rows[i] = hn::LoadU(d, source + i * stride);
+        TurnBlocks<T>(rows);
         TurnBlocks<T>(rows + kHalf);
         for (std::ptrdiff_t i = 0; i < kHalf; ++i) {
-            hn::StoreU(hn::ConcatLowerLower(d, rows[i + kHalf], rows[i]), d,
-                       destination + i * destinationStride);
-            hn::StoreU(hn::ConcatUpperUpper(d, rows[i + kHalf], rows[i]), d,
-                       destination + (i + kHalf) * destinationStride);
+            columns[i] = hn::ConcatLowerLower(d, rows[i + kHalf], rows[i]);
+            columns[i + kHalf] = hn::ConcatUpperUpper(d, rows[i + kHalf], rows[i]);
         }
         return;
     }
 #endif
-    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) hn::StoreU(rows[i], d, destination + i * destinationStride);
+    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i) columns[i] = hn::LoadU(d, source + i * stride);
+    TurnBlocks<T>(columns);
+}
+
+// A store whose line has to come first holds up those behind it, so the lines of the square below are sent for.
+template <typename T>
+HWY_INLINE void StoreSquare(T const* source, std::ptrdiff_t sourceStride, T* destination,
+                            std::ptrdiff_t destinationStride) {
+    if (sizeof(T) > 1)
+        for (std::ptrdiff_t i = 0; i < kSide<T>; ++i)
+            hwy::Prefetch(destination + i * destinationStride + kSide<T>);
+    hn::Vec<Square<T>> columns[kSide<T>];
+    TurnSquare(source, sourceStride, columns);
+    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i)
+        hn::StoreU(columns[i], Square<T>(), destination + i * destinationStride);
+}
+
+// Elements in a line of the cache.
+template <typename T> constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
+
+// Writes whole lines past the caches, their parts one after the other: apart, each would go to memory alone.
+template <typename T>
+HWY_INLINE void StreamSquares(T const* source, std::ptrdiff_t sourceStride, T* destination,
+                              std::ptrdiff_t destinationStride) {
+    constexpr std::ptrdiff_t kParts = kLine<T> / kSide<T>;
+    hn::Vec<Square<T>> columns[kParts][kSide<T>];
+    for (std::ptrdiff_t part = 0; part < kParts; ++part)
+        TurnSquare(source + part * kSide<T> * sourceStride, sourceStride, columns[part]);
+    for (std::ptrdiff_t i = 0; i < kSide<T>; ++i)
+        for (std::ptrdiff_t part = 0; part < kParts; ++part)
+            hn::Stream(columns[part][i], Square<T>(), destination + i * destinationStride + part * kSide<T>);
+}
+
+// Calls turn(x, y) for areas of kSide<T> by `step`, which fill the size, in bands of so many rows. Stores wait
+// in line, loads do not: so the destination is written from left to right.
+template <typename T, typename Turn>
+void ForEachArea(std::ptrdiff_t width, std::ptrdiff_t height, std::ptrdiff_t rows, std::ptrdiff_t step,
+                 Turn const& turn) {
+    for (std::ptrdiff_t top = 0; top < height; top += rows) {
+        std::ptrdiff_t const bottom = std::min(top + rows, height);
+        for (std::ptrdiff_t left = 0; left < width; left += kColumns<T>) {
+            std::ptrdiff_t const right = std::min(left + kColumns<T>, width);
+            for (std::ptrdiff_t y = top; y < bottom; y += step)
+                for (std::ptrdiff_t x = left; x < right; x += kSide<T>) turn(x, y);
+        }
+    }
 }
 
 #endif
@@ -82,23 +133,35 @@ void Turn(T const* source, std::ptrdiff_t sourceStride, T* destination, std::ptr
 #if HWY_TARGET == HWY_SCALAR
     TurnPlainly(source, sourceStride, destination, destinationStride, width, height);
 #else
+    // Where all rows of the destination begin at the same place of a line, whole lines begin at row `first`.
+    constexpr auto kBytesEach = static_cast<std::ptrdiff_t>(sizeof(T));
+    auto const address = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(destination));
+    bool const streams = kStreams<T> && width * height >= kLeastStreamedBytes / kBytesEach &&
+                         destinationStride % kLine<T> == 0 && address % kBytesEach == 0;
+    std::ptrdiff_t const first = streams ? std::min(-address / kBytesEach & (kLine<T> - 1), height) : 0;
+    std::ptrdiff_t const step = streams ? kLine<T> : kSide<T>;
     std::ptrdiff_t const squaresWidth = width - width % kSide<T>;
-    std::ptrdiff_t const squaresHeight = height - height % kSide<T>;
-    // Stores wait in line, loads do not: so the destination is written from left to right.
-    for (std::ptrdiff_t top = 0; top < squaresHeight; top += kRows) {
-        std::ptrdiff_t const bottom = std::min(top + kRows, squaresHeight);
-        for (std::ptrdiff_t left = 0; left < squaresWidth; left += kColumns<T>) {
-            std::ptrdiff_t const right = std::min(left + kColumns<T>, squaresWidth);
-            for (std::ptrdiff_t y = top; y < bottom; y += kSide<T>)
-                for (std::ptrdiff_t x = left; x < right; x += kSide<T>)
-                    TurnSquare(source + y * sourceStride + x, sourceStride,
-                               destination + x * destinationStride + y, destinationStride);
-        }
+    std::ptrdiff_t const squaresHeight = height - first - (height - first) % step;
+    T const* const from = source + first * sourceStride;
+    T* const to = destination + first;
+    if (streams) {
+        ForEachArea<T>(squaresWidth, squaresHeight, kStreamedRows, step,
+                       [&](std::ptrdiff_t x, std::ptrdiff_t y) {
+                           StreamSquares(from + y * sourceStride + x, sourceStride,
+                                         to + x * destinationStride + y, destinationStride);
+                       });
+        hwy::FlushStream();
+    } else {
+        ForEachArea<T>(squaresWidth, squaresHeight, kRows, step, [&](std::ptrdiff_t x, std::ptrdiff_t y) {
+            StoreSquare(from + y * sourceStride + x, sourceStride, to + x * destinationStride + y,
+                        destinationStride);
+        });
     }
+    TurnPlainly(source, sourceStride, destination, destinationStride, squaresWidth, first);
+    TurnPlainly(from + squaresHeight * sourceStride, sourceStride, to + squaresHeight, destinationStride,
+                squaresWidth, height - first - squaresHeight);
     TurnPlainly(source + squaresWidth, sourceStride, destination + squaresWidth * destinationStride,
-                destinationStride, width - squaresWidth, squaresHeight);
-    TurnPlainly(source + squaresHeight * sourceStride, sourceStride, destination + squaresHeight,
-                destinationStride, width, height - squaresHeight);
+                destinationStride, width - squaresWidth, height);
 #endif
 }
 

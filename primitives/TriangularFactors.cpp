@@ -45,16 +45,6 @@ struct RowNotes {
     int* exchanges;
 };
 
-// row -= factor * other
-void RowStep(double* row, double factor, double const* other, std::ptrdiff_t count) {
-    D const d;
-    V const f = hn::Set(d, factor);
-    std::ptrdiff_t x = 0;
-    for (; x + kLanes <= count; x += kLanes)
-        hn::StoreU(hn::Sub(hn::LoadU(d, row + x), hn::Mul(f, hn::LoadU(d, other + x))), d, row + x);
-    for (; x < count; ++x) row[x] -= factor * other[x];
-}
-
 template <class Tag> HWY_INLINE void ExchangeAt(Tag d, double* a, double* b) {
     auto const kept = hn::LoadU(d, a);
     hn::StoreU(hn::LoadU(d, b), d, a);
@@ -221,56 +211,111 @@ double FactorLast(Matrix a, std::ptrdiff_t first, double tinyPivot, RowNotes con
     return parity;
 }
 
-// Rows of a panel right of it, `from` on: solved with the panel's lower factor.
-void FinishRows(Matrix a, std::ptrdiff_t first, std::ptrdiff_t end) {
-    for (std::ptrdiff_t k = first; k < end; ++k)
-        for (std::ptrdiff_t y = k + 1; y < end; ++y)
-            RowStep(a.Row(y) + end, a.Row(y)[k], a.Row(k) + end, a.n - end);
-}
-
-// Subtracts from `rows` rows, in two vectors of columns, what the panel's steps take from them.
-template <int rows>
-HWY_INLINE void Tile(double* target, double const* factors, std::ptrdiff_t stride, double const* strip,
-                     std::ptrdiff_t steps) {
-    D const d;
-    V left[rows], right[rows];
-    for (int y = 0; y < rows; ++y) {
-        left[y] = hn::LoadU(d, target + y * stride);
-        right[y] = hn::LoadU(d, target + y * stride + kLanes);
+// The columns from one on, in a panel's rows: packed, so many that they are two vectors, or a single one.
+template <int width> class Strip {
+public:
+    // Rows `first` to `end` of the matrix, not more than a panel has.
+    Strip(Matrix a, std::ptrdiff_t first, std::ptrdiff_t end, std::ptrdiff_t column)
+        : a_(a), first_(first), steps_(end - first), column_(column) {
+        for (std::ptrdiff_t y = 0; y < steps_; ++y) Store(Load(a_.Row(first_ + y) + column_), Row(y));
     }
-    for (std::ptrdiff_t k = 0; k < steps; ++k, strip += 2 * kLanes) {
-        V const stripLeft = hn::Load(d, strip), stripRight = hn::Load(d, strip + kLanes);
-        for (int y = 0; y < rows; ++y) {
-            V const factor = hn::Set(d, factors[y * stride + k]);
-            left[y] = hn::Sub(left[y], hn::Mul(factor, stripLeft));
-            right[y] = hn::Sub(right[y], hn::Mul(factor, stripRight));
+
+    // With the panel's rows of the factors, which have as many rows as the matrix.
+    void SolveLower(double const* factors) {
+        for (std::ptrdiff_t k = 0; k < steps_; ++k)
+            for (std::ptrdiff_t y = k + 1; y < steps_; ++y) Step(y, Factor(factors, y, k), k);
+        GiveBack();
+    }
+    void SolveUpper(double const* factors) {
+        for (std::ptrdiff_t k = steps_ - 1; k >= 0; --k) {
+            DivideBy const divide(Factor(factors, k, k));
+            for (std::ptrdiff_t x = 0; x < width; ++x) Row(k)[x] = divide(Row(k)[x]);
+            for (std::ptrdiff_t y = 0; y < k; ++y) Step(y, Factor(factors, y, k), k);
         }
+        GiveBack();
     }
-    for (int y = 0; y < rows; ++y) {
-        hn::StoreU(left[y], d, target + y * stride);
-        hn::StoreU(right[y], d, target + y * stride + kLanes);
+
+    // Subtracts what the panel's steps take from rows `top` to `bottom` of the matrix.
+    void TakeFrom(std::ptrdiff_t top, std::ptrdiff_t bottom, double const* factors) const {
+        constexpr int kTall = 4;
+        std::ptrdiff_t y = top;
+        for (; y + kTall <= bottom; y += kTall) TakeFromRows<kTall>(y, factors);
+        for (; y < bottom; ++y) TakeFromRows<1>(y, factors);
     }
+
+private:
+    using Tag = hn::CappedTag<double, (width + 1) / 2>;
+    static constexpr std::ptrdiff_t kStep = hn::MaxLanes(Tag());
+    static constexpr int kVectors = width / static_cast<int>(kStep);
+    struct Lines {
+        hn::Vec<Tag> at[kVectors];
+    };
+
+    static HWY_INLINE Lines Load(double const* row) {
+        Lines line;
+        for (int v = 0; v < kVectors; ++v) line.at[v] = hn::LoadU(Tag(), row + v * kStep);
+        return line;
+    }
+    static HWY_INLINE void Store(Lines const& line, double* row) {
+        for (int v = 0; v < kVectors; ++v) hn::StoreU(line.at[v], Tag(), row + v * kStep);
+    }
+    static HWY_INLINE void Subtract(Lines& line, double factor, Lines const& other) {
+        auto const factors = hn::Set(Tag(), factor);
+        for (int v = 0; v < kVectors; ++v) line.at[v] = hn::Sub(line.at[v], hn::Mul(factors, other.at[v]));
+    }
+
+    double* Row(std::ptrdiff_t y) { return elements_ + y * width; }
+    double Factor(double const* factors, std::ptrdiff_t y, std::ptrdiff_t k) const {
+        return factors[(first_ + y) * a_.n + first_ + k];
+    }
+    void Step(std::ptrdiff_t y, double factor, std::ptrdiff_t k) {
+        Lines line = Load(Row(y));
+        Subtract(line, factor, Load(Row(k)));
+        Store(line, Row(y));
+    }
+    void GiveBack() {
+        for (std::ptrdiff_t y = 0; y < steps_; ++y) Store(Load(Row(y)), a_.Row(first_ + y) + column_);
+    }
+    template <int rows> HWY_INLINE void TakeFromRows(std::ptrdiff_t top, double const* factors) const {
+        double const* const factor = factors + top * a_.n + first_;
+        Lines lines[rows];
+        for (int y = 0; y < rows; ++y) lines[y] = Load(a_.Row(top + y) + column_);
+        for (std::ptrdiff_t k = 0; k < steps_; ++k) {
+            Lines const step = Load(elements_ + k * width);
+            for (int y = 0; y < rows; ++y) Subtract(lines[y], factor[y * a_.n + k], step);
+        }
+        for (int y = 0; y < rows; ++y) Store(lines[y], a_.Row(top + y) + column_);
+    }
+
+    Matrix a_;
+    std::ptrdiff_t first_, steps_, column_;
+    HWY_ALIGN double elements_[kPanel * width];
+};
+constexpr int kWidestStrip = 2 * static_cast<int>(kLanes);
+
+// Solves rows `first` to `end` of columns `x` to `columns` with the lower factor, and takes their steps from
+// the rows below.
+template <int width = kWidestStrip>
+void Forwards(Matrix a, double const* factors, std::ptrdiff_t first, std::ptrdiff_t end, std::ptrdiff_t x,
+              std::ptrdiff_t columns) {
+    for (; x + width <= columns; x += width) {
+        Strip<width> strip(a, first, end, x);
+        strip.SolveLower(factors);
+        strip.TakeFrom(end, a.n, factors);
+    }
+    if constexpr (width > 1) Forwards<width / 2>(a, factors, first, end, x, columns);
 }
 
-// Brings what is right of and below a panel up to date.
-void FinishRest(Matrix a, std::ptrdiff_t first, std::ptrdiff_t end) {
-    D const d;
-    constexpr int kTall = 4;
-    std::ptrdiff_t const steps = end - first;
-    std::ptrdiff_t x = end;
-    for (; x + 2 * kLanes <= a.n; x += 2 * kLanes) {
-        HWY_ALIGN double strip[kPanel * 2 * kLanes];
-        for (std::ptrdiff_t k = 0; k < steps; ++k)
-            for (std::ptrdiff_t at = 0; at < 2 * kLanes; at += kLanes)
-                hn::Store(hn::LoadU(d, a.Row(first + k) + x + at), d, strip + k * 2 * kLanes + at);
-        std::ptrdiff_t y = end;
-        for (; y + kTall <= a.n; y += kTall) Tile<kTall>(a.Row(y) + x, a.Row(y) + first, a.n, strip, steps);
-        for (; y < a.n; ++y) Tile<1>(a.Row(y) + x, a.Row(y) + first, a.n, strip, steps);
+// With the upper factor, and from the rows above.
+template <int width = kWidestStrip>
+void Backwards(Matrix a, double const* factors, std::ptrdiff_t first, std::ptrdiff_t end,
+               std::ptrdiff_t x = 0) {
+    for (; x + width <= a.n; x += width) {
+        Strip<width> strip(a, first, end, x);
+        strip.SolveUpper(factors);
+        strip.TakeFrom(0, first, factors);
     }
-    if (x == a.n) return;
-    for (std::ptrdiff_t y = end; y < a.n; ++y)
-        for (std::ptrdiff_t k = first; k < end; ++k)
-            RowStep(a.Row(y) + x, a.Row(y)[k], a.Row(k) + x, a.n - x);
+    if constexpr (width > 1) Backwards<width / 2>(a, factors, first, end, x);
 }
 
 double LargestSize(double const* row, std::ptrdiff_t n) {
@@ -307,8 +352,7 @@ double FactorMatrix(double* matrix, std::ptrdiff_t n, double tinyPivot, double* 
         parity *= FactorPanel({a.Row(first) + first, n, n - first, kPanel}, tinyPivot,
                               {scales + first, sizes + first, exchanges + first});
         FollowExchanges(a, first, end, exchanges);
-        FinishRows(a, first, end);
-        FinishRest(a, first, end);
+        Forwards(a, matrix, first, end, end, n);
     }
     parity *= FactorLast(a, first, tinyPivot, {scales + first, sizes + first, exchanges + first});
     FollowExchanges(a, first, n, exchanges);
@@ -379,18 +423,20 @@ void Solve(double const* factors, std::ptrdiff_t n, int const* exchanges, double
     }
 }
 
-void SolveAll(double const* factors, std::ptrdiff_t n, int const* exchanges, double* columns) {
-    Matrix const x{columns, n};
-    for (std::ptrdiff_t y = 0; y < n; ++y)
-        if (exchanges[y] != y) ExchangeRows(x.Row(y), x.Row(exchanges[y]), n);
-    for (std::ptrdiff_t y = 1; y < n; ++y)
-        for (std::ptrdiff_t k = 0; k < y; ++k) RowStep(x.Row(y), factors[y * n + k], x.Row(k), n);
-    for (std::ptrdiff_t y = n - 1; y >= 0; --y) {
-        double* const row = x.Row(y);
-        for (std::ptrdiff_t k = n - 1; k > y; --k) RowStep(row, factors[y * n + k], x.Row(k), n);
-        DivideBy const divide(factors[y * n + y]);
-        for (std::ptrdiff_t c = 0; c < n; ++c) row[c] = divide(row[c]);
+// The inverse of the factors, which are those of the matrix with its rows exchanged: the columns of its
+// inverse are. While going forwards the columns of the unit matrix that have not begun are zero.
+void Invert(double const* factors, std::ptrdiff_t n, int const* exchanges, double* inverse) {
+    Matrix const x{inverse, n};
+    std::fill_n(inverse, n * n, 0.0);
+    for (std::ptrdiff_t y = 0; y < n; ++y) x.Row(y)[y] = 1;
+    for (std::ptrdiff_t first = 0; first < n; first += kPanel) {
+        std::ptrdiff_t const end = std::min(first + kPanel, n);
+        Forwards(x, factors, first, end, 0, end);
     }
+    for (std::ptrdiff_t first = (n - 1) / kPanel * kPanel; first >= 0; first -= kPanel)
+        Backwards(x, factors, first, std::min(first + kPanel, n));
+    for (std::ptrdiff_t y = 0; y < n; ++y)
+        for (std::ptrdiff_t j = n - 1; j >= 0; --j) std::swap(x.Row(y)[j], x.Row(y)[exchanges[j]]);
 }
 
 }  // namespace
@@ -402,7 +448,7 @@ namespace ZPA {
 HWY_EXPORT(ScaleRows);
 HWY_EXPORT(FactorMatrix);
 HWY_EXPORT(Solve);
-HWY_EXPORT(SolveAll);
+HWY_EXPORT(Invert);
 
 std::ptrdiff_t RowScales(double const* matrix, std::ptrdiff_t n, double* scales) {
     return HWY_DYNAMIC_DISPATCH(ScaleRows)(matrix, n, scales);
@@ -414,8 +460,8 @@ double Factorise(double* matrix, std::ptrdiff_t n, double tinyPivot, double* sca
 void SolveFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* rightHandSide) {
     HWY_DYNAMIC_DISPATCH(Solve)(factors, n, exchanges, rightHandSide);
 }
-void SolveColumns(double const* factors, std::ptrdiff_t n, int const* exchanges, double* columns) {
-    HWY_DYNAMIC_DISPATCH(SolveAll)(factors, n, exchanges, columns);
+void InvertFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* inverse) {
+    HWY_DYNAMIC_DISPATCH(Invert)(factors, n, exchanges, inverse);
 }
 
 }  // namespace ZPA

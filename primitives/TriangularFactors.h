@@ -23,8 +23,8 @@ double Factorise(double* matrix, std::ptrdiff_t n, double tinyPivot, double* sca
 // Replaces the right-hand side by the solution. Exchanges are rows of the matrix.
 void SolveFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* rightHandSide);
 
-// Replaces n right-hand sides, the columns of a matrix, likewise.
-void SolveColumns(double const* factors, std::ptrdiff_t n, int const* exchanges, double* columns);
+// Writes the inverse of the matrix that was factored.
+void InvertFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* inverse);
 
 }  // namespace ZPA
 

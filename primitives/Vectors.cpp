@@ -6,10 +6,33 @@
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
+
+// Two vectors, less than one of each, filled up with zeros.
+template <class D> struct Rest {
+    using T = hn::TFromD<D>;
+    hn::Vec<D> a, b;
+
+    Rest(D d, T const* restOfA, T const* restOfB, std::ptrdiff_t count) {
+        // narrower vectors would load what lies behind the end
+        if constexpr (sizeof(hn::Vec<D>) >= 32) {
+            auto const first = hn::FirstN(d, static_cast<std::size_t>(count));
+            a = hn::MaskedLoad(first, d, restOfA);
+            b = hn::MaskedLoad(first, d, restOfB);
+        } else {
+            HWY_ALIGN T filledA[hn::MaxLanes(D())] = {}, filledB[hn::MaxLanes(D())] = {};
+            std::copy_n(restOfA, count, filledA);
+            std::copy_n(restOfB, count, filledB);
+            a = hn::Load(d, filledA);
+            b = hn::Load(d, filledB);
+        }
+    }
+};
 
 // Two cache lines of parts keep the additions of the widest vectors apart.
 template <typename T> T Product(T const* a, T const* b, std::ptrdiff_t count) {
@@ -18,16 +41,26 @@ template <typename T> T Product(T const* a, T const* b, std::ptrdiff_t count) {
     constexpr std::ptrdiff_t kLanes = hn::MaxLanes(d), kVectors = kParts / kLanes;
     hn::Vec<decltype(d)> sums[kVectors];
     for (auto& sum : sums) sum = hn::Zero(d);
+    auto const addTo = [&](std::ptrdiff_t v, std::ptrdiff_t x) {
+        sums[v] = hn::Add(sums[v], hn::Mul(hn::LoadU(d, a + x), hn::LoadU(d, b + x)));
+    };
     std::ptrdiff_t x = 0;
     for (; x + kParts <= count; x += kParts)
-        for (std::ptrdiff_t v = 0; v < kVectors; ++v)
-            sums[v] =
-                hn::Add(sums[v], hn::Mul(hn::LoadU(d, a + x + v * kLanes), hn::LoadU(d, b + x + v * kLanes)));
+        for (std::ptrdiff_t v = 0; v < kVectors; ++v) addTo(v, x + v * kLanes);
+    for (std::ptrdiff_t v = 0; v < kVectors && x < count; ++v, x += kLanes) {
+        if (x + kLanes <= count) {
+            addTo(v, x);
+        } else {
+            Rest<decltype(hn::CappedTag<T, kParts>())> const rest(d, a + x, b + x, count - x);
+            sums[v] = hn::Add(sums[v], hn::Mul(rest.a, rest.b));
+        }
+    }
 
-    HWY_ALIGN T parts[kParts];
-    for (std::ptrdiff_t v = 0; v < kVectors; ++v) hn::Store(sums[v], d, parts + v * kLanes);
-    for (std::ptrdiff_t i = 0; x < count; ++i, ++x) parts[i] += a[x] * b[x];
-    for (std::ptrdiff_t half = kParts / 2; half > 0; half /= 2)
+    for (std::ptrdiff_t half = kVectors / 2; half > 0; half /= 2)
+        for (std::ptrdiff_t v = 0; v < half; ++v) sums[v] = hn::Add(sums[v], sums[half + v]);
+    HWY_ALIGN T parts[kLanes];
+    hn::Store(sums[0], d, parts);
+    for (std::ptrdiff_t half = kLanes / 2; half > 0; half /= 2)
         for (std::ptrdiff_t i = 0; i < half; ++i) parts[i] += parts[half + i];
     return parts[0];
 }

@@ -375,6 +375,32 @@ TEST(TransposeImage, TurnsEveryTypeOnEverySimdTarget) {
     });
 }
 
+// Large destinations are written past the caches, in whole lines of 64 bytes, wherever these begin.
+template <typename T> void ExpectLargeTransposed() {
+    int const stride = sizeof(T) == 8 ? 520 : 1056;
+    for (int const offset : {0, 1, 6, 31}) {
+        auto source = RandomImage<T>({1050, stride - offset - 3, 1057}, 10);
+        int const height = source.shape.height;
+        TestImage<T> result({stride, 1050, stride});
+        auto expected = result;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < 1050; ++x) expected.At(offset + y, x) = source.At(x, y);
+        ImageAttributes to = result.Attributes();
+        to.buffer = result.Pixels() + offset;
+        to.width = height;
+        ASSERT_EQ(TransposeImage(source.Attributes(), &to), SOLVANE_OK);
+        EXPECT_TRUE(result == expected) << offset;
+    }
+}
+
+TEST(TransposeImage, TurnsLargeImagesWhereverTheyBegin) {
+    ForEachSimdTarget([] {
+        ExpectLargeTransposed<unsigned short>();
+        ExpectLargeTransposed<float>();
+        ExpectLargeTransposed<double>();
+    });
+}
+
 TEST(TransposeImage, RefusesWhatItCannotTurn) {
     unsigned short pixels[64] = {}, other[64] = {};
     auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {

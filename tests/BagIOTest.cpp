@@ -6,6 +6,7 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
+#include <ctime>
 #include <limits>
 #include <random>
 
@@ -398,9 +399,9 @@ Reading const kReadings[] = {
      "<c Type='System.Int16[]' Size='x3' BufferFile='beside'/><d Type='System.Int16[]' Size=' 4x' "
      "BufferFile='beside'/><e Type='System.Int16[]' Size='0' BufferFile='beside'/>"
      "<f Type='System.Double[]' Size='3' BufferFile='missing'/>"
-     "<g Type='System.Double[]' Size='8388608' BufferFile='missing'/>",
+     "<g Type='System.Double[]' Size='8388600' BufferFile='missing'/>",
      "a: i16[1] 25971, b: i16[1] 25971, c: i16[1] 25971, d: i16[4] 25971 29283 29797 0, e: i16[0], f: f64[3] "
-     "0.000000 0.000000 0.000000, g: f64[8388608] 0.000000 0.000000 0.000000 0.000000",
+     "0.000000 0.000000 0.000000, g: f64[8388600] 0.000000 0.000000 0.000000 0.000000",
      ""},
     {"NegativeSizeEndsItsLevel",
      "<x Type='Bag'><a Type='System.Int32'>1</a><b Type='System.Int16[]' Size='-1' BufferFile='beside'/>"
@@ -425,6 +426,38 @@ TEST_F(BagIOTest, ReadsWithTolerance) {
     std::filesystem::resize_file(folder.Write("large", ""), (64 << 20) + 8);
     EXPECT_EQ(Load("<a Type='System.Double[]' Size='8388609' BufferFile='large'/>").substr(0, 15),
               "a: f64[8388609]");
+}
+
+// A file counts once, and the zeros of all arrays together, at any depth and in each document anew.
+TEST_F(BagIOTest, ADocumentHasOneAllowanceOfMemory) {
+    folder.Write("f", std::string(100, 'x'));
+    std::string const arrays =
+        "<a Type='System.Byte[]' Size='33554532' BufferFile='f'/>"
+        "<x Type='Bag'><b Type='System.Byte[]' Size='33554332' BufferFile='missing'/>"
+        "<c Type='System.Byte[]' Size='100' BufferFile='f'/></x>";
+    std::string const more = "<d Type='System.Byte[]' Size='1' BufferFile='missing'/>";
+    for (int i = 0; i < 2; ++i) {
+        std::string const loaded =
+            Load("<y Type='Bag'>" + arrays + more + "</y><after Type='System.Byte'>1</after>");
+        EXPECT_NE(loaded.find("x: {b: u8[33554332] 0 0 0 0, c: u8[100] 120"), loaded.npos) << loaded;
+        EXPECT_NE(loaded.find("}}, after: u8 1"), loaded.npos) << loaded;
+    }
+}
+
+TEST_F(BagIOTest, ManyKeysAreReadInTimeThatGrowsWithThem) {
+    auto const seconds = [&](int count) {
+        std::string elements;
+        for (int i = 0; i < count; ++i) {
+            std::string const key = 'k' + std::to_string(i);
+            elements += '<' + key + " Type='System.Byte'>1</" + key + '>';
+        }
+        folder.Write("many.xml", "<Bag>" + elements + "</Bag>");
+        std::clock_t const start = std::clock();
+        EXPECT_EQ(BagIO().LoadBag(folder.Path("many.xml"))->Key().size(), static_cast<std::size_t>(count));
+        return static_cast<double>(std::clock() - start);
+    };
+    // In the square it would be the hundredfold.
+    EXPECT_LT(seconds(40000), 40 * seconds(4000));
 }
 
 std::string Repeated(char const* text, int times) {
@@ -481,6 +514,9 @@ TEST_F(BagIOTest, ReadsAnyRootAndAnyBytes) {
     LoadDocument("<R" + attributes + "/>");
     EXPECT_EQ(printed, "");
     LoadDocument("<R" + attributes + " b='1'/>");
+    EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
+    // One part too many: elements, attributes, texts and comments count alike.
+    LoadDocument("<R>" + Repeated("<a b='1'>x<!-- --></a>", 1 << 20) + "</R>");
     EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
 }
 

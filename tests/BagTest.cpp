@@ -65,14 +65,17 @@ void ExpectSame(Bag const& bag, Model& model) {
                                            [](Model::Entry const& each) { return each.dirty; }));
 }
 
-TEST(Bag, DoesWhatAPlainVectorDoes) {
+void DoWhatAPlainVectorDoes(std::vector<std::string> const& names, int steps) {
     std::mt19937 random(1);
-    std::string const names[] = {"a", "b", "c", "A", "a ", "dd"};
     Bag bag;
     Model model;
-    for (int step = 0; step < 3000 && !testing::Test::HasFailure(); ++step) {
+    for (std::string const& name : names) {
+        bag.Set(name, 0);
+        model.Set({name, 0, 1, true});
+    }
+    for (int step = 0; step < steps && !testing::Test::HasFailure(); ++step) {
         SCOPED_TRACE(step);
-        std::string const key = names[random() % 6];
+        std::string const key = names[random() % names.size()];
         auto const found = model.Find(key);
         bool const known = found != model.entries.end();
         switch (random() % 12) {
@@ -91,7 +94,7 @@ TEST(Bag, DoesWhatAPlainVectorDoes) {
                 if (known) model.entries.erase(found);
                 break;
             case 5: {
-                std::string const to = names[random() % 6];
+                std::string const to = names[random() % names.size()];
                 EXPECT_EQ(bag.Rename(key, to), known);
                 if (known) found->key = to;
                 break;
@@ -121,6 +124,16 @@ TEST(Bag, DoesWhatAPlainVectorDoes) {
                 model.entries.clear();
         }
         ExpectSame(bag, model);
+    }
+}
+
+TEST(Bag, DoesWhatAPlainVectorDoes) {
+    DoWhatAPlainVectorDoes({"a", "b", "c", "A", "a ", "dd"}, 3000);
+    // So many that they are looked up in a table; around that number, too.
+    for (int const count : {131, 160}) {
+        std::vector<std::string> names;
+        for (int i = 0; i < count; ++i) names.push_back("key" + std::to_string(i));
+        DoWhatAPlainVectorDoes(names, 150);
     }
 }
 

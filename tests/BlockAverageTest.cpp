@@ -26,10 +26,10 @@ std::ostream& operator<<(std::ostream& out, Case const& c) {
 
 // Left-over columns and rows, every way in which a side falls apart into twos, both sides of a vector and of
 // the columns that are summed at once, and blocks whose sums pass 31 bits.
-Case const kCases[] = {{1, 1, 1},    {10, 7, 3},     {33, 5, 1},      {2, 2, 2},       {67, 9, 2},
-                       {131, 8, 4},  {130, 13, 6},   {99, 17, 8},     {300, 11, 5},    {777, 14, 7},
-                       {8200, 5, 2}, {2100, 24, 12}, {400, 200, 181}, {371, 190, 182}, {530, 300, 256},
-                       {5, 4, 9},    {3, 0, 2}};
+Case const kCases[] = {{1, 1, 1},       {10, 7, 3},     {33, 5, 1},    {2, 2, 2},       {67, 9, 2},
+                       {131, 8, 4},     {130, 13, 6},   {99, 17, 8},   {300, 11, 5},    {777, 14, 7},
+                       {8200, 5, 2},    {2100, 24, 12}, {383, 23, 11}, {400, 200, 181}, {371, 190, 182},
+                       {530, 300, 256}, {5, 4, 9},      {3, 0, 2}};
 
 template <typename T>
 TestImage<T> Model(Case const& c, TestImage<T> const& input, T const* code,
@@ -121,22 +121,42 @@ TEST(BlockAverage, OfIntegersWrapsAroundAt32Bits) {
     }
 }
 
-TEST(BlockAverage, OfLargestPixelsDoesNotOverflowUpToASideOf181) {
-    for (int const side : {2, 3, 64, 180, 181}) {
-        auto const area = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
-        std::vector<unsigned short> block(area, 65535);
-        std::vector<short> low(area, -32768);
-        unsigned short mean = 0;
-        short lowest = 0;
-        EXPECT_EQ(blockAverage(block.data(), &mean, side, side, 1, 1, side), SOLVANE_OK);
-        EXPECT_EQ(mean, 65535) << side;
-        block.back() = 65534;
-        low.back() = -32767;
-        EXPECT_EQ(blockAverage(block.data(), &mean, side, side, 1, 1, side), SOLVANE_OK);
-        EXPECT_EQ(mean, 65534) << side;
-        EXPECT_EQ(blockAverageDownSample_short(low.data(), &lowest, side, side, 1, 1, side), SOLVANE_OK);
-        EXPECT_EQ(lowest, -32767) << side;
+// Quotients next to a whole number, in vectors and behind them; 181 is the last side whose sums have 31 bits.
+template <typename T> void ExpectExtremes(T extreme, T inner) {
+    constexpr int kBlocks = 37;
+    for (int const side : {2, 3, 11, 12, 64, 180, 181}) {
+        TestImage<T> image({kBlocks * side, side, kBlocks * side}), means({kBlocks, 1, kBlocks});
+        std::fill_n(image.Pixels(), image.Size(), extreme);
+        auto extremes = means, inners = means;
+        std::fill_n(extremes.Pixels(), kBlocks, extreme);
+        std::fill_n(inners.Pixels(), kBlocks, inner);
+        auto const expect = [&](TestImage<T> const& expected) {
+            SCOPED_TRACE(testing::Message() << side << " of " << TypeCodeOf<T>);
+            int const width = kBlocks * side;
+            ASSERT_EQ(
+                blockAverageDownSampleTemplate(image.Pixels(), means.Pixels(), width, side, kBlocks, 1, side),
+                SOLVANE_OK);
+            EXPECT_TRUE(means == expected);
+            ASSERT_EQ(blockAverageDownSampleCodedMaskTemplate(image.Pixels(), means.Pixels(), width, side,
+                                                              kBlocks, 1, side, T(3)),
+                      SOLVANE_OK);
+            EXPECT_TRUE(means == expected);
+            if constexpr (std::is_unsigned_v<T>) {
+                ASSERT_EQ(blockAverage(image.Pixels(), means.Pixels(), width, side, kBlocks, 1, side),
+                          SOLVANE_OK);
+                EXPECT_TRUE(means == expected);
+            }
+        };
+        ForEachSimdTarget([&] { expect(extremes); });
+        for (int block = 0; block < kBlocks; ++block) image.At(block * side + side / 2, side / 2) = inner;
+        ForEachSimdTarget([&] { expect(inners); });
     }
+}
+
+TEST(BlockAverage, OfLargestPixelsIsExact) {
+    ExpectExtremes<unsigned short>(65535, 65534);
+    ExpectExtremes<short>(-32768, -32767);
+    ExpectExtremes<short>(32767, 32766);
 }
 
 TEST(BlockAverage, RefusesInItsOrder) {

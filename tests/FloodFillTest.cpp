@@ -6,6 +6,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
+#include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -141,6 +142,34 @@ TYPED_TEST(Filling, HolesAsThreeStagesDo) {
             }
 }
 
+// Holes of all widths beside each other, some wider than a word of 64 pixels, in stripes of labels.
+TYPED_TEST(Filling, HolesOfLabelledStripes) {
+    using T = TypeParam;
+    std::mt19937 random(5);
+    for (int const stripe : {3, 40, 500})
+        for (T const largest : {T{9}, std::numeric_limits<T>::max()}) {
+            TestImage<T> image({333, 40, 340});
+            for (int y = 0; y < 40; ++y)
+                for (int x = 0; x < 333; ++x)
+                    image.At(x, y) = static_cast<T>(largest - static_cast<T>(x / stripe % 5));
+            for (int hole = 0; hole < 60; ++hole) {
+                int const left = static_cast<int>(random() % 333), y = static_cast<int>(random() % 40);
+                int const right = std::min(333, left + 1 + static_cast<int>(random() % 70));
+                for (int x = left; x < right; ++x) image.At(x, y) = 0;
+            }
+            for (int const connectivity : {4, 8}) {
+                auto expected = image;
+                ModelFillHoles(expected, connectivity);
+                ForEachSimdTarget([&] {
+                    SCOPED_TRACE(testing::Message() << stripe << ", " << +largest << ", " << connectivity);
+                    auto filled = image;
+                    ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
+                    ASSERT_TRUE(filled == expected);
+                });
+            }
+        }
+}
+
 TEST(FloodFill, RefusesInItsOrder) {
     unsigned char pixels[64] = {};
     struct Case {
@@ -209,6 +238,27 @@ TEST(FillHoles, RefusesInItsOrder) {
         for (std::size_t i = 0; i < each.messages.size(); ++i)
             EXPECT_EQ(log.Errors()[i].message, each.messages[i]);
     }
+}
+
+TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
+    unsigned short const kTop = 1, kBottom = 2, kLeft = 3, kRight = 4;
+    unsigned short pixels[3 * 4] = {9, kTop, 9, kLeft, 0, 9, 9, 9, kRight, kBottom, kBottom, kTop};
+    ImageAttributes const image(eUInt16, pixels, 3, 4, 3, 16, 0);
+    auto const top = L"FloodFill top border background failed.";
+    auto const bottom = L"FloodFill bottom border background failed.";
+    auto const before = std::vector<unsigned short>(pixels, pixels + 12);
+    struct Case {
+        unsigned short background;
+        wchar_t const* message;
+    };
+    NoMemory const none;
+    for (Case const& each : {Case{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
+        CapturedLog const log;
+        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
+        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
+    }
+    EXPECT_TRUE(std::equal(before.begin(), before.end(), pixels));
 }
 
 }  // namespace

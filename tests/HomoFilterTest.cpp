@@ -49,7 +49,7 @@ template <typename T> TestImage<double> Wide(TestImage<T> const& image) {
 }
 
 template <typename T> void ExpectModel() {
-    for (Shape const shape : {Shape{64, 33, 64}, {131, 20, 140}, {7, 50, 7}}) {
+    for (Shape const shape : {Shape{64, 33, 64}, {131, 20, 140}, {7, 50, 7}, {1300, 70, 1300}}) {
         auto input = RandomImage<T>(shape, 1);
         auto const expected = Model(Wide(input), 4);
         TestImage<double> result(expected.shape), padded({shape.width, shape.height, shape.width + 3});

@@ -14,12 +14,6 @@ namespace {
 
 using namespace Testing;
 
-// Whether the instruction set that the kernels run on has fused multiply-adds.
-bool Fuses() {
-    constexpr std::int64_t kFusing = HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL;
-    return (hwy::SupportedTargets() & kFusing) != 0;
-}
-
 // One chain in the order of k. Rows begin `stride` elements apart.
 template <typename T>
 void Model(T const* first, int firstStride, T const* second, int secondStride, T* product, int productStride,

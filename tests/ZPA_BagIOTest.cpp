@@ -245,7 +245,7 @@ TEST_F(ZPA_BagIOTest, HostileImages) {
         {"Parent", "2", "1", "..", 2, zeros, L""},
         {"Backed", "33554433", "1", "large", 33554433, zeros, L""},
         {"BackedOfOtherShape", "33554433", "0", "large", 0, "", L""},
-        {"Unbacked", "33554433", "1", "f", 0, "", L""},
+        {"Unbacked", "33554435", "1", "f", 0, "", L""},
         {"UnbackedAndMissing", "2147483647", "2147483647", "g", 0, "", L""},
         {"Limit", "33554432", "1", "g", 33554432, zeros, kNoFit},
         {"NoWidth", "0", "1", "f", 0, "", L""},
@@ -268,6 +268,13 @@ TEST_F(ZPA_BagIOTest, HostileImages) {
         EXPECT_EQ(image->GetWidth(), each.loadedWidth);
         EXPECT_EQ(Bytes(*image).substr(0, 4), each.content.substr(0, Bytes(*image).size()));
     }
+
+    // A file counts once, and the zeros of all images together.
+    BagPtr const bag = Load(ImageElement("a", "unsigned short", "33554433", "1", "large") +
+                            ImageElement("b", "unsigned short", "16777216", "1", "large") +
+                            ImageElement("c", "unsigned short", "16777216", "1", "g") +
+                            ImageElement("d", "unsigned short", "1", "1", "g"));
+    EXPECT_EQ(bag->Key(), (std::vector<std::string>{"a", "b", "c"}));
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include <Basics/Bag.h>
 
+#include <map>
 #include <string_view>
+#include <utility>
 
 namespace ZPA {
 
@@ -62,14 +64,28 @@ public:
     void Append(std::string const& key, ZPA_Ptr<Any> const& value, int size, bool dirty) const;
     // Moves all entries of another bag behind those of this one: all of them, or none if this throws.
     void AppendAll(Bag& other) const;
+    // Gives the entry another key, whether or not that is in use.
+    void Rename(Iterator entry, std::string const& key) const;
     // Takes the entry out.
     void Remove(Iterator entry) const;
 
 private:
+    // Makes the table of a large bag, if there is none and memory for it. False without one.
+    bool HasTable() const;
+    // Adds an entry to the table unless its key is there; without memory the table goes.
+    void Enter(Iterator entry) const;
+    // Whether there is a table, of a bag without two entries of one key.
+    bool HasEachKeyOnce() const;
     // Throws where the lists cannot grow by so many.
     void RequireRoom(std::size_t more) const;
 
     Bag const& bag_;
+};
+
+// The first entry of each key, for look-ups in a large bag, which a walk over all keys would make too slow: a
+// document may have any number of keys. Sorted, as keys that share a hash could be chosen on purpose.
+struct Bag::Table {
+    std::map<std::string_view, BagEntries::Iterator> firsts;
 };
 
 // The value if it is a T, or null.

@@ -20,6 +20,13 @@ template <typename... Values>
                                  values...);
 }
 
+// Logs the message as a warning, and returns success.
+template <typename... Values>
+SOLVANE_RETURNCODE Warn(LogCategory category, Message message, Values... values) {
+    return ZPA_Logging::LogWarning(WideFileName(message.file).Text(), message.line, category, message.format,
+                                   values...);
+}
+
 // A number of bytes for "%d": the largest int where it is larger.
 inline int LoggedBytes(std::uint64_t bytes) { return bytes > INT_MAX ? INT_MAX : static_cast<int>(bytes); }
 

@@ -13,7 +13,7 @@ template <typename T> T Hypotenuse(T a, T b) {
     a = std::abs(a);
     b = std::abs(b);
     if (a > b) std::swap(a, b);
-    if (b == 0 || b == std::numeric_limits<T>::infinity()) return b;
+    if (b == 0 || a == std::numeric_limits<T>::infinity()) return a + b;  // without a ratio
     T const ratio = a / b;
     return b * std::sqrt(1 + ratio * ratio);
 }

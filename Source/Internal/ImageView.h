@@ -39,6 +39,11 @@ void ForEachRowPair(ImageView<A> const& a, ImageView<B> const& b, Work const& wo
     for (std::ptrdiff_t y = 0; y < a.Height(); ++y) work(a.Row(y), b.Row(y), a.Width());
 }
 
+// True if elements of T would reach beyond what the image's type describes.
+template <typename T> bool ElementsTooNarrow(ImageAttributes const& image) {
+    return SizeOfTypeCode(image.type) < static_cast<int>(sizeof(T));
+}
+
 // True if rows of the image would share memory, or lie before its first pixel: no operation writes such an
 // image.
 inline bool RowsOverlap(ImageAttributes const& image) {

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <new>
 
+#include "Source/Platform/LargePages.h"
+
 namespace ZPA {
 
 // What a negative size or stride counts as: more than any memory holds.
@@ -27,10 +29,16 @@ inline std::uint64_t BlockBytes(std::uint64_t elements, std::size_t elementSize)
     return elements > PTRDIFF_MAX / elementSize ? kNoSize : elements * elementSize;
 }
 
+// Blocks of this size and more come from the system anew every time, page by page.
+inline constexpr std::uint64_t kLargeBlock = std::uint64_t{32} << 20;
+
 // A block as `new T[elements]` gives it, not initialised; null if there is no memory for it.
 template <typename T> T* AllocateElements(std::uint64_t elements) {
-    if (BlockBytes(elements, sizeof(T)) == kNoSize) return nullptr;
-    return new (std::nothrow) T[static_cast<std::size_t>(elements)];
+    std::uint64_t const bytes = BlockBytes(elements, sizeof(T));
+    if (bytes == kNoSize) return nullptr;
+    T* const block = new (std::nothrow) T[static_cast<std::size_t>(elements)];
+    if (block && bytes >= kLargeBlock) PreferLargePages(block, static_cast<std::size_t>(bytes));
+    return block;
 }
 
 }  // namespace ZPA

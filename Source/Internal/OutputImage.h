@@ -6,15 +6,16 @@
 
 namespace ZPA {
 
-// Gives `output` pixels if it has none: rows without padding, and the whole descriptor filled in. They become
-// the caller's when the operation finishes with success; else they are freed, and the caller's pointer is
-// null again.
+// Gives `output` pixels if it has none: rows without padding, zero if `clear` is set, and the whole descriptor
+// filled in. They become the caller's when the operation finishes with success; else they are freed, and the
+// caller's pointer is null again.
 template <typename T> class OutputImage {
 public:
-    OutputImage(ImageAttributes* output, int width, int height, int bitsperpixel, int pixelspacing)
+    OutputImage(ImageAttributes* output, int width, int height, int bitsperpixel, int pixelspacing,
+                bool clear = true)
         : output_(output) {
         if (output_->buffer) return;
-        made_.SetImage(nullptr, width, height, width, bitsperpixel, pixelspacing, true, true);
+        made_.SetImage(nullptr, width, height, width, bitsperpixel, pixelspacing, true, clear);
         *output_ = made_;
     }
     ~OutputImage() {

@@ -14,7 +14,8 @@ namespace ZPA {
 // readable.
 inline bool ShareMemory(ImageAttributes const& a, ImageAttributes const& b) {
     auto const end = [](ImageAttributes const& image) {
-        std::uint64_t const elements = ElementsSpanned(image.width, image.height, image.stride);
+        int const stride = image.height > 1 ? image.stride : image.width;  // one row has none that counts
+        std::uint64_t const elements = ElementsSpanned(image.width, image.height, stride);
         return static_cast<char const*>(image.buffer) +
                BlockBytes(elements, static_cast<std::size_t>(SizeOfTypeCode(image.type)));
     };

@@ -13,8 +13,11 @@
 namespace ZPA {
 namespace {
 
-// What a document may ask for without a file that backs it.
+// What a document may ask for without files that back it.
 constexpr std::uint64_t kUnbackedBytes = 64 << 20;
+
+// That of the document that this thread is reading.
+thread_local DocumentAllowance* allowance = nullptr;
 
 bool StaysInFolder(std::string_view name) {
     return !name.empty() && name != "." && name != ".." && SplitPath(name).folder.empty();
@@ -37,8 +40,19 @@ void WriteSideFile(std::string const& folder, std::string const& name, void cons
     if (file && data) std::fwrite(data, 1, static_cast<std::size_t>(bytes), file.get());
 }
 
-void RequireBacked(std::uint64_t bytes, std::uint64_t fileLength) {
-    if (bytes > std::max(fileLength, kUnbackedBytes)) throw std::bad_alloc();
+DocumentAllowance::DocumentAllowance() : outer_(allowance), left_(kUnbackedBytes) { allowance = this; }
+DocumentAllowance::~DocumentAllowance() { allowance = outer_; }
+
+void DocumentAllowance::Take(std::uint64_t bytes, std::string const& path, std::uint64_t fileLength) {
+    bool const isNew = fileLength > 0 && counted_.insert(path).second;
+    std::uint64_t const unbacked = bytes - (isNew ? std::min(bytes, fileLength) : 0);
+    if (unbacked > left_) throw std::bad_alloc();
+    left_ -= unbacked;
+}
+
+void RequireBacked(std::uint64_t bytes, std::string const& path, std::uint64_t fileLength) {
+    if (allowance) return allowance->Take(bytes, path, fileLength);
+    DocumentAllowance().Take(bytes, path, fileLength);
 }
 
 std::uint64_t SideFileLength(std::string const& path) {
@@ -48,10 +62,11 @@ std::uint64_t SideFileLength(std::string const& path) {
 
 template <typename T> ZPA_Ptr<T> ReadSideFile(std::string const& folder, std::string const& name, int count) {
     std::uint64_t length = 0;
-    File const file = OpenForReading(SideFilePath(folder, "/", name).c_str(), length);
+    std::string const path = SideFilePath(folder, "/", name);
+    File const file = OpenForReading(path.c_str(), length);
     std::uint64_t const bytes =
         count < 0 ? kNoSize : BlockBytes(static_cast<std::uint64_t>(count), sizeof(T));
-    RequireBacked(bytes, file ? length : 0);
+    RequireBacked(bytes, path, file ? length : 0);
 
     auto const size = static_cast<std::size_t>(count);
     std::unique_ptr<T[]> elements(new T[size]);

@@ -48,14 +48,17 @@ private:
         return false;
     }
 
+    bool Count() { return ++parts_ <= kMostParts || Refuse(); }
+
     bool Node() {
         while (IsSpace(*at_) || IsMark(at_)) at_ += IsSpace(*at_) ? 1 : 3;
         if (!*at_) return false;
-        if (*at_ != '<') return depth_ > 0 && Text('<');
+        if (*at_ != '<') return depth_ > 0 && Count() && Text('<');
         if (depth_ > 0 && Follows("</")) {
             --depth_;
             return SkipPast(">");
         }
+        if (!Count()) return false;
         if (FollowsInAnyCase("<?xml")) return Declaration();
         if (Follows("<!--")) return SkipPast("-->", 4);
         if (Follows("<![CDATA[")) return SkipPast("]]>", 9);
@@ -76,7 +79,7 @@ private:
                 return ++depth_ <= kDeepestElement || Refuse();
             }
             if (attributes == kMostAttributes) return Refuse();
-            if (!Attribute()) return false;
+            if (!Count() || !Attribute()) return false;
         }
         return false;
     }
@@ -168,6 +171,7 @@ private:
     char const* at_;
     char const* end_;
     int depth_ = 0;
+    int parts_ = 0;
     bool refused_ = false;
 };
 

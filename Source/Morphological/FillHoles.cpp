@@ -1,12 +1,6 @@
-// FillHoles: the outside is marked from the border, what is still zero is overwritten, and the mark taken
-// back.
+// FillHoles, and fills from the border.
 #include <Basics/Regions.h>
 
-#include <algorithm>
-#include <limits>
-#include <vector>
-
-#include "primitives/PixelBits.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
@@ -15,18 +9,41 @@
 namespace ZPA {
 namespace {
 
-// Zeros take the last value before them that is not zero, in their row or in those above.
-template <typename T> void OverwriteZeros(ImageView<T> const& image) {
-    std::vector<std::uint64_t> zeros(static_cast<std::size_t>(WordsOf(image.Width())));
-    T carried = 0;
-    for (std::ptrdiff_t y = 0; y < image.Height(); ++y) {
-        T* const row = image.Row(y);
-        FindEqual(row, image.Width(), T{0}, zeros.data());
-        ForEachRun(zeros.data(), image.Width(), [&](std::ptrdiff_t first, std::ptrdiff_t end) {
-            std::fill(row + first, row + end, first > 0 ? row[first - 1] : carried);
-        });
-        carried = row[image.Width() - 1];
+bool IsEmpty(ImageAttributes const& image) { return image.width < 1 || image.height < 1; }
+
+constexpr auto kTopOrLeft = L"FloodFill top border background failed.";
+constexpr auto kBottomOrRight = L"FloodFill bottom border background failed.";
+
+// The message of a fill from the border that failed. The first pixel that it would start from decides.
+template <typename T> wchar_t const* FailureOf(ImageView<T> const& image, T background) {
+    std::ptrdiff_t const right = image.Width() - 1, bottom = image.Height() - 1;
+    for (std::ptrdiff_t x = 0; x <= right; ++x) {
+        if (image.Row(0)[x] == background) return kTopOrLeft;
+        if (image.Row(bottom)[x] == background) return kBottomOrRight;
     }
+    for (std::ptrdiff_t y = 0; y <= bottom; ++y) {
+        if (image.Row(y)[0] == background) return kTopOrLeft;
+        if (image.Row(y)[right] == background) return kBottomOrRight;
+    }
+    return kTopOrLeft;
+}
+
+// Runs flood(pixels, step, size, eightNeighbours, buffer), which starts from pixels of the background, on an
+// image that is not empty.
+template <typename T, typename Flood>
+SOLVANE_RETURNCODE FromBorder(ImageAttributes const& image, T background, int connectivity,
+                              Flood const& flood) {
+    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
+    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (ElementsTooNarrow<T>(image))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
+    FillBuffer buffer;
+    std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
+    if (buffer.Allocate(image) == SOLVANE_OK &&
+        flood(static_cast<T*>(image.buffer), step, Size{image.width, image.height}, connectivity != 4,
+              buffer.Get()) == kDone)
+        return SOLVANE_OK;
+    return Fail(SOLVANE_OPERATION_FAILED, FailureOf(ImageView<T>(image), background));
 }
 
 }  // namespace
@@ -34,19 +51,13 @@ template <typename T> void OverwriteZeros(ImageView<T> const& image) {
 template <typename T>
 SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background, T newValue,
                                              int connectivity) {
-    if (image.width < 1 || image.height < 1) return SOLVANE_OK;
-    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
-    FillBuffer buffer;
-    if (buffer.Allocate(image) != SOLVANE_OK)
-        return Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
+    if (IsEmpty(image)) return SOLVANE_OK;
     // One fill from all border pixels: as many fills one after the other would each look at their rows again.
-    std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
-    Status const status =
-        FloodFillFromBorder(static_cast<T*>(image.buffer), step, {image.width, image.height}, background,
-                            newValue, connectivity != 4, buffer.Get());
-    return status == kDone ? SOLVANE_OK
-                           : Fail(SOLVANE_OPERATION_FAILED, L"FloodFill top border background failed.");
+    return FromBorder(image, background, connectivity,
+                      [&](T* pixels, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+                          return FloodFillFromBorder(pixels, step, size, background, newValue,
+                                                     eightNeighbours, buffer);
+                      });
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes, unsigned char,
@@ -55,19 +66,14 @@ template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttr
                                                                        unsigned short, int);
 
 template <typename T> SOLVANE_RETURNCODE template_FillHoles(ImageAttributes image, int connectivity) {
-    constexpr T kMarker = std::numeric_limits<T>::max();
-    if (image.width < 1 || image.height < 1) return SOLVANE_OK;
-    if (!image.buffer) return Fail(SOLVANE_NULL_POINTER, L"The input image had a NULL buffer pointer.");
-    if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
-    auto const flood = [&](T background, T newValue) {
-        if (template_FloodBorderAreas(image, background, newValue, connectivity) == SOLVANE_OK)
-            return SOLVANE_OK;
-        return Fail(SOLVANE_OPERATION_FAILED, L"template_FloodBorderAreas to %% failed.");
-    };
-    SOLVANE_RETURNCODE const code = flood(T{0}, kMarker);
-    if (code != SOLVANE_OK) return code;
-    OverwriteZeros(ImageView<T>(image));
-    return flood(kMarker, T{0});
+    if (IsEmpty(image)) return SOLVANE_OK;
+    SOLVANE_RETURNCODE const code =
+        FromBorder(image, T{0}, connectivity,
+                   [](T* pixels, std::ptrdiff_t step, Size size, bool eightNeighbours, void* buffer) {
+                       return FloodHoles(pixels, step, size, eightNeighbours, buffer);
+                   });
+    if (code != SOLVANE_OPERATION_FAILED) return code;
+    return Fail(SOLVANE_OPERATION_FAILED, L"template_FloodBorderAreas to %% failed.");
 }
 
 template ZPA_INSTANCE_API SOLVANE_RETURNCODE template_FillHoles<unsigned char>(ImageAttributes, int);

@@ -92,6 +92,36 @@ void Table::Cells(std::string const& operation, std::string const& type, std::st
          << std::flush;
 }
 
+void WriteMarkdown(std::ostream& out, Machine const& machine, std::vector<Result> const& results) {
+    out << "- Processor: " << machine.processor << ", kernels for " << machine.instructionSet
+        << "\n- Threads: " << machine.threads
+        << ", of ours and of the peers\n- Compiler: " << machine.compiler
+        << (machine.optimised ? "" : ", WITHOUT OPTIMISATION") << "\n- Memory: copies "
+        << Gigabytes(machine.copyBytesPerSecond) << ", reads " << Gigabytes(machine.readBytesPerSecond)
+        << "\n- Peers:";
+    char const* separator = " ";
+    for (Peer const& peer : machine.peers) {
+        if (peer.version.empty()) continue;
+        out << separator << peer.name << " " << peer.version;
+        separator = ", ";
+    }
+    out << "\n\n| Operation | Type | Size | ns/pixel | Ratio | Quartiles | Memory | Peer |\n"
+           "|---|---|--:|--:|--:|---|--:|---|\n";
+    for (Result const& result : results) {
+        Row const& row = *result.row;
+        Measurement const& m = result.measurement;
+        out << "| " << row.operation << " | " << row.type << " | " << SizeOf(row) << " | ";
+        if (!result.failure.empty())
+            out << "failed | | | | " << result.failure;
+        else
+            out << Fixed(NanosecondsPerPixel(row, m.seconds), 3) << " | "
+                << (m.ratio ? Fixed(m.ratio->median, 2) : "") << " | "
+                << (m.ratio ? Fixed(m.ratio->low, 2) + " to " + Fixed(m.ratio->high, 2) : "") << " | "
+                << (m.share ? Fixed(100 * *m.share, 0) + " %" : "") << " | " << m.peer;
+        out << " |\n";
+    }
+}
+
 void WriteJson(std::ostream& out, Machine const& machine, std::vector<Result> const& results) {
     out << "{\n  \"machine\": {\n    \"processor\": " << Quoted(machine.processor)
         << ",\n    \"instructionSet\": " << Quoted(machine.instructionSet)

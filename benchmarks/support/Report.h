@@ -1,4 +1,4 @@
-// Results as a table to read and as JSON to keep.
+// Results as a table to read, as JSON to keep, and as a part of a page.
 #ifndef ZPA_BENCHMARKS_SUPPORT_REPORT_H
 #define ZPA_BENCHMARKS_SUPPORT_REPORT_H
 
@@ -35,6 +35,9 @@ private:
     int typeWidth_;
     int sizeWidth_;
 };
+
+// The machine and a table, in Markdown.
+void WriteMarkdown(std::ostream& out, Machine const& machine, std::vector<Result> const& results);
 
 void WriteJson(std::ostream& out, Machine const& machine, std::vector<Result> const& results);
 

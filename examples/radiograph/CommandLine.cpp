@@ -8,7 +8,8 @@ namespace Radiograph {
 char const kUsage[] =
     R"(Usage: radiograph [FILE] [--out DIR] [--invert]
 
-Flattens the background of a radiograph, and writes its pictures and a page that shows them.
+Flattens the background of a radiograph, finds the structures in it, and writes its pictures and a page
+that shows them.
 
   FILE       NAME.WIDTH.HEIGHT.raw with unsigned 16-bit pixels in the byte order of this machine.
              Without it a phantom of a chest is made.

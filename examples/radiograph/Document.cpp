@@ -35,6 +35,24 @@ BagPtr FiguresOf(Step const& step) {
     return bag;
 }
 
+// A bag a region, under its number.
+BagPtr RegionsOf(Findings const& found) {
+    BagPtr const regions = NewBag();
+    regions->Set("Count", found.regionCount);
+    for (Region const& region : found.regions) {
+        BagPtr const bag = NewBag();
+        bag->Set("Area", region.area);
+        bag->Set("Left", int{region.bounds.x});
+        bag->Set("Top", int{region.bounds.y});
+        bag->Set("Width", int{region.bounds.width});
+        bag->Set("Height", int{region.bounds.height});
+        bag->Set("Mean", region.mean);
+        bag->Set("Deviation", region.deviation);
+        regions->Set("Region" + std::to_string(region.label), bag);
+    }
+    return regions;
+}
+
 bool IsWhole(ZPA::Bag const& loaded, Step const& step) {
     if (!loaded.Has(step.name)) return false;
     ImagePtr const image = loaded.Get(step.name);
@@ -43,7 +61,8 @@ bool IsWhole(ZPA::Bag const& loaded, Step const& step) {
 
 }  // namespace
 
-void WriteDocument(std::vector<Step> const& steps, CommandLine const& options, OutputFolder const& folder) {
+void WriteDocument(Findings const& found, CommandLine const& options, OutputFolder const& folder) {
+    std::vector<Step> const& steps = found.steps;
     BagPtr const bag = NewBag();
     bag->Set("File", options.file);
     bag->Set("Invert", options.invert);
@@ -54,6 +73,7 @@ void WriteDocument(std::vector<Step> const& steps, CommandLine const& options, O
     }
     bag->Set("Parameters", parameters);
     bag->Set("Figures", figures);
+    bag->Set("Regions", RegionsOf(found));
     for (Step const& step : steps) bag->Set(step.name, step.result);
 
     ZPA::ZPA_BagIO io;

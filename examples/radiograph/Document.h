@@ -2,9 +2,6 @@
 #ifndef RADIOGRAPH_DOCUMENT_H
 #define RADIOGRAPH_DOCUMENT_H
 
-#include <string>
-#include <vector>
-
 #include "radiograph/CommandLine.h"
 #include "radiograph/OutputFolder.h"
 #include "radiograph/Processing.h"
@@ -15,7 +12,7 @@ inline constexpr char kDocument[] = "radiograph.xml";
 
 // Writes the document and, as its side files, the images again: a bag takes along all that belongs to it.
 // Throws a Failure if not all of it can be written.
-void WriteDocument(std::vector<Step> const& steps, CommandLine const& options, OutputFolder const& folder);
+void WriteDocument(Findings const& found, CommandLine const& options, OutputFolder const& folder);
 
 }  // namespace Radiograph
 

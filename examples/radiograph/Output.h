@@ -3,7 +3,6 @@
 #define RADIOGRAPH_OUTPUT_H
 
 #include <string>
-#include <vector>
 
 #include "radiograph/CommandLine.h"
 #include "radiograph/Processing.h"
@@ -12,7 +11,7 @@ namespace Radiograph {
 
 // Writes the images of all steps and the page that shows them, or nothing if any of it fails.
 // Returns the path of the page.
-std::string WriteOutput(std::vector<Step> const& steps, CommandLine const& options);
+std::string WriteOutput(Findings const& found, CommandLine const& options);
 
 }  // namespace Radiograph
 

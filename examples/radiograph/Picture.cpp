@@ -22,7 +22,7 @@ Picture Show(Image const& image, GreyScale scale) {
     }
     Pixels const pixels(image);
     Picture picture{image.GetWidth(), image.GetHeight(), std::vector<unsigned char>(pixels.size())};
-    std::transform(pixels.begin(), pixels.end(), picture.grey.begin(),
+    std::transform(pixels.begin(), pixels.end(), picture.samples.begin(),
                    [&](Pixel pixel) { return table[pixel]; });
     return picture;
 }
@@ -30,19 +30,23 @@ Picture Show(Image const& image, GreyScale scale) {
 Picture ScaleDown(Picture const& picture, int longest) {
     int const block = (std::max(picture.width, picture.height) - 1) / longest + 1;
     if (block == 1) return picture;
-    Picture small{(picture.width - 1) / block + 1, (picture.height - 1) / block + 1, {}};
-    small.grey.reserve(static_cast<std::size_t>(small.width) * static_cast<std::size_t>(small.height));
+    int const channels = picture.channels;
+    Picture small{(picture.width - 1) / block + 1, (picture.height - 1) / block + 1, {}, channels};
+    auto const sampleAt = [&](int x, int y, int channel) {
+        auto const pixel = static_cast<std::ptrdiff_t>(y) * picture.width + x;
+        return picture.samples[static_cast<std::size_t>(pixel * channels + channel)];
+    };
     for (int top = 0; top < picture.height; top += block) {
         int const bottom = std::min(top + block, picture.height);
         for (int left = 0; left < picture.width; left += block) {
             int const right = std::min(left + block, picture.width);
-            long long sum = 0;
-            for (int y = top; y < bottom; ++y) {
-                auto const* const row = picture.grey.data() + static_cast<std::ptrdiff_t>(y) * picture.width;
-                for (int x = left; x < right; ++x) sum += row[x];
-            }
             long long const count = static_cast<long long>(bottom - top) * (right - left);
-            small.grey.push_back(static_cast<unsigned char>((sum + count / 2) / count));
+            for (int channel = 0; channel < channels; ++channel) {
+                long long sum = 0;
+                for (int y = top; y < bottom; ++y)
+                    for (int x = left; x < right; ++x) sum += sampleAt(x, y, channel);
+                small.samples.push_back(static_cast<unsigned char>((sum + count / 2) / count));
+            }
         }
     }
     return small;

@@ -11,7 +11,8 @@ namespace Radiograph {
 
 struct Picture {
     int width, height;
-    std::vector<unsigned char> grey;  // packed; 0 is black
+    std::vector<unsigned char> samples;  // packed; 0 is black
+    int channels = 1;                    // of a pixel: 3 are red, green and blue
 };
 
 // The pixel values that are shown black and white, either of which may be the higher one. What lies between

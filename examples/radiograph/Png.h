@@ -11,6 +11,9 @@ namespace Radiograph {
 // The bytes of the file.
 std::string EncodePng(Picture const& picture);
 
+// Which libpng that is.
+char const* PngVersion();
+
 }  // namespace Radiograph
 
 #endif

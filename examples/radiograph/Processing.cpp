@@ -1,6 +1,7 @@
 // The steps, in their order.
 #include "radiograph/Processing.h"
 
+#include <Basics/AnisotropicGaussian.h>
 #include <Basics/BlockAverage.h>
 #include <Basics/FlatTopFilter.h>
 #include <Basics/HomoFilter.h>
@@ -8,6 +9,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "radiograph/Edges.h"
+#include "radiograph/Histogram.h"
 #include "radiograph/Input.h"
 #include "radiograph/Library.h"
 #include "radiograph/Phantom.h"
@@ -16,6 +19,8 @@
 
 namespace Radiograph {
 namespace {
+
+constexpr std::size_t kRegionsShown = 12;
 
 // Runs `make`, and keeps what it made as the next step.
 template <typename Make>
@@ -71,6 +76,13 @@ ImagePtr Normalised(Image const& input, double sigma) {
     return normalised;
 }
 
+ImagePtr Smoothed(Image const& input, double sigma) {
+    ImagePtr const smoothed = NewImage(input.GetWidth(), input.GetHeight());
+    ZPA::ImageAttributes output = *smoothed;
+    Check(ZPA::AnisotropicGaussian(input, &output, sigma, sigma, 0, 0, 0), "cannot smooth the radiograph");
+    return smoothed;
+}
+
 ImagePtr Preview(Image const& input, int factor) {
     int const width = input.GetWidth() / factor;
     int const height = input.GetHeight() / factor;
@@ -83,43 +95,73 @@ ImagePtr Preview(Image const& input, int factor) {
 
 }  // namespace
 
-std::vector<Step> Process(std::string const& file) {
-    std::vector<Step> steps;
+Findings Process(std::string const& file) {
+    Findings found;
+    std::vector<Step>& steps = found.steps;
     bool const phantom = file.empty();
 
-    auto const input =
+    found.input =
         Do(steps, "Input", "input",
            phantom ? "A phantom of a chest, as a detector with logarithmic amplification would record it."
                    : "The radiograph as it was read.",
            [&] { return phantom ? MakePhantom(2048) : ReadRadiograph(file); });
+    Image const& input = *found.input;
+    int const side = std::min(input.GetWidth(), input.GetHeight());
 
-    int const across = Window(input->GetWidth());
-    int const down = Window(input->GetHeight());
+    int const across = Window(input.GetWidth());
+    int const down = Window(input.GetHeight());
     auto const background = Do(steps, "Background", "background",
                                "The mean of every pixel’s surroundings, " + Dimensions(across, down) +
                                    " pixels, cut off at the edges.",
-                               [&] { return Background(*input, across, down); });
+                               [&] { return Background(input, across, down); });
     steps.back().parameters = {{"WindowWidth", across}, {"WindowHeight", down}};
 
-    Do(steps, "Flattened", "flattened",
-       "Input − background + the background’s mean, kept within 16 bits: what is large and "
-       "slow has gone, what is small and sharp stands out.",
-       [&] { return Flattened(*input, *background); });
+    found.flattened = Do(steps, "Flattened", "flattened",
+                         "Input − background + the background’s mean, kept within 16 bits: what is large and "
+                         "slow has gone, what is small and sharp stands out.",
+                         [&] { return Flattened(input, *background); });
 
-    int const side = std::min(input->GetWidth(), input->GetHeight());
-    double const sigma = std::max(1.0, side / 64.0);
     Do(steps, "Normalised", "normalised",
        "Every pixel’s distance from its surroundings’ mean in units of their deviation: faint structures "
-       "show as "
-       "clearly as strong ones.",
-       [&] { return Normalised(*input, sigma); });
+       "show as clearly as strong ones.",
+       [&] { return Normalised(input, std::max(1.0, side / 64.0)); });
+
+    Do(steps, "Edges", "edges", "How steeply grey values change, by Sobel’s kernels after slight smoothing.",
+       [&] { return Edges(input, std::max(0.5, side / 1000.0)); });
+
+    MaskPtr mask;
+    int const radius = std::clamp(side / 256, 1, 6);
+    Do(steps, "Mask", "mask",
+       "Where more of the beam arrived than Otsu’s threshold of the flattened image parts off, after "
+       "smoothing: opened and closed with a disk of radius " +
+           std::to_string(radius) + ", and without holes.",
+       [&] {
+           ImagePtr const smoothed = Smoothed(*found.flattened, std::max(0.5, side / 512.0));
+           found.threshold = OtsuThreshold(CountByValue(*smoothed));
+           mask = Above(*smoothed, found.threshold);
+           CleanUp(*mask, radius);
+           return Widened(*mask);
+       });
+    steps.back().parameters = {{"Threshold", found.threshold}, {"Radius", radius}};
+    steps.back().look = Look::kMask;
+
+    Do(steps, "Regions", "regions",
+       "The parts of the mask that hang together, the largest in colour: their numbers are those of the "
+       "table.",
+       [&] {
+           Labels const labels = LabelRegions(*mask);
+           found.regionCount = labels.count;
+           found.regions = MeasureRegions(input, labels, kRegionsShown);
+           return labels.image;
+       });
+    steps.back().look = Look::kRegions;
 
     int const factor = std::clamp(side / 256, 1, 8);
     Do(steps, "Preview", "preview",
        "The means of blocks of " + Dimensions(factor, factor) + " pixels: small, and with less noise.",
-       [&] { return Preview(*input, factor); });
+       [&] { return Preview(input, factor); });
 
-    return steps;
+    return found;
 }
 
 }  // namespace Radiograph

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "radiograph/Image.h"
+#include "radiograph/Regions.h"
 
 namespace Radiograph {
 
@@ -15,6 +16,9 @@ struct Parameter {
     int value;
 };
 
+// How a result is shown.
+enum class Look { kGrey, kMask, kRegions };
+
 // One step: what a person should know of it, and what it made.
 struct Step {
     std::string title;
@@ -23,11 +27,22 @@ struct Step {
     ImagePtr result;
     double seconds = 0;
     std::vector<Parameter> parameters = {};
+    Look look = Look::kGrey;
 };
 
-// Reads `file`, or makes a phantom if it is empty, and flattens its background. Tells the terminal of every
-// step.
-std::vector<Step> Process(std::string const& file);
+// Everything that was found.
+struct Findings {
+    std::vector<Step> steps;
+    ImagePtr input;
+    ImagePtr flattened;  // what was parted by the threshold
+    Pixel threshold;
+    int regionCount;
+    std::vector<Region> regions;  // the largest, the largest first, measured in the input
+};
+
+// Reads `file`, or makes a phantom if it is empty; flattens its background, and finds its structures. Tells
+// the terminal of every step.
+Findings Process(std::string const& file);
 
 }  // namespace Radiograph
 

@@ -1,4 +1,4 @@
-// Flattens the background of a radiograph, and makes a page that shows how.
+// Flattens the background of a radiograph, finds its structures, and makes a page that shows how.
 #include <cstdio>
 #include <exception>
 #include <new>

@@ -110,6 +110,9 @@ private:
     std::unique_ptr<std::list<ZPA_Ptr<Any>>> values_;
     std::unique_ptr<std::list<int>> sizes_;
     std::unique_ptr<std::list<bool>> dirty_;
+
+    struct Table;
+    mutable std::unique_ptr<Table> table_;  // null in a small bag
 };
 
 }  // namespace ZPA

@@ -28,13 +28,15 @@
 /// transformed in turn (W. M. Gentleman, G. Sande, "Fast Fourier transforms for fun and profit", 1966; D. H.
 /// Bailey, "FFTs in external or hierarchical memory", 1990), with radix 8 and 4 inside.
 ///
-/// Filtering a column of an image in its spectrum, here dropping all but its 16 lowest frequencies:
+/// Filtering a column of 2048 real values, which are 1024 complex points, in its spectrum, where only its 16
+/// lowest frequencies stay:
 ///
-///     double column[2048];                       // real values; 2048 of them are 1024 complex points
-///     ZPA::realFFT_DBL(column, 1024, 1);         // column[2k], column[2k + 1]: frequency k
-///     for (int k = 16; k < 1024; ++k) column[2 * k] = column[2 * k + 1] = 0;
-///     column[1] = 0;                             // the highest frequency, in the place of 0's imaginary part
-///     ZPA::realFFT_DBL(column, 1024, -1);        // filtered, in the scale it had
+/// @code{.cpp}
+/// ZPA::realFFT_DBL(column, 1024, 1);  // column[2k], column[2k + 1]: frequency k
+/// for (int k = 16; k < 1024; ++k) column[2 * k] = column[2 * k + 1] = 0;
+/// column[1] = 0;                       // the highest frequency, in the place of 0's imaginary part
+/// ZPA::realFFT_DBL(column, 1024, -1);  // filtered, in the scale it had
+/// @endcode
 
 namespace ZPA {
 
@@ -50,7 +52,7 @@ ZPA_C_API void FFT_DBL(double* data, int n, int sign);
 /// @param data  n rows of n points, row after row: 2 n n reals.
 /// @param n     The side, a power of two.
 /// @param sign  +1: without a factor. -1: the inverse, divided by n once for the rows and once for the
-/// columns.
+///              columns.
 ZPA_C_API void FFT2d_DBL(double* data, int n, int sign);
 
 /// Transforms 2n real values to n + 1 frequencies, of which the first and the last are real, and back.
@@ -99,9 +101,8 @@ ZPA_C_API void realIFFT2_DBL(double* fft1, double const* fft2, double* out1, dou
 /// @param n      A power of two.
 /// @param ans    Out: n reals; may be one of the inputs.
 /// @param work   2n reals that are overwritten, or null, to have them allocated for the call. If that fails
-/// it
-///               is logged with code 1 as "correl(): Memory allocation failed for ... bytes.", and `ans` is
-///               left as it was.
+///               it is logged with code 1 as "correl(): Memory allocation failed for ... bytes.", and `ans`
+///               is left as it was.
 ZPA_C_API void correl(float const* data1, float const* data2, int n, float* ans, float* work);
 /// Correlates two real sequences, without a factor: correl in double precision, times n / 2.
 ///

@@ -29,11 +29,9 @@ namespace ZPA {
 /// @param mask        See the file's head. eByte, eUInt16 or eInt16.
 /// @param maskOrigin  See the file's head.
 /// @param minValue    Null for 0, or for 1 - 2^(b-1) if the image is eInt16: -32767 at 16 bits, so that
-/// -32768
-///                    is not counted.
+///                    -32768 is not counted.
 /// @param maxValue    Null for 2^b - 1 by the low bits that the type holds, or for 2^(b-1) - 1 if the image
-/// is
-///                    eInt16.
+///                    is eInt16.
 /// @param histogram   In and out: maxValue - minValue + 1 elements.
 ///
 /// @retval 0  Done.

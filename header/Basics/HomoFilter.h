@@ -17,17 +17,17 @@ namespace ZPA {
 /// Integer outputs are rounded and wrap around as CopyPixels tells; as most results lie between -3 and 3,
 /// eDouble is what most callers want.
 ///
-/// Cost: that of two calls of AnisotropicGaussian and three passes, on the caller's thread. The work memory
-/// is one double image, another one where the input is not an eDouble image without padding, and another one
-/// where the output is not, or shares memory with the input.
+/// Cost: about one and a half times that of two calls of AnisotropicGaussian, on the caller's thread; the two
+/// divisions and the root of every pixel make the half. The work memory is one double image, another one
+/// where the input is not an eDouble image without padding, another one where the output is not, or shares
+/// memory with the input, and some megabytes.
 ///
 /// @param input   eByte, eUInt16 or eDouble.
 /// @param sigma   Standard deviation of the window, in pixels.
-/// @param output  In and out. With pixels: any of these types, in the input's size; it may be the input. With
-/// a
-///                null pixel pointer it becomes an eDouble image of 64 bits per pixel without padding, with
-///                the input's pixel spacing; its pixels belong to the caller, who frees them with FreePixels
-///                or `delete[]`.
+/// @param output  In and out. With pixels: any of these types, in the input's size; it may be the input.
+///                With a null pixel pointer it becomes an eDouble image of 64 bits per pixel without padding,
+///                with the input's pixel spacing; its pixels belong to the caller, who frees them with
+///                FreePixels or `delete[]`.
 ///
 /// @retval 0    Done.
 /// @retval 2    "The input image had a NULL buffer pointer."

@@ -27,8 +27,7 @@ namespace ZPA {
 /// @param nl  The first index, 1 by custom.
 /// @param nh  The last index; nl - 1 for no elements.
 /// @return the vector, to be freed with delete_vector; null if there is no memory, or `nh` is below nl - 1:
-/// code 1,
-///         "alloc_vector(): Memory allocation failed for ... bytes."
+///         code 1, "alloc_vector(): Memory allocation failed for ... bytes."
 ZPA_C_API float* alloc_vector(int nl, int nh);
 /// Frees an offset vector; null is ignored.
 /// @param v   From alloc_vector.
@@ -42,9 +41,8 @@ ZPA_C_API void delete_vector(float* v, int nl);
 /// @param ncl  The first column.
 /// @param nch  The last column; ncl - 1 for none.
 /// @return the matrix, to be freed with delete_matrix; null if there is no memory, or a last index is lower:
-/// code 1,
-///         "alloc_matrix(): Memory allocation failed for ... bytes." If there was memory for the row pointers
-///         and not for the elements, the row pointers are NOT released.
+///         code 1, "alloc_matrix(): Memory allocation failed for ... bytes." If there was memory for the row
+///         pointers and not for the elements, the row pointers are NOT released.
 ZPA_C_API float** alloc_matrix(int nrl, int nrh, int ncl, int nch);
 /// Frees an offset matrix; null is ignored.
 /// @param m    From alloc_matrix. Its first row pointer must be the one that it came with.
@@ -88,12 +86,11 @@ ZPA_C_API double dpythag_DBL(double a, double b);
 /// pivot of zero is replaced by 1e-20.
 ///
 /// @param a     n * n elements, replaced: below the diagonal the lower triangle, whose diagonal is 1, and
-/// from the
-///              diagonal on the upper one.
+///              from the diagonal on the upper one.
 /// @param n     Rows and columns.
 /// @param indx  Out: n numbers; in step j, rows j and indx[j] (0 and up) were exchanged.
 /// @param d     Out: 1 for an even number of exchanges, else -1. The determinant is d times the diagonal's
-/// product.
+///              product.
 ZPA_C_API void ludcmp(double* a, int n, int* indx, double* d);
 /// ludcmp with work space always from the heap, and another text for a row of zeros: code 999, "ludcmp_DBL():
 /// singular matrix."
@@ -107,8 +104,7 @@ ZPA_C_API void ludcmp_DBL(double* a, int n, int* indx, double* d);
 /// @param a     n * n elements from ludcmp. Read only.
 /// @param n     The number of unknowns.
 /// @param indx  n numbers from ludcmp. One that is not from 0 to n - 1 is refused: code 3, "lubksb(): Row
-/// index out
-///              of range."
+///              index out of range."
 /// @param b     n elements: the right-hand side, replaced by the solution.
 ZPA_C_API void lubksb(double const* a, int n, int const* indx, double* b);
 /// lubksb under another name.
@@ -131,7 +127,7 @@ ZPA_C_API void sollequ(double* a, int n, double* b);
 /// @param b  n elements: the right-hand side, replaced by the solution.
 ZPA_C_API void sollequ_DBL(double* a, int n, double* b);
 
-/// Inverts a square matrix. Cost: 8/3 n^3 operations.
+/// Inverts a square matrix. Cost: 2 n^3 operations.
 ///
 /// The caller is NOT told of a singular matrix: ludcmp_DBL logs a row of zeros, and what is left in `inverse`
 /// means nothing then. No memory: code 1, "invmatrix_DBL(): Memory allocation failed for ... bytes.";
@@ -152,8 +148,7 @@ ZPA_C_API void invmatrix_DBL(double* a, double* inverse, int n);
 ///
 /// @param a  Offset matrix, rows 1 to m, columns 1 to n; replaced by U.
 /// @param m  Rows. With fewer rows than columns, columns of U and singular values that there is no rank for
-/// are
-///           zero.
+///           are zero.
 /// @param n  Columns.
 /// @param w  Out: offset vector, 1 to n: the singular values, none below zero, in no order.
 /// @param v  Out: offset matrix, 1 to n both ways: V, not its transpose.
@@ -161,11 +156,10 @@ ZPA_C_API void invmatrix_DBL(double* a, double* inverse, int n);
 /// @retval 0    Done, or nothing to do.
 /// @retval 2    "svdcmp(): Null pointer."
 /// @retval 5    No memory for the work vector: "svdcmp():alloc_vector() for 'rv1' failed with params nl=%d,
-/// nh=%d"
+///              nh=%d"
 /// @retval 1    No memory for the rest: "svdcmp(): Memory allocation failed for ... bytes."
 /// @retval 999  "svdcmp() - No convergence in 30 svdcmp iterations.", as with entries that are not numbers.
-/// What was
-///              reached is left in `a`, `w` and `v`.
+///              What was reached is left in `a`, `w` and `v`.
 ZPA_C_API SOLVANE_RETURNCODE svdcmp(float** a, int m, int n, float* w, float** v);
 
 /// svdcmp in double precision.
@@ -179,7 +173,7 @@ ZPA_C_API SOLVANE_RETURNCODE svdcmp(float** a, int m, int n, float* w, float** v
 /// @retval 2    "dsvdcmp_DBL(): Null pointer."
 /// @retval 999  No memory: "svdcmp(): no enough memory."
 /// @retval 999  "svdcmp(): no convergence in 30 svdcmp iterations." What was reached is left in `a`, `w` and
-/// `v`.
+///              `v`.
 ZPA_C_API SOLVANE_RETURNCODE dsvdcmp_DBL(double** a, int m, int n, double* w, double** v);
 
 /// Solves a x = b, or comes as near as can be, with a matrix that svdcmp has taken apart: x = V diag(1/w)

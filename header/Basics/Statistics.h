@@ -13,8 +13,7 @@
 /// Operations on images share one rule for the pixels that they work on, told by three optional arguments:
 /// - `roi`: a rectangle inside the image; null for the whole image.
 /// - `mask`: an image of type eByte and of any size, whose pixels select where they are not zero; null
-/// selects
-///   all.
+///   selects all.
 /// - `maskOrigin`: where in the mask the rectangle begins, null for (0, 0): mask pixel (maskOrigin.x + i,
 ///   maskOrigin.y + j) governs pixel (roi.x + i, roi.y + j).
 ///
@@ -107,9 +106,8 @@ ZPA_C_API SOLVANE_RETURNCODE ImageCountOfN(ImageAttributes image, Rectangle cons
 /// @param maskOrigin      See the file's head.
 /// @param n               The value.
 /// @param targetCount     In and out; one of the two may be null. A descriptor without a buffer gets one of
-/// type
-///                        eUInt32, with as many elements as there are rows. It belongs to the caller, who
-///                        frees it with FreePixels or `delete[]`. A buffer that the caller gives has that
+///                        type eUInt32, with as many elements as there are rows. It belongs to the caller,
+///                        who frees it with FreePixels or `delete[]`. A buffer that the caller gives has that
 ///                        type, and room for that many; elements beyond are not touched.
 /// @param notTargetCount  In and out.
 ///
@@ -162,8 +160,7 @@ ZPA_C_API SOLVANE_RETURNCODE NormalizeImage(ImageAttributes image, Rectangle con
 /// @param start   The first index; null for 0.
 /// @param end     The index behind the last one; null for the buffer's size.
 /// @param output  Of the same size; receives elements of the buffer's type. Others keep their values. It may
-/// be
-///                the buffer.
+///                be the buffer.
 ///
 /// @retval 0  Done.
 /// @retval 2  `output` is null: "The output buffer had a NULL buffer pointer."
@@ -184,14 +181,12 @@ ZPA_C_API SOLVANE_RETURNCODE NormalizeBuffer(BufferAttributes buffer, int const*
 /// @param mask        See the file's head.
 /// @param maskOrigin  See the file's head.
 /// @param output      Written by the INPUT's stride, whatever its own. Other pixels keep their values. It may
-/// be
-///                    the input.
+///                    be the input.
 ///
 /// @retval 0  Done.
 /// @retval 2  "Ouput pointer is null"
 /// @retval 7  The types differ, or height * stride does: "The output and input images must be of the same
-/// type
-///            and type"
+///            type and type"
 /// @retval 7  "The mask must be of type eByte."
 /// @retval 6  "The input image must be of type eByte or eUInt16."
 /// @retval 2  "The input image had a NULL buffer pointer."

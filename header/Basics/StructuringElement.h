@@ -18,7 +18,7 @@
 ///   centre gives a negative size, and no such mask can be filled.
 /// - "periodicline": `param1` is a count, `param2` the address of two `double`, a step in rows and one in
 ///   columns. Sets the pixel at the centre, and `param1` more on either side, each one step further,
-///   truncated toward zero. Height and width are 2 * param1 * (size of the step) + 1.
+///   truncated toward zero. Height and width are 2 * trunc(param1 * |step|) + 1.
 /// - "disk": `param1` is the radius. Copies a fixed pattern; the mask's side is (radius + param3) * 2 - 1.
 ///   Radius 1 and 2 want `param3` 1, radius 3, 4 and 6 want 0, and radius 5 has a pattern for either. The
 ///   centre is not written.
@@ -63,8 +63,7 @@ ZPA_C_API SOLVANE_RETURNCODE strel_GetBufferSize(char const* shape, int param1, 
 /// eUInt16 mask it writes ONE BLOCK OF 242 BYTES, the pattern of radius 6 without padding, whatever the
 /// radius and the stride: the caller must give that much memory. For other types it writes nothing.
 ///
-/// @param se      The mask: pixels, size, stride and type are used. Pixels beyond the shape are kept by
-/// "disk"
+/// @param se      The mask: pixels, size, stride and type are used. Pixels beyond the shape are kept by "disk"
 ///                and cleared by the lines; "line" also clears the padding.
 /// @param center  Out: column and row of the centre. From one for "square" and "rectangle" (a square of 3 has
 ///                2.0, 2.0), from zero for the lines. None of the operations reads it. May be null for
@@ -75,9 +74,8 @@ ZPA_C_API SOLVANE_RETURNCODE strel_GetBufferSize(char const* shape, int param1, 
 /// @param param3  As listed above.
 ///
 /// @retval 0  Done.
-/// @retval 4  A side below 1, or a mask of another size: "MakeSquareStrel::param1 = %d is not supported.",
-/// for
-///            rectangles (sic) "MakeSquareStrel::param1,param2 = %d,%d is not supported."
+/// @retval 4  A side below 1, or a mask of another size: "MakeSquareStrel::param1 = %d is not supported." For
+///            rectangles (sic): "MakeSquareStrel::param1,param2 = %d,%d is not supported."
 /// @retval 4  A length below 1: "MakeLineStrel(int len = %d, double theta_d = %x) error". The last number is
 ///            the low half of the angle's address.
 /// @retval 4  A mask of another size, or of none: "MakeLineStrel(int len = %d, double theta_d = %x) buffer

@@ -22,6 +22,7 @@
 #include <Basics/ImageBuffer.h>
 #include <Basics/IProcess.h>
 #include <Basics/LinearAlgebra.h>
+#include <Basics/LinearFilters.h>
 #include <Basics/Logging.h>
 #include <Basics/LogicalPixelOp.h>
 #include <Basics/Morphology.h>

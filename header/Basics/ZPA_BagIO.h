@@ -36,7 +36,7 @@ namespace ZPA {
 ///
 /// Loaded images have rows without padding and own their pixels. A raw file that is missing, or not as long
 /// as its image, leaves zeros, and the log has the error of ReadRaw. A width or height below 1, and an image
-/// beyond 64 MiB that its file does not back, ends the reading of the bag that it stands in.
+/// beyond what BagIO lets a document ask for without a file, ends the reading of the bag that it stands in.
 ///
 /// Vectors of images are written as BagIO describes vectors of bags, which is how they are read: they do not
 /// come back as images. They should stand in the outermost bag, since they mark the bag that they stand in as

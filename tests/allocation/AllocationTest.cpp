@@ -5,58 +5,20 @@
 #include <Basics/PixelOperations.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cwchar>
 #include <new>
 #include <stdexcept>
 #include <string>
 
+#include "allocation/Allocations.h"
 #include "support/CapturedLog.h"
-
-namespace {
-
-// For the thread that arms them: allocations until the one that fails, and those since.
-thread_local int untilFailure = -1;
-thread_local int allocations = 0;
-thread_local long blocks = 0;
-
-void* Allocate(std::size_t size) noexcept {
-    ++allocations;
-    if (untilFailure >= 0 && untilFailure-- == 0) return nullptr;
-    void* const block = std::malloc(size > 0 ? size : 1);
-    if (block) ++blocks;
-    return block;
-}
-
-void Free(void* block) noexcept {
-    if (block) --blocks;
-    std::free(block);
-}
-
-void* AllocateOrThrow(std::size_t size) {
-    void* const block = Allocate(size);
-    if (!block) throw std::bad_alloc();
-    return block;
-}
-
-}  // namespace
-
-// For the whole program, the library included.
-void* operator new(std::size_t size) { return AllocateOrThrow(size); }
-void* operator new[](std::size_t size) { return AllocateOrThrow(size); }
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return Allocate(size); }
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return Allocate(size); }
-void operator delete(void* block) noexcept { Free(block); }
-void operator delete[](void* block) noexcept { Free(block); }
-void operator delete(void* block, std::size_t) noexcept { Free(block); }
-void operator delete[](void* block, std::size_t) noexcept { Free(block); }
-void operator delete(void* block, std::nothrow_t const&) noexcept { Free(block); }
-void operator delete[](void* block, std::nothrow_t const&) noexcept { Free(block); }
 
 namespace ZPA {
 namespace {
 
+using Testing::Allocations;
 using Testing::CapturedLog;
+using Testing::ThisThreadsAllocations;
 
 // The log without memory of its own.
 struct Heard {
@@ -80,12 +42,13 @@ protected:
     // Runs the body while its allocation number `fails`, from 0, fails, and nothing may leak.
     template <typename Body> static void Failing(int fails, Body const& body) {
         heard = {};
-        long const before = blocks;
-        untilFailure = fails;
+        Allocations& own = ThisThreadsAllocations();
+        long const before = own.blocks;
+        own.untilFailure = fails;
         body();
-        EXPECT_EQ(untilFailure, -1) << "there is no allocation " << fails;
-        untilFailure = -1;
-        EXPECT_EQ(blocks, before) << "leak when allocation " << fails << " fails";
+        EXPECT_EQ(own.untilFailure, -1) << "there is no allocation " << fails;
+        own.untilFailure = -1;
+        EXPECT_EQ(own.blocks, before) << "leak when allocation " << fails << " fails";
     }
     CapturedLog log;
 };
@@ -169,20 +132,20 @@ TEST_F(Allocation, IsNotNeededForFortyUnknowns) {
     double matrix[41 * 41] = {}, x[41] = {};
     for (int const n : {40, 41}) {
         for (int i = 0; i < n; ++i) matrix[i * n + i] = 2;
-        int const before = allocations;
+        int const before = ThisThreadsAllocations().made;
         sollequ(matrix, n, x);
-        EXPECT_EQ(allocations > before, n > 40);
+        EXPECT_EQ(ThisThreadsAllocations().made > before, n > 40);
     }
 }
 
 TEST_F(Allocation, IsNotNeededToLog) {
     ZPA_Logging::EnableDebug(eLogFunction, true);
     ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
-    int const before = allocations;
+    int const before = ThisThreadsAllocations().made;
     ZPA_Logging::LogError(L"folder/file.cpp", 1, 4, L"%s %S %d %p %5.3f", L"wide", "narrow", 1, &heard, 1.5);
     ZPA_Logging::LogDebug(L"folder/file.cpp", 1, eLogFunction, L"%600s", L"");
     { EntryExitLogging const scope(L"f", eLogFunction); }
-    EXPECT_EQ(allocations, before);
+    EXPECT_EQ(ThisThreadsAllocations().made, before);
     EXPECT_EQ(heard.errors, 4);
 }
 

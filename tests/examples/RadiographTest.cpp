@@ -2,10 +2,15 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <cmath>
+
+#include "radiograph/Edges.h"
 #include "radiograph/HistogramPlot.h"
+#include "radiograph/Overlay.h"
 #include "radiograph/Phantom.h"
 #include "radiograph/Picture.h"
 #include "radiograph/Png.h"
+#include "radiograph/Regions.h"
 #include "radiograph/Report.h"
 #include "radiograph/Statistics.h"
 #include "radiograph/Text.h"
@@ -85,9 +90,9 @@ TEST(Histogram, IsDrawnInsideItsFrame) {
 TEST(Picture, SpreadsEitherDirectionAndCutsTheRest) {
     auto const image = ImageOf(5, {0, 100, 150, 200, 65535});
     using Grey = std::vector<unsigned char>;
-    EXPECT_EQ(Show(*image, {100, 200}).grey, (Grey{0, 0, 128, 255, 255}));
-    EXPECT_EQ(Show(*image, {200, 100}).grey, (Grey{255, 255, 128, 0, 0}));
-    EXPECT_EQ(Show(*image, {150, 150}).grey, (Grey{0, 0, 0, 255, 255}));  // one value only: no division
+    EXPECT_EQ(Show(*image, {100, 200}).samples, (Grey{0, 0, 128, 255, 255}));
+    EXPECT_EQ(Show(*image, {200, 100}).samples, (Grey{255, 255, 128, 0, 0}));
+    EXPECT_EQ(Show(*image, {150, 150}).samples, (Grey{0, 0, 0, 255, 255}));  // one value only: no division
     Counts const counts = CountByValue(*image);
     EXPECT_GT(ChooseScale(counts, true).black, ChooseScale(counts, true).white);
 }
@@ -97,8 +102,79 @@ TEST(Picture, ScalesDownWithPartialBlocksAtTheEdges) {
     Picture const small = ScaleDown(picture, 3);
     EXPECT_EQ(small.width, 3);
     EXPECT_EQ(small.height, 2);
-    EXPECT_EQ(small.grey, (std::vector<unsigned char>{15, 35, 50, 71, 90, 7}));
-    EXPECT_EQ(ScaleDown(picture, 5).grey, picture.grey);
+    EXPECT_EQ(small.samples, (std::vector<unsigned char>{15, 35, 50, 71, 90, 7}));
+    EXPECT_EQ(ScaleDown(picture, 5).samples, picture.samples);
+    // The colours of a pixel stay apart.
+    Picture const colours{2, 2, {0, 10, 20, 2, 12, 22, 4, 14, 24, 6, 16, 26}, 3};
+    EXPECT_EQ(ScaleDown(colours, 1).samples, (std::vector<unsigned char>{3, 13, 23}));
+}
+
+TEST(Edges, AreAsSteepAsTheGreyValuesChange) {
+    ImagePtr const slope = NewImage(40, 30);
+    for (int i = 0; i < 40 * 30; ++i)
+        Pixels(*slope).begin()[i] = static_cast<Pixel>(1000 + 30 * (i % 40) + 40 * (i / 40));
+    ImagePtr const edges = Edges(*slope, 0);
+    auto const at = [&](int x, int y) { return Pixels(*edges).begin()[y * 40 + x]; };
+    for (int y = 1; y < 29; ++y)
+        for (int x = 1; x < 39; ++x) ASSERT_EQ(at(x, y), 8 * 50) << x << ", " << y;
+    for (int x = 0; x < 40; ++x) EXPECT_EQ(at(x, 0) + at(x, 29), 0);
+    for (int y = 0; y < 30; ++y) EXPECT_EQ(at(0, y) + at(39, y), 0);
+}
+
+TEST(Regions, AreFoundAndMeasured) {
+    // A block with a hole and a spot, and apart from it another block.
+    ImagePtr const image = NewImage(40, 30);
+    std::fill(Pixels(*image).begin(), Pixels(*image).end(), Pixel{100});
+    auto const fill = [&](ZPA::Rectangle area, Pixel value) {
+        for (int y = area.y; y < area.y + area.height; ++y)
+            std::fill_n(image->GetBufferPtr() + y * 40 + area.x, area.width, value);
+    };
+    fill({25, 2, 6, 5}, 60000);
+    fill({4, 6, 12, 15}, 50000);
+    fill({8, 10, 2, 2}, 100);
+    fill({36, 28, 1, 1}, 60000);
+    MaskPtr const mask = Above(*image, 100);
+    CleanUp(*mask, 1);
+    Labels const labels = LabelRegions(*mask);
+    EXPECT_EQ(labels.count, 2);
+    std::vector<Region> const regions = MeasureRegions(*image, labels, 9);
+    ASSERT_EQ(regions.size(), 2U);
+    // An opening with the smallest disk, a cross, takes the corners.
+    Region const& large = regions[0];
+    EXPECT_EQ(large.label, 2);
+    EXPECT_EQ(large.area, 12 * 15 - 4);
+    EXPECT_EQ(large.bounds.x, 4);
+    EXPECT_EQ(large.bounds.y, 6);
+    EXPECT_EQ(large.bounds.width, 12);
+    EXPECT_EQ(large.bounds.height, 15);
+    EXPECT_EQ(large.middle.x, 10);
+    EXPECT_EQ(large.middle.y, 7);
+    // Four pixels of the hole have 100.
+    EXPECT_DOUBLE_EQ(large.mean, (172 * 50000.0 + 4 * 100) / 176);
+    EXPECT_NEAR(large.deviation, 49900 * std::sqrt(172.0 * 4) / 176, 1e-6);
+    EXPECT_EQ(regions[1].label, 1);
+    EXPECT_EQ(regions[1].area, 26);
+    EXPECT_DOUBLE_EQ(regions[1].mean, 60000);
+    EXPECT_DOUBLE_EQ(regions[1].deviation, 0);
+    EXPECT_EQ(MeasureRegions(*image, labels, 1).size(), 1U);
+}
+
+TEST(Overlay, TintsRegionsAndLeavesTheRestGrey) {
+    ImagePtr const labels = NewImage(5, 5);
+    for (int i = 0; i < 25; ++i) Pixels(*labels).begin()[i] = i % 5 < 4 && i / 5 < 4 ? 9 : 0;
+    Region region{};
+    region.label = 9;
+    Picture const picture = Overlay({5, 5, std::vector<unsigned char>(25, 100)}, *labels, {region});
+    ASSERT_EQ(picture.samples.size(), 75U);
+    auto const at = [&](std::size_t x, std::size_t y) {
+        auto const pixel = picture.samples.begin() + static_cast<std::ptrdiff_t>((y * 5 + x) * 3);
+        return std::vector<unsigned char>(pixel, pixel + 3);
+    };
+    using Colour = std::vector<unsigned char>;
+    EXPECT_EQ(at(4, 4), (Colour{100, 100, 100}));
+    EXPECT_EQ(at(0, 0), (Colour{86, 180, 233}));  // on the outline
+    EXPECT_EQ(at(1, 1), (Colour{95, 124, 140}));
+    EXPECT_EQ(ColourOf(0), "#56b4e9");
 }
 
 TEST(Png, ReadsBackAsItWas) {
@@ -112,7 +188,7 @@ TEST(Png, ReadsBackAsItWas) {
     header.format = PNG_FORMAT_GRAY;
     std::vector<unsigned char> grey(6);
     ASSERT_TRUE(png_image_finish_read(&header, nullptr, grey.data(), 0, nullptr));
-    EXPECT_EQ(grey, picture.grey);
+    EXPECT_EQ(grey, picture.samples);
 }
 
 TEST(Text, GroupsDigitsOfTheWholePart) {
@@ -128,11 +204,19 @@ TEST(Report, HoldsItsPicturesAndEscapesItsTexts) {
     Section section;
     section.picture = {1, 1, {7}};
     section.fullSize = "a\"b.png";
+    section.marks = {{0.25, 0.5, "<7>"}};
     report.sections = {section};
+    report.regions = {"", {{"Region"}, {"<8>"}}, {"#123456"}};
+    report.times = {{"Step", "1 ms"}, {"Other", "4 ms"}};
+    report.seconds = {1e-3, 4e-3};
     std::string const page = MakePage(report);
     EXPECT_EQ(page.find("<b>"), std::string::npos);
     EXPECT_NE(page.find("&lt;b&gt;&amp;&quot;.raw"), std::string::npos);
     EXPECT_NE(page.find("href=\"a&quot;b.png\""), std::string::npos);
+    EXPECT_NE(page.find("<b style=\"left:25.00%;top:50.00%\">&lt;7&gt;</b>"), std::string::npos);
+    EXPECT_NE(page.find("<td><i style=\"background:#123456\"></i>&lt;8&gt;</td>"), std::string::npos);
+    EXPECT_NE(page.find("width:25.00%"), std::string::npos);
+    EXPECT_NE(page.find("width:100.00%"), std::string::npos);
     // The first eight bytes of every PNG file, and the length of its header.
     EXPECT_NE(page.find("src=\"data:image/png;base64,iVBORw0KGgoAAAANSUhEUg"), std::string::npos);
 }

@@ -20,6 +20,12 @@ template <typename Check> void ForEachSimdTarget(Check const& check) {
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
 }
 
+// Whether the instruction set that the kernels run on has fused multiply-adds.
+inline bool Fuses() {
+    constexpr std::int64_t kFusing = HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL;
+    return (hwy::SupportedTargets() & kFusing) != 0;
+}
+
 // Runs a check with 1, 2 and 5 threads.
 template <typename Check> void ForEachThreadCount(Check const& check) {
     int const usual = omp_get_max_threads();

@@ -1,0 +1,76 @@
+// fspecial: the standard kernels.
+#include <Basics/LinearFilters.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "Source/Internal/Frame.h"
+#include "Source/Internal/ImageView.h"
+
+namespace ZPA {
+namespace {
+
+// Parameters below this count as none, and values below this part of the largest as nothing. Callers compare
+// results with it.
+constexpr double kNegligible = 2.2204e-16;
+
+SOLVANE_RETURNCODE Average(ImageView<double> const& kernel) {
+    double const value = 1.0 / (static_cast<double>(kernel.Width()) * static_cast<double>(kernel.Height()));
+    for (std::ptrdiff_t y = 0; y < kernel.Height(); ++y) std::fill_n(kernel.Row(y), kernel.Width(), value);
+    return SOLVANE_OK;
+}
+
+SOLVANE_RETURNCODE Gaussian(ImageView<double> const& kernel, double parameter) {
+    double const sigma = parameter < kNegligible ? 0.5 : parameter;
+    double const cx = static_cast<double>(kernel.Width() - 1) * 0.5;
+    double const cy = static_cast<double>(kernel.Height() - 1) * 0.5;
+    auto const forEachElement = [&](auto const& visit) {
+        for (std::ptrdiff_t y = 0; y < kernel.Height(); ++y)
+            for (std::ptrdiff_t x = 0; x < kernel.Width(); ++x)
+                visit(kernel.Row(y)[x], static_cast<double>(x) - cx, static_cast<double>(y) - cy);
+    };
+    double largest = 0, sum = 0;
+    forEachElement([&](double& element, double dx, double dy) {
+        element = std::exp(-(dx * dx + dy * dy) / (2 * sigma * sigma));
+        largest = std::max(largest, element);
+    });
+    forEachElement([&](double& element, double, double) {
+        if (element < largest * kNegligible) element = 0;
+        sum += element;
+    });
+    forEachElement([&](double& element, double, double) {
+        if (element != 0) element /= sum;
+    });
+    return SOLVANE_OK;
+}
+
+SOLVANE_RETURNCODE Write(ImageAttributes const& kernel, double const (&elements)[9]) {
+    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0)
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel image is too small.");
+    std::memcpy(kernel.buffer, elements, sizeof elements);
+    return SOLVANE_OK;
+}
+
+SOLVANE_RETURNCODE Laplacian(ImageAttributes const& kernel, double parameter) {
+    double const a = parameter < kNegligible ? 0 : std::min(parameter, 1.0);
+    double const corner = a / (a + 1), edge = (1 - a) / (a + 1), centre = -4 / (a + 1);
+    return Write(kernel, {corner, edge, corner, edge, centre, edge, corner, edge, corner});
+}
+
+}  // namespace
+
+SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double parameter) {
+    if (!kernel.buffer) return Fail(SOLVANE_INVALID_ARGUMENT, L"The input buffer is NULL.");
+    if (kernel.type != eDouble) return Fail(SOLVANE_INVALID_ARGUMENT, L"Input image are not double type.");
+
+    auto const is = [&](char const* name) { return kind && std::strcmp(kind, name) == 0; };
+    if (is("laplacian")) return Laplacian(kernel, parameter);
+    if (is("sobel")) return Write(kernel, {1, 2, 1, 0, 0, 0, -1, -2, -1});
+    if (!is("average") && !is("gaussian")) return SOLVANE_UNSUPPORTED_TYPE;
+    if (RowsOverlap(kernel)) return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel's rows overlap.");
+    ImageView<double> const view(kernel);
+    return is("average") ? Average(view) : Gaussian(view, parameter);
+}
+
+}  // namespace ZPA

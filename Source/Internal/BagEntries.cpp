@@ -1,0 +1,111 @@
+// The entries of a bag by position and by key, and what changes all four lists at once.
+#include "Source/Internal/BagEntries.h"
+
+#include <new>
+#include <stdexcept>
+
+namespace ZPA {
+namespace {
+
+// Up to so many entries a walk is about as quick as a table (benchmarks/Bag.cpp).
+constexpr std::size_t kMostWalked = 128;
+
+}  // namespace
+
+BagEntries::Iterator BagEntries::Find(std::string_view key) const {
+    if (bag_.keys_->size() > kMostWalked && HasTable()) {
+        auto const found = bag_.table_->firsts.find(key);
+        return found == bag_.table_->firsts.end() ? end() : found->second;
+    }
+    // In step, so that the processor follows the four chains at the same time: walking the keys first and the
+    // other lists to the found position afterwards takes twice as long (benchmarks/Bag.cpp).
+    auto at = begin();
+    for (auto const last = end(); at != last && (*at).key != key;) ++at;
+    return at;
+}
+
+BagEntries::Iterator BagEntries::At(int index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= bag_.keys_->size()) return end();
+    auto at = begin();
+    for (; index > 0; --index) ++at;
+    return at;
+}
+
+void BagEntries::Append(std::string const& key, ZPA_Ptr<Any> const& value, int size, bool dirty) const {
+    RequireRoom(1);
+    // All nodes are made before the first one is linked, so that the lists stay of one length.
+    std::list<std::string> keys(1, key);
+    std::list<ZPA_Ptr<Any>> values(1, value);
+    std::list<int> sizes(1, size);
+    std::list<bool> flags(1, dirty);
+    Iterator const entry(keys.begin(), values.begin(), sizes.begin(), flags.begin());
+    bag_.values_->splice(bag_.values_->end(), values);
+    bag_.keys_->splice(bag_.keys_->end(), keys);
+    bag_.sizes_->splice(bag_.sizes_->end(), sizes);
+    bag_.dirty_->splice(bag_.dirty_->end(), flags);
+    if (bag_.table_) Enter(entry);
+}
+
+void BagEntries::AppendAll(Bag& other) const {
+    RequireRoom(other.keys_->size());
+    bag_.table_.reset();
+    other.table_.reset();
+    bag_.values_->splice(bag_.values_->end(), *other.values_);
+    bag_.keys_->splice(bag_.keys_->end(), *other.keys_);
+    bag_.sizes_->splice(bag_.sizes_->end(), *other.sizes_);
+    bag_.dirty_->splice(bag_.dirty_->end(), *other.dirty_);
+}
+
+void BagEntries::Rename(Iterator entry, std::string const& key) const {
+    std::string text = key;
+    if (HasEachKeyOnce() && bag_.table_->firsts.count(text) == 0) {
+        auto named = bag_.table_->firsts.extract(*entry.key_);
+        entry.key_->swap(text);
+        named.key() = *entry.key_;
+        bag_.table_->firsts.insert(std::move(named));
+    } else {
+        bag_.table_.reset();
+        entry.key_->swap(text);
+    }
+}
+
+void BagEntries::Remove(Iterator entry) const {
+    if (HasEachKeyOnce())
+        bag_.table_->firsts.erase(*entry.key_);
+    else
+        bag_.table_.reset();
+    bag_.keys_->erase(entry.key_);
+    bag_.values_->erase(entry.value_);
+    bag_.sizes_->erase(entry.size_);
+    bag_.dirty_->erase(entry.dirty_);
+}
+
+bool BagEntries::HasTable() const {
+    if (bag_.table_) return true;
+    try {
+        bag_.table_ = std::make_unique<Bag::Table>();
+    } catch (std::bad_alloc const&) {
+        return false;
+    }
+    for (auto at = begin(); bag_.table_ && at != end(); ++at) Enter(at);
+    return bag_.table_ != nullptr;
+}
+
+void BagEntries::Enter(Iterator entry) const {
+    try {
+        bag_.table_->firsts.emplace(*entry.key_, entry);
+    } catch (std::bad_alloc const&) {
+        bag_.table_.reset();
+    }
+}
+
+bool BagEntries::HasEachKeyOnce() const {
+    return bag_.table_ && bag_.table_->firsts.size() == bag_.keys_->size();
+}
+
+void BagEntries::RequireRoom(std::size_t more) const {
+    auto const& keys = *bag_.keys_;  // the list with the largest nodes
+    if (more > keys.max_size() - keys.size()) throw std::length_error("list<T> too long");
+}
+
+}  // namespace ZPA

@@ -1,0 +1,27 @@
+# Makes zpa.h, the header for C. Its functions are those that the public headers mark with ZPA_C_API, whose names are
+# left in `zpa_c_names`.
+file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/header ${PROJECT_SOURCE_DIR}/header/Basics/*.h)
+
+set(types "SOLVANE_RETURNCODE|eTypeCode|ImageAttributes|BufferAttributes|APOINT|Rectangle|StrelParam|ISolvane_Object")
+set(zpa_c_functions "")
+set(zpa_c_names "")
+foreach(header ${headers})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS header/${header})
+    file(READ header/${header} text)
+    string(REGEX REPLACE "//[^\n]*" "" text "${text}")
+    string(REPLACE ";" "@" text "${text}") # which parts the items of lists
+    string(REGEX MATCHALL "ZPA_C_API [^@]*@" declarations "${text}")
+    if(declarations)
+        string(APPEND zpa_c_functions "\n// ${header}\n")
+    endif()
+    foreach(declaration ${declarations})
+        string(REGEX REPLACE "^ZPA_C_API (.*)@$" "\\1;" declaration "${declaration}")
+        string(REGEX REPLACE "\n +" "\n    " declaration "${declaration}")
+        string(REGEX REPLACE "(^|[^A-Za-z0-9_])(${types})([^A-Za-z0-9_])" "\\1ZPA_\\2\\3" declaration "${declaration}")
+        string(REPLACE "()" "(void)" declaration "${declaration}")
+        string(APPEND zpa_c_functions "${declaration}\n")
+        string(REGEX REPLACE "^[^(]*[^A-Za-z0-9_(]([A-Za-z0-9_]+)\\(.*" "\\1" name "${declaration}")
+        list(APPEND zpa_c_names ${name})
+    endforeach()
+endforeach()
+configure_file(header/zpa.h.in header/zpa.h @ONLY)

@@ -1,0 +1,135 @@
+// Filters with kernels of real numbers: at once, or as two passes where the kernel is a column times a row.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "primitives/Filter.h"
+#include "primitives/Filtering.h"
+#include "primitives/WeighRows.h"
+
+namespace ZPA {
+namespace {
+
+// Bytes of pixels multiplied and added in the time that moving a byte takes.
+constexpr int kWeighedPerByte = 8;
+
+// Rows of sums on the way. One line more: rows a power of two apart would share the lines of a cache.
+template <typename T> std::ptrdiff_t RowStride(int width) {
+    return static_cast<std::ptrdiff_t>(WholeLines<T>(static_cast<std::uint64_t>(width) + 1));
+}
+
+// What a filter works in: each band's rows, the turned kernel, and the row and the column that it may be the
+// product of.
+template <typename T> struct WorkSize {
+    WorkSize(Size kernel, int width)
+        : taps(static_cast<std::uint64_t>(kernel.width) * static_cast<std::uint64_t>(kernel.height)),
+          edges(static_cast<std::uint64_t>(kernel.width) + static_cast<std::uint64_t>(kernel.height)),
+          band(IsWorthSeparating(kernel)
+                   ? SlidingRows(kernel.height) * static_cast<std::uint64_t>(RowStride<T>(width))
+                   : 0) {}
+    std::uint64_t Bytes() const {
+        std::uint64_t const elements = band * static_cast<std::uint64_t>(MostBands()) + taps + edges;
+        return elements * sizeof(T) + kCacheLine;
+    }
+
+    std::uint64_t taps;
+    std::uint64_t edges;
+    std::uint64_t band;
+};
+
+// Finds the row and the column whose product the kernel is. Each element may differ from that by as much as
+// two passes have fewer roundings than one, so that the bound of the error does not grow.
+template <typename T> bool Separate(T const* kernel, Size size, T* row, T* column) {
+    std::ptrdiff_t const width = size.width, height = size.height, taps = width * height;
+    T const* const pivot =
+        std::max_element(kernel, kernel + taps, [](T a, T b) { return std::abs(a) < std::abs(b); });
+    if (*pivot == 0 || !std::isfinite(*pivot)) return false;
+    std::ptrdiff_t const pivotX = (pivot - kernel) % width;
+    std::copy_n(pivot - pivotX, width, row);
+    for (std::ptrdiff_t j = 0; j < height; ++j) column[j] = kernel[j * width + pivotX] / *pivot;
+
+    T const tolerance = static_cast<T>(taps - width - height) * std::numeric_limits<T>::epsilon() / 2;
+    for (std::ptrdiff_t j = 0; j < height; ++j)
+        for (std::ptrdiff_t i = 0; i < width; ++i) {
+            T const element = kernel[j * width + i];
+            if (!(std::abs(std::fma(column[j], row[i], -element)) <= tolerance * std::abs(element)))
+                return false;
+        }
+    return true;
+}
+
+template <typename T> void Filter(Filtering<T, T> const& filtering, std::uint8_t* work) noexcept {
+    constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
+    Size const kernel = filtering.kernelSize;
+    int const width = filtering.size.width;
+    std::ptrdiff_t const sourceStride = filtering.source.step / kBytes;
+    std::ptrdiff_t const destinationStride = filtering.destination.step / kBytes;
+    WorkSize<T> const sizes(kernel, width);
+    T* const bands = FirstAligned<T>(work);
+    T* const turned = bands + sizes.band * static_cast<std::uint64_t>(MostBands());
+    T* const row = turned + sizes.taps;
+    T* const column = row + kernel.width;
+    std::reverse_copy(filtering.kernel, filtering.kernel + filtering.Taps(), turned);
+
+    if (IsWorthSeparating(kernel) && Separate(turned, kernel, row, column)) {
+        Window<T> const across{row, {kernel.width, 1}}, down{column, {1, kernel.height}};
+        std::ptrdiff_t const stride = RowStride<T>(width);
+        std::int64_t const cost = (kernel.width + kernel.height) * kBytes * width / kWeighedPerByte;
+        ForEachBand(filtering.size.height, cost, [&](int band, int first, int end) noexcept {
+            SlideDown(
+                bands + static_cast<std::ptrdiff_t>(sizes.band) * band, stride, kernel.height, first, end,
+                [&](std::ptrdiff_t y, T* sums) {
+                    WeighRows(across, filtering.ReadRow(y), sourceStride, sums, stride, {width, 1});
+                },
+                [&](T const* sums, int y, int count) {
+                    WeighRows(down, sums, stride, filtering.destination[y], destinationStride,
+                              {width, count});
+                });
+        });
+        return;
+    }
+    std::int64_t const cost = filtering.Taps() * kBytes * width / kWeighedPerByte;
+    ForEachBand(filtering.size.height, cost, [&](int, int first, int end) noexcept {
+        WeighRows(Window<T>{turned, kernel}, filtering.ReadRow(first), sourceStride,
+                  filtering.destination[first], destinationStride, {width, end - first});
+    });
+}
+
+}  // namespace
+
+Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float* destination,
+                          std::ptrdiff_t destinationStep, Size size, float const* kernel, Size kernelSize,
+                          int anchorX, int anchorY) noexcept {
+    Filtering<float, float> const filtering{
+        {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
+    Status const status = filtering.Check();
+    if (status != kDone) return status;
+    std::uint64_t const bytes = WorkSize<float>(kernelSize, size.width).Bytes();
+    if (bytes > PTRDIFF_MAX) return kNoMemory;
+    std::unique_ptr<std::uint8_t[]> const work(new (std::nothrow)
+                                                   std::uint8_t[static_cast<std::size_t>(bytes)]);
+    if (!work) return kNoMemory;
+    Filter(filtering, work.get());
+    return kDone;
+}
+
+Status ippiFilter_64f_C1R(double const* source, std::ptrdiff_t sourceStep, double* destination,
+                          std::ptrdiff_t destinationStep, Size size, double const* kernel, Size kernelSize,
+                          int anchorX, int anchorY, std::uint8_t* work) noexcept {
+    Filtering<double, double> const filtering{
+        {source, sourceStep}, {destination, destinationStep}, size, kernel, kernelSize, anchorX, anchorY};
+    Status const status = work ? filtering.Check() : kNullPointer;
+    if (status == kDone) Filter(filtering, work);
+    return status;
+}
+
+Status ippiFilterGetBufSize_64f_C1R(Size kernelSize, int width, std::uint64_t* bytes) noexcept {
+    if (!bytes) return kNullPointer;
+    if (kernelSize.width < 1 || kernelSize.height < 1 || width < 1) return kBadSize;
+    *bytes = WorkSize<double>(kernelSize, width).Bytes();
+    return kDone;
+}
+
+}  // namespace ZPA

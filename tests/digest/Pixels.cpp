@@ -1,0 +1,196 @@
+// Copies, arithmetic and logic.
+#include <Basics/Arithmetic.h>
+#include <Basics/LogicalPixelOp.h>
+#include <Basics/PixelOperations.h>
+#include <Basics/Statistics.h>
+
+#include "digest/Cases.h"
+#include "support/Regions.h"
+
+namespace ZPA::Testing {
+namespace {
+
+void Copy(Digest& digest) {
+    ForAllTypes([&](auto from) {
+        auto source = Sample<typename decltype(from)::type>(kSmall, 1);
+        ForAllTypes([&](auto to) {
+            TestImage<typename decltype(to)::type> target(kSmall);
+            ImageAttributes output = target.Attributes();
+            digest.Add(int{CopyPixels(source.Attributes(), &output)});
+            AddImage(digest, target);
+        });
+    });
+    auto large = Sample<unsigned short>(kLarge, 2);
+    TestImage<unsigned short> target(kLarge);
+    ImageAttributes output = target.Attributes();
+    digest.Add(int{CopyPixels(large.Attributes(), &output)});
+    AddImage(digest, target);
+}
+
+void Set(Digest& digest) {
+    auto mask = Patches<unsigned char>(kSmall, 3);
+    ImageAttributes const selected = mask.Attributes();
+    ForAllTypes([&](auto type) {
+        auto image = Sample<typename decltype(type)::type>(kSmall, 4);
+        for (Choice const& choice : Choices(kSmall)) {
+            digest.Add(int{SetPixels(choice.Roi(), choice.masked ? &selected : nullptr, choice.Origin(), 2,
+                                     77.75, image.Attributes())});
+            AddImage(digest, image);
+        }
+    });
+}
+
+void Compare(Digest& digest) {
+    auto mask = Patches<unsigned char>(kSmall, 5);
+    ForTypes<unsigned char, unsigned short, double>([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto first = Sample<T>(kSmall, 6);
+        auto second = first;
+        digest.Add(int{compare(first.Attributes(), second.Attributes())});
+        digest.Add(int{ApplyMask(second.Attributes(), mask.Attributes())});
+        AddImage(digest, second);
+        digest.Add(int{compare(first.Attributes(), second.Attributes())});
+        for (int const decimation : {1, 3}) {
+            bool same = false;
+            digest.Add(int{DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr,
+                                              nullptr, decimation, 2, 100.0, &same)});
+            digest.Add(same);
+        }
+    });
+}
+
+void Difference(Digest& digest) {
+    ForTypes<unsigned char, short, unsigned short, float, double>([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto line = Line<T>(1001, 7);
+        std::vector<T> result(line.size());
+        BufferAttributes const source(TypeCodeOf<T>, line.data(), static_cast<int>(line.size()));
+        BufferAttributes output(TypeCodeOf<T>, result.data(), static_cast<int>(result.size()));
+        digest.Add(int{DiffBuffer(source, &output)});
+        digest.Add(result);
+    });
+    auto pixels = Line<short>(1001, 8);
+    ClipImage(pixels.data(), static_cast<int>(pixels.size()), -2000, 30000);
+    digest.Add(pixels);
+}
+
+template <typename T>
+void Binary(Digest& digest, Shape shape,
+            std::vector<SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes, ImageAttributes*)> const&
+                operations) {
+    auto first = Sample<T>(shape, 9);
+    auto second = Sample<T>(shape, 10);
+    for (std::size_t i = 0; i < second.Size(); ++i)
+        if (second.Pixels()[i] == T{}) second.Pixels()[i] = T{1};  // integers divide by it
+    for (auto const operation : operations) {
+        TestImage<T> result(shape);
+        ImageAttributes output = result.Attributes();
+        digest.Add(int{operation(first.Attributes(), second.Attributes(), &output)});
+        AddImage(digest, result);
+    }
+}
+
+void PixelByPixel(Digest& digest) {
+    ForAllTypes([&](auto type) {
+        Binary<typename decltype(type)::type>(digest, kSmall, {Add, Sub, MulP, DivP});
+    });
+    Binary<unsigned short>(digest, kLarge, {Add});
+    Binary<float>(digest, kLarge, {Add});
+    ForTypes<unsigned char, short, unsigned short, float>([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto first = Sample<T>(kSmall, 11);
+        auto second = Sample<T>(kSmall, 12);
+        for (bool const inPlace : {false, true}) {
+            TestImage<T> result = second;
+            ImageAttributes output = result.Attributes();
+            digest.Add(int{ipp_add(first.Attributes(), second.Attributes(), &output, inPlace)});
+            AddImage(digest, result);
+            AddImage(digest, second);
+        }
+    });
+}
+
+void Constants(Digest& digest) {
+    ForAllTypes([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto image = Sample<T>(kSmall, 13);
+        T constant = static_cast<T>(37);
+        for (auto const operation : {AddC, SubC, MulC, DivC}) {
+            TestImage<T> result(kSmall);
+            ImageAttributes output = result.Attributes();
+            digest.Add(int{operation(image.Attributes(), &constant, &output)});
+            AddImage(digest, result);
+        }
+        TestImage<T> result(kSmall);
+        ImageAttributes output = result.Attributes();
+        digest.Add(int{Abs(image.Attributes(), &output)});
+        AddImage(digest, result);
+    });
+}
+
+void Product(Digest& digest) {
+    ForTypes<float, double>([&](auto type) {
+        using T = typename decltype(type)::type;
+        for (Shape const shape : {Shape{45, 45, 51}, Shape{301, 301, 310}}) {
+            auto first = Sample<T>(shape, 14);
+            auto second = Sample<T>(shape, 15);
+            for (auto const operation : {Mul, ipp_mul}) {
+                TestImage<T> result(shape);
+                ImageAttributes output = result.Attributes();
+                digest.Add(int{operation(first.Attributes(), second.Attributes(), &output)});
+                AddImage(digest, result);
+            }
+        }
+    });
+    Binary<int>(digest, {45, 45, 51}, {Mul});
+}
+
+void Logic(Digest& digest) {
+    ForTypes<unsigned char, unsigned short>([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto first = Patches<T>(kSmall, 16);
+        auto second = Patches<T>(kSmall, 17);
+        for (int function = 0; function < 16; ++function) {
+            unsigned char table[4];
+            for (int i = 0; i < 4; ++i) table[i] = static_cast<unsigned char>((function >> i & 1) * 200);
+            TestImage<T> result(kSmall);
+            ImageAttributes output = result.Attributes();
+            digest.Add(int{LogicalPixelOp(first.Attributes(), second.Attributes(), table, &output)});
+            AddImage(digest, result);
+        }
+    });
+}
+
+void Inversions(Digest& digest) {
+    auto mask = Patches<unsigned char>(kSmall, 18);
+    ImageAttributes const selected = mask.Attributes();
+    for (Choice const& choice : Choices(kSmall)) {
+        ImageAttributes const* const where = choice.masked ? &selected : nullptr;
+        ForTypes<unsigned char, short, unsigned short>([&](auto type) {
+            using T = typename decltype(type)::type;
+            for (auto const operation : {InvertGray, InvertMaskImage}) {
+                auto image = Sample<T>(kSmall, 19);
+                TestImage<T> result(kSmall);
+                ImageAttributes output = result.Attributes();
+                digest.Add(int{operation(image.Attributes(), choice.Roi(), where, choice.Origin(), &output)});
+                AddImage(digest, result);
+            }
+        });
+    }
+}
+
+}  // namespace
+
+std::vector<Case> PixelCases() {
+    return {{"CopyPixels", Copy},
+            {"SetPixels", Set},
+            {"ApplyMask, compare, DecimateAndCompare", Compare},
+            {"DiffBuffer, ClipImage", Difference},
+            {"Add, Sub, MulP, DivP, ipp_add", PixelByPixel},
+            {"AddC, SubC, MulC, DivC, Abs", Constants},
+            {"Mul, ipp_mul", Product, true},
+            {"LogicalPixelOp", Logic},
+            {"InvertGray, InvertMaskImage", Inversions}};
+}
+
+}  // namespace ZPA::Testing
