@@ -158,7 +158,8 @@ SOLVANE_RETURNCODE MakeLineStrel(ImageAttributes const& se, double* center, int 
     std::ptrdiff_t const block = std::max(bytes.Stride() * bytes.Height(), bytes.Width());
     std::memset(se.buffer, 0, static_cast<std::size_t>(block));
     for (std::size_t i = 0; i < points.rows.size(); ++i)
-        bytes.Row(static_cast<std::ptrdiff_t>(points.rows[i] + points.maxY))[points.cols[i] + points.maxX] = 1;
+        bytes.Row(static_cast<std::ptrdiff_t>(points.rows[i] + points.maxY))[points.cols[i] + points.maxX] =
+            1;
     return SOLVANE_OK;
 }
 
