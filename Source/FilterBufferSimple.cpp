@@ -59,7 +59,10 @@ SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, BufferAtt
         return SOLVANE_OK;
     }
 
-    std::uint64_t const count = input.size < 0 ? kNoSize : static_cast<std::uint64_t>(input.size);
+    // A buffer for the input's type, which may be wider than T.
+    auto const perElement = static_cast<std::uint64_t>(SizeOfTypeCode(input.type)) / sizeof(T);
+    std::uint64_t const count =
+        input.size < 0 ? kNoSize : static_cast<std::uint64_t>(input.size) * perElement;
     std::unique_ptr<T[]> made(AllocateElements<T>(count));
     bool const hasMemory = made != nullptr;
     if (hasMemory) filterInto(made.get());

@@ -60,7 +60,7 @@ SOLVANE_RETURNCODE Laplacian(ImageAttributes const& kernel, double parameter) {
 
 }  // namespace
 
-SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double parameter) {
+SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double parameter) try {
     if (!kernel.buffer) return Fail(SOLVANE_INVALID_ARGUMENT, L"The input buffer is NULL.");
     if (kernel.type != eDouble) return Fail(SOLVANE_INVALID_ARGUMENT, L"Input image are not double type.");
 
@@ -71,6 +71,8 @@ SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double par
     if (RowsOverlap(kernel)) return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel's rows overlap.");
     ImageView<double> const view(kernel);
     return is("average") ? Average(view) : Gaussian(view, parameter);
+} catch (...) {
+    return SOLVANE_UNEXPECTED;  // from the log's callback, which would throw again
 }
 
 }  // namespace ZPA

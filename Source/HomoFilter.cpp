@@ -29,26 +29,28 @@ struct Images {
     Size size;
 };
 
-// Both means are AnisotropicGaussian's, with `sigma` both ways. Its passes are run here: the first one squares
-// the pixels as it reads them, so that no image of squares is written and read.
+// AnisotropicGaussian of the pixels or of their squares, and in the log a call of it. Its passes are run here,
+// where the first one squares the pixels as it reads them: no image of squares is written and read.
+void MakeMean(AnisotropicFilterPlan const& plan, Of what, double const* pixels, double* mean, Size size,
+              double* work) {
+    EntryExitLogging const entered(L"ZPA::AnisotropicGaussian", eLogFunction);
+    std::ptrdiff_t const count = std::ptrdiff_t{size.width} * size.height;
+    if (plan.RunsAlongSlant())
+        SmoothColumns(MakeRecursiveGaussian(plan.sigmaSlant), what, pixels, mean, size.width, size, work);
+    else if (what == Of::kSquares)
+        SquareRow(pixels, mean, count);
+    else
+        std::copy_n(pixels, count, mean);
+    if (plan.RunsAlongX(size.width))
+        SmoothRows(MakeRecursiveGaussian(plan.sigmaX), mean, mean, size.width, size, work);
+}
+
 void MakeMeans(double sigma, Images const& images) {
-    auto const [pixels, means, meanSquares, size] = images;
     AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
-    auto const elements = RecursiveGaussianWork(size);
+    auto const elements = RecursiveGaussianWork(images.size);
     auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
-    if (plan.RunsAlongSlant()) {
-        auto const weights = MakeRecursiveGaussian(plan.sigmaSlant);
-        SmoothColumns(weights, Of::kPixels, pixels, means, size.width, size, work.get());
-        SmoothColumns(weights, Of::kSquares, pixels, meanSquares, size.width, size, work.get());
-    } else {
-        std::ptrdiff_t const count = std::ptrdiff_t{size.width} * size.height;
-        std::copy_n(pixels, count, means);
-        SquareRow(pixels, meanSquares, count);
-    }
-    if (!plan.RunsAlongX(size.width)) return;
-    auto const weights = MakeRecursiveGaussian(plan.sigmaX);
-    for (double* const image : {means, meanSquares})
-        SmoothRows(weights, image, image, size.width, size, work.get());
+    MakeMean(plan, Of::kPixels, images.pixels, images.means, images.size, work.get());
+    MakeMean(plan, Of::kSquares, images.pixels, images.meanSquares, images.size, work.get());
 }
 
 void Filter(double sigma, Images const& images) {

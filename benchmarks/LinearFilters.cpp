@@ -1,7 +1,11 @@
 // Linear filters: kernels of each size, those that separate and those that do not.
 #include <Basics/LinearFilters.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
+#include <string>
+#include <type_traits>
 
 #ifdef ZPA_PEER_OPENCV
 #include <opencv2/imgproc.hpp>
@@ -28,6 +32,7 @@ template <typename T> struct PeerKernel {
     Image<Real> whole, row;
 };
 
+// Does not separate.
 template <typename K> Image<K> PlainKernel(int side) { return RandomImage<K>(side, side, 0, -9, 20, 5); }
 
 // 1, 2, 3, 2, 1
@@ -41,7 +46,8 @@ template <typename T> Contenders Filtering(int side, int kernelSide, bool separa
     using K = KernelElement<T>;
     Image<K> const row = SmoothRow<K>(kernelSide);
     Image<K> kernel = PlainKernel<K>(kernelSide);
-    double sum = 0, sizes = 0;
+    double sum = 0;
+    [[maybe_unused]] double sizes = 0;
     for (int y = 0; y < kernelSide; ++y)
         for (int x = 0; x < kernelSide; ++x) {
             if (separable) kernel.Row(y)[x] = row.Row(0)[x] * row.Row(0)[y];

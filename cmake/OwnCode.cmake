@@ -22,5 +22,7 @@ function(zpa_own_code target)
         target_compile_options(${target} PRIVATE
             -fsanitize=${ZPA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
         target_link_options(${target} PUBLIC -fsanitize=${ZPA_SANITIZE})
+        # The run-time for C alone lacks what the library's checks need.
+        set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
     endif()
 endfunction()

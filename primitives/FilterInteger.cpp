@@ -18,7 +18,7 @@ namespace ZPA {
 namespace {
 
 // Multiply-adds of short integers, and of doubles, done in the time that moving a byte takes.
-constexpr int kPairsPerByte = 16;
+constexpr int kPairsPerByte = 6;
 constexpr int kDoublesPerByte = 2;
 
 // What sums of weighted pixels may come to; exact below 2^53.
@@ -51,11 +51,11 @@ public:
             if (std::all_of(weights, weights + size.width, [](std::int32_t weight) { return weight == 0; }))
                 continue;
             rows_.push_back(j);
-            auto const at = [&](int i) {
+            auto const at = [&](std::ptrdiff_t i) {
                 return static_cast<std::uint32_t>(i < 0 || i >= size.width ? 0 : weights[i]);
             };
-            for (int i = 0; i < 2 * pairs_; i += 2)
-                for (int const left : {i, i - 1})
+            for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{2} * pairs_; i += 2)
+                for (std::ptrdiff_t const left : {i, i - 1})
                     weights_.push_back(static_cast<std::int32_t>((at(left) & 0xFFFF) | at(left + 1) << 16));
             constexpr std::uint32_t kLess = std::is_same_v<T, std::uint16_t> ? 32768 : 0;
             for (int i = 0; i < size.width; ++i) start += at(i) * kLess;
@@ -69,8 +69,8 @@ public:
     std::ptrdiff_t Products() const { return static_cast<std::ptrdiff_t>(weights_.size()); }
     // Elements of a row of short pixels: whole blocks, and what the window reads behind them.
     std::ptrdiff_t Stride(std::ptrdiff_t width) const {
-        auto const read =
-            static_cast<std::uint64_t>((width + kPairBlock - 1) / kPairBlock * kPairBlock + 2 * pairs_);
+        auto const read = static_cast<std::uint64_t>((width + kPairBlock - 1) / kPairBlock * kPairBlock +
+                                                     std::ptrdiff_t{2} * pairs_);
         return static_cast<std::ptrdiff_t>(WholeLines<std::int16_t>(read));
     }
 
@@ -85,9 +85,10 @@ Quotient QuotientOf(int divisor, double largest, double offset) {
     bool const isPower = divisor > 0 && (divisor & (divisor - 1)) == 0;
     int shift = 0;
     while (isPower && divisor >> shift > 1) ++shift;
-    auto const way = isPower && offset == 0                ? Quotient::kShift
-                     : largest < kFloatSums && offset == 0 ? Quotient::kFloat
-                                                           : Quotient::kDouble;
+    auto const way = offset != 0            ? Quotient::kMovedDouble
+                     : isPower              ? Quotient::kShift
+                     : largest < kFloatSums ? Quotient::kFloat
+                                            : Quotient::kDouble;
     return {way, shift, 1.0 / divisor, offset};
 }
 
@@ -115,13 +116,10 @@ Factors FactorsOf(std::int32_t const* weights, Size size) {
         std::int64_t const factor = rowAt(j)[pivot] / row[static_cast<std::size_t>(pivot)];
         for (int i = 0; i < size.width; ++i)
             if (factor * row[static_cast<std::size_t>(i)] != rowAt(j)[i]) return {};
-        if (factor < INT32_MIN || factor > INT32_MAX) return {};
+        if (factor > INT32_MAX) return {};  // the lowest integer's opposite
         factors.column.push_back(static_cast<std::int32_t>(factor));
     }
-    for (std::int64_t const each : row) {
-        if (each > INT32_MAX) return {};  // the lowest integer's opposite
-        factors.row.push_back(static_cast<std::int32_t>(each));
-    }
+    for (std::int64_t const each : row) factors.row.push_back(static_cast<std::int32_t>(each));
     return factors;
 }
 
@@ -222,7 +220,8 @@ private:
         std::ptrdiff_t const stride = pairs.Stride(size_.width);
         WorkRows<std::int16_t> const shorts(1, stride);
         WorkRows<Real> const memory(SlidingRows(height), stride);
-        std::int64_t const work = (pairs.Products() + 2 * height + 16) * size_.width / kPairsPerByte;
+        std::int64_t const work =
+            (pairs.Products() + std::ptrdiff_t{2} * height + 16) * size_.width / kPairsPerByte;
         ForEachBand(size_.height, work, [&](int band, int first, int end) noexcept {
             std::int16_t* const pixels = shorts.Of(band);
             SlideDown(
@@ -270,22 +269,24 @@ private:
     }
 
     void RunPlainly() const {
-        ForEachRow(size_.height, filtering_.Taps() * size_.width, [&](int y) noexcept {
-            for (int x = 0; x < size_.width; ++x) {
-                std::uint64_t sum = 0;
-                std::int32_t const* weight = weights_.data();
-                for (int j = 0; j < filtering_.kernelSize.height; ++j) {
-                    T const* const row = filtering_.ReadRow(std::ptrdiff_t{y} + j) + x;
-                    for (int i = 0; i < filtering_.kernelSize.width; ++i)
-                        sum += static_cast<std::uint64_t>(std::int64_t{*weight++} * row[i]);
-                }
-                auto const whole = static_cast<std::int64_t>(sum);
-                // The one quotient that has no integer of 64 bits.
-                filtering_.destination[y][x] =
-                    Saturated(whole == INT64_MIN ? static_cast<double>(whole) / divisor_
-                                                 : static_cast<double>(whole / divisor_));
-            }
+        ForEachBand(size_.height, filtering_.Taps() * size_.width, [&](int, int first, int end) noexcept {
+            for (int y = first; y < end; ++y)
+                for (int x = 0; x < size_.width; ++x)
+                    filtering_.destination[y][x] = Saturated(PlainQuotient(x, y));
         });
+    }
+
+    double PlainQuotient(int x, int y) const {
+        std::uint64_t sum = 0;
+        std::int32_t const* weight = weights_.data();
+        for (int j = 0; j < filtering_.kernelSize.height; ++j) {
+            T const* const row = filtering_.ReadRow(std::ptrdiff_t{y} + j) + x;
+            for (int i = 0; i < filtering_.kernelSize.width; ++i)
+                sum += static_cast<std::uint64_t>(std::int64_t{*weight++} * row[i]);
+        }
+        auto const whole = static_cast<std::int64_t>(sum);
+        // The lowest one's opposite is no integer of 64 bits.
+        return static_cast<double>(divisor_ == -1 ? -std::max(whole, -INT64_MAX) : whole / divisor_);
     }
 
     static T Saturated(double quotient) {

@@ -41,8 +41,9 @@ inline int MostBands() { return std::max(1, omp_get_max_threads()); }
 // Calls work(band, first, end) for bands of rows that together are all. `workPerRow` is counted as in
 // ForEachRow.
 template <typename Work> void ForEachBand(int height, std::int64_t workPerRow, Work const& work) noexcept {
-    int const bands = workPerRow * height < kParallelWork ? 1 : std::min(MostBands(), height);
-    ForEachRow(bands, workPerRow * height / bands, [&](int band) noexcept {
+    bool const isWorth = std::min(workPerRow, kParallelWork) * height >= kParallelWork;
+    int const bands = isWorth ? std::min(MostBands(), height) : 1;
+    ForEachRow(bands, isWorth ? kParallelWork : 0, [&](int band) noexcept {
         auto const at = [&](int which) { return static_cast<int>(std::int64_t{height} * which / bands); };
         work(band, at(band), at(band + 1));
     });

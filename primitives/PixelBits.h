@@ -8,7 +8,7 @@
 namespace ZPA {
 
 // Words that hold a row; bit i % 64 of word i / 64 is pixel i.
-constexpr std::ptrdiff_t WordsOf(std::ptrdiff_t width) { return (width + 63) / 64; }
+constexpr std::ptrdiff_t WordsOf(std::ptrdiff_t width) { return width / 64 + (width % 64 > 0); }
 
 // As many runs of set bits as can begin in a word.
 inline constexpr int kRunsOfWord = 32;

@@ -62,15 +62,12 @@ void Shorten(T const* pixels, std::ptrdiff_t count, std::int16_t* row, std::ptrd
     std::fill(row + x, row + padded, std::int16_t{0});
 }
 
+// Adds to each sum the products of a pair.
 HWY_INLINE WordVector AddProducts(ShortVector a, ShortVector b, WordVector sums) {
-#if HWY_TARGET == HWY_AVX3_DL
-    return WordVector{_mm512_dpwssd_epi32(sums.raw, a.raw, b.raw)};
-#else
     Words const d;
     auto second = hn::Zero(d);
     auto const first = hn::ReorderWidenMulAccumulate(d, a, b, hn::Zero(d), second);
     return hn::Add(sums, hn::RearrangeToOddPlusEven(first, second));
-#endif
 }
 
 // The sums of as many blocks of pixels as `Block` has numbers, those at even places and those at odd ones.
@@ -102,9 +99,9 @@ HWY_INLINE void SumBlocks(PairWindow const& window, std::int16_t const* rows, st
 
 template <class D> HWY_INLINE hn::Vec<D> Scaled(D d, hn::Vec<D> sums, Quotient const& quotient) {
     using Real = hn::TFromD<D>;
-    auto const half = hn::Set(d, Real(0.5));
-    return hn::Mul(hn::Add(sums, hn::CopySign(half, sums)),
-                   hn::Set(d, static_cast<Real>(quotient.reciprocal)));
+    auto const half = hn::Set(d, static_cast<Real>(0.5 * quotient.reciprocal));
+    auto const signedHalf = hn::Xor(hn::And(sums, hn::SignBit(d)), half);
+    return hn::MulAdd(sums, hn::Set(d, static_cast<Real>(quotient.reciprocal)), signedHalf);
 }
 
 HWY_INLINE WordVector Joined(hn::Vec<Doubles> low, hn::Vec<Doubles> high) {
@@ -121,9 +118,10 @@ template <Quotient::Way way> HWY_INLINE WordVector Divided(WordVector sums, Quot
     } else {
         Doubles const doubles;
         HalfWords const halves;
-        auto const offset = hn::Set(doubles, quotient.offset);
         auto const divide = [&](hn::Vec<HalfWords> half) HWY_ATTR {
-            return Scaled(doubles, hn::Add(hn::PromoteTo(doubles, half), offset), quotient);
+            auto whole = hn::PromoteTo(doubles, half);
+            if (way == Quotient::kMovedDouble) whole = hn::Add(whole, hn::Set(doubles, quotient.offset));
+            return Scaled(doubles, whole, quotient);
         };
         return Joined(divide(hn::LowerHalf(halves, sums)), divide(hn::UpperHalf(halves, sums)));
     }
@@ -186,6 +184,8 @@ void Filter(PairWindow const& window, Quotient const& quotient, std::int16_t con
             return FilterIn<Quotient::kFloat>(window, quotient, rows, stride, result, count);
         case Quotient::kDouble:
             return FilterIn<Quotient::kDouble>(window, quotient, rows, stride, result, count);
+        case Quotient::kMovedDouble:
+            return FilterIn<Quotient::kMovedDouble>(window, quotient, rows, stride, result, count);
     }
 }
 

@@ -25,19 +25,19 @@ struct PairWindow {
 // How a sum becomes a pixel: (sum + offset) / divisor, cut toward zero and saturated.
 struct Quotient {
     enum Way {
-        kShift,   // the divisor is 1 << shift, the offset 0
-        kFloat,   // the sum is below kFloatSums in size, the offset 0
-        kDouble,  // the sum and offset together are below kDoubleSums in size
+        kShift,        // the divisor is 1 << shift, the offset 0
+        kFloat,        // the sum is below kFloatSums in size, the offset 0
+        kDouble,       // the sum is below kDoubleSums in size, the offset 0
+        kMovedDouble,  // the sum and the offset together are
     };
     Way way;
     int shift;
     double reciprocal;
     double offset;
 };
-// A quotient is the sum moved by 1/2 away from zero, times the reciprocal, cut. That is at least 1/2 over the
-// divisor away from where the cut would go wrong; rounding the reciprocal and the product moves it by less for
-// sums up to here.
-inline constexpr double kFloatSums = 4194302;            // 2^22 - 2
+// A quotient is the sum times the reciprocal, moved away from zero by half the reciprocal, and cut. So it is
+// that much away from where the cut would go wrong; three roundings move it by less for sums up to here.
+inline constexpr double kFloatSums = 2796200;            // 2^23 / 3, nearly
 inline constexpr double kDoubleSums = 1125899906842624;  // 2^50
 inline constexpr double kFloatWhole = 16777216;          // 2^24: up to here floats hold every whole number
 

@@ -183,6 +183,9 @@ TEST(LabelMarkers, RefusesInItsOrder) {
         EXPECT_EQ(log.Text(), each.message);
         EXPECT_EQ(log.Code(), each.code);
     }
+    CapturedLog const log;
+    EXPECT_EQ(template_LabelMarkers<unsigned short>({eByte, pixels, 4, 2, 4, 8, 0}, 4, &count), 7);
+    EXPECT_EQ(log.Text(), L"The image's elements are too narrow.");
     EXPECT_EQ(count, -1);
     EXPECT_EQ(pixels[3], 1);
 }

@@ -149,13 +149,30 @@ TYPED_TEST(Filter2DOfIntegers, AreExactForEveryRangeOfSums) {
     });
 }
 
+// Every value of a pixel, so that there are quotients that are whole numbers, and some just beside one.
+TYPED_TEST(Filter2DOfIntegers, CutEveryQuotientWhereItShouldBe) {
+    TestImage<TypeParam> source({256, 257, 256});
+    for (int i = 0; i < 257 * 256; ++i) source.Pixels()[i] = static_cast<TypeParam>(i / 512 * 256 + i % 256);
+    for (int i = 0; i < 128 * 256; ++i) source.At(i % 256, 129 + i / 256) = static_cast<TypeParam>(-1 - i);
+    ForEachSimdTarget([&] {
+        for (int const weight : {1, -42, 43, 16384, 32767, 32768, INT_MAX})
+            for (int const divisor : {3, -7, 641, 65537, weight, 3 * (weight / 4) + 1}) {
+                TestImage<int> one({1, 1, 1}), two({1, 2, 1});  // two: more than 32 bits with a sign hold
+                one.Pixels()[0] = two.Pixels()[0] = two.Pixels()[1] = weight;
+                ExpectModel(source, one, divisor);
+                ExpectModel(source, two, divisor);
+                if (testing::Test::HasFatalFailure()) return;
+            }
+    });
+}
+
 TYPED_TEST(Filter2DOfIntegers, AreExactForSeparableKernels) {
     ForEachSimdTarget([] {
         for (Shape const shape : {Shape{3, 3, 3}, {5, 7, 5}, {7, 7, 7}, {8, 9, 8}, {15, 15, 15}, {9, 31, 9}})
             for (int const limit : {2, 20, 181, 3000, 40000}) {
                 auto kernel = SeparableKernel<int>(shape, limit, static_cast<unsigned>(limit));
                 auto source = RandomImage<TypeParam>({150 + shape.width, 12 + shape.height, 175}, 3);
-                ExpectModel(source, kernel, limit * limit * 3);
+                ExpectModel(source, kernel, limit * limit);
                 if (testing::Test::HasFatalFailure()) return;
                 // All but separable.
                 kernel.At(shape.width - 1, shape.height - 1) += 1;
@@ -200,6 +217,26 @@ TYPED_TEST(Filter2DOfReals, AreAsAccurateForSeparableKernels) {
     });
 }
 
+// A column times a row would make something of what the kernel's zeros leave out.
+TYPED_TEST(Filter2DOfReals, TakeAProductThatUnderflowsForTheZeroThatItIs) {
+    using Limits = std::numeric_limits<TypeParam>;
+    TestImage<TypeParam> kernel({7, 7, 7}), source({20, 20, 20});
+    for (int i = 0; i < 49; ++i)
+        kernel.Pixels()[i] = (i % 7 == 3 ? 1 : Limits::min()) * (i / 7 == 3 ? 1 : Limits::min());
+    std::fill_n(source.Pixels(), source.Size(), TypeParam(0));
+    source.At(10, 10) = Limits::max() / 4;
+    ForEachSimdTarget([&] { ExpectModel(source, kernel); });
+}
+
+// Nor may a large kernel's many roundings pass for a structure of its own.
+TYPED_TEST(Filter2DOfReals, TakeALargeKernelThatIsNearlySeparableAsItIs) {
+    auto kernel = RandomKernel<TypeParam>({45, 41, 45}, 200, 1);
+    for (std::size_t i = 0; i < kernel.Size(); ++i)
+        kernel.Pixels()[i] = 1 + kernel.Pixels()[i] * std::numeric_limits<TypeParam>::epsilon();
+    auto source = RandomImage<TypeParam>({60, 45, 60}, 1);
+    ForEachSimdTarget([&] { ExpectModel(source, kernel); });
+}
+
 TYPED_TEST(Filter2DOfReals, KeepsWhatIsNotANumberWithinTheKernelsReach) {
     for (bool const separable : {false, true}) {
         auto kernel = separable ? SeparableKernel<TypeParam>({9, 7, 9}, 9, 1)
@@ -223,11 +260,13 @@ TYPED_TEST(Filter2DOfReals, KeepsWhatIsNotANumberWithinTheKernelsReach) {
 TYPED_TEST(Filter2DOf, GivesTheSameForAnyNumberOfThreads) {
     using K = KernelElement<TypeParam>;
     for (bool const separable : {false, true}) {
-        auto source = RandomImage<TypeParam>({700, 620, 710}, 1);
+        // Enough work for threads to be used.
+        int const width = separable ? 1500 : 700, height = 2 * width;
+        auto source = RandomImage<TypeParam>({width + 8, height + 8, width + 8}, 1);
         auto kernel = separable ? SeparableKernel<K>({9, 9, 9}, 9, 1) : RandomKernel<K>({9, 9, 9}, 9, 1);
         std::vector<TestImage<TypeParam>> results;
         ForEachThreadCount([&] {
-            results.emplace_back(Shape{692, 612, 692});
+            results.emplace_back(Shape{width, height, width});
             ImageAttributes output = results.back().Attributes();
             int const divisor = 9;
             ASSERT_EQ(Filter2D(source.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), &divisor),
@@ -236,8 +275,8 @@ TYPED_TEST(Filter2DOf, GivesTheSameForAnyNumberOfThreads) {
         });
         if (separable && std::is_floating_point_v<TypeParam>) continue;
         bool const fused = Fuses();
-        for (int y = 0; y < 612; y += 5)
-            for (int x = 0; x < 692; ++x)
+        for (int y = 0; y < height; y += 37)
+            for (int x = 0; x < width; ++x)
                 ASSERT_EQ(results[0].At(x, y), ModelPixel(source, kernel, 9, x + 4, y + 4, fused))
                     << x << ", " << y;
     }
@@ -577,6 +616,17 @@ TEST(FilterBufferSimple, ReadsTheInputBeforeItIsFreedAsAnOutput) {
     FreePixels(output.buffer);
 }
 
+TEST(FilterBufferSimple, MakesRoomForTheInputsElements) {
+    double input[3] = {1, 2, 3};
+    float weights[] = {1};
+    BufferAttributes made(eDouble, nullptr, 0);
+    ASSERT_EQ(template_FilterBufferSimple<float>({eDouble, input, 3}, {eSingle, weights, 1}, &made),
+              SOLVANE_OK);
+    EXPECT_EQ(made.type, eDouble);
+    std::copy_n(input, made.size, static_cast<double*>(made.buffer));  // which the address sanitizer watches
+    FreePixels(made.buffer);
+}
+
 TEST(FilterBufferSimple, SumsInExtendedPrecisionThenTruncatesToTheLowBits) {
     // Double precision would lose what is left here: of a sum, and of a product.
     struct Case {
@@ -755,6 +805,9 @@ TEST(Fspecial, RefusesInItsOrder) {
         EXPECT_EQ(log.Text(), each.message);
     }
     EXPECT_TRUE(std::all_of(std::begin(elements), std::end(elements), [](double each) { return each == 0; }));
+    CapturedLog const log;
+    ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) { throw 1; });
+    EXPECT_EQ(fspecial({}, "sobel", 1), SOLVANE_UNEXPECTED);
 }
 
 }  // namespace

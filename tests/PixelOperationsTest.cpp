@@ -1,5 +1,6 @@
 // The smaller pixel operations: deep copies, masks, comparisons, differences and limits.
 #include <Basics/PixelOperations.h>
+#include <Basics/Regions.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -83,6 +84,29 @@ TEST(CopyImage, FreesTheDestinationOnEveryFailure) {
         EXPECT_EQ(destination.width, 0);
     }
     EXPECT_EQ(copyImage({eUInt16, pixels, 2, 2, 2, 16, 0}, nullptr), SOLVANE_NULL_POINTER);
+}
+
+// The cores are told their elements by the caller, and the memory by the descriptor.
+TEST(TypedCores, RefuseImagesOfOtherElements) {
+    std::vector<unsigned char> const memory(6, 1);
+    ImageAttributes const bytes(eByte, const_cast<unsigned char*>(memory.data()), 3, 2, 3, 8, 0);
+    ImageAttributes const words(eUInt16, const_cast<unsigned char*>(memory.data()), 3, 1, 3, 16, 0);
+    ImageAttributes copy;
+    CapturedLog const log;
+    EXPECT_EQ(template_copy<unsigned short>(bytes, &copy), 7);
+    EXPECT_EQ(template_copy<double>(bytes, &copy), 7);
+    EXPECT_EQ(template_copy<unsigned char>(words, &copy), 7);  // the copy would be described as words
+    EXPECT_EQ(copy.buffer, nullptr);
+    EXPECT_EQ(log.Text(), L"template_copy(): The elements of the source have another size.");
+    EXPECT_EQ(template_compare<unsigned short>(bytes, bytes), 7);
+    EXPECT_EQ(log.Text(), L"template_compare(): The elements of an image are too narrow.");
+    EXPECT_EQ(template_FloodFill<unsigned short>(bytes, 0, 0, 5, 4), 7);
+    EXPECT_EQ(template_FillHoles<unsigned short>(bytes, 4), 7);
+    EXPECT_EQ(template_FloodBorderAreas<unsigned short>(bytes, 1, 5, 4), 7);
+    int labels = 0;
+    EXPECT_EQ(template_LabelMarkers<unsigned short>(bytes, 4, &labels), 7);
+    EXPECT_EQ(log.Text(), L"The image's elements are too narrow.");
+    EXPECT_EQ(memory, std::vector<unsigned char>(6, 1));
 }
 
 TEST(CopyBuffer, ServesUnsignedShortOnly) {

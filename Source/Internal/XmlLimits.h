@@ -11,7 +11,7 @@ inline constexpr int kDeepestElement = 256;
 // The parser compares each attribute with all others of its element.
 inline constexpr int kMostAttributes = 256;
 // In memory each element, attribute, text and comment takes a hundred bytes and more, however short it is.
-inline constexpr int kMostParts = 1 << 22;
+inline constexpr int kMostParts = 1 << 21;
 
 // Whether the parser may be given a document, which ends in a zero: one past the limits could use up the
 // stack or take for ever. Text that is no XML is fine as long as the parser sees that by itself.

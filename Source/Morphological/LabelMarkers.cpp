@@ -66,6 +66,8 @@ SOLVANE_RETURNCODE template_LabelMarkers(ImageAttributes image, int connectivity
     std::unique_ptr<unsigned char[]> const buffer(AllocateElements<unsigned char>(bytes));
     if (!buffer) return FailMemory(L"template_LabelMarkers", bytes);
     if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
+    if (ElementsTooNarrow<T>(image))
+        return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
 
     std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
     status = ippiLabelMarkers(static_cast<T*>(image.buffer), step, size, kSmallestLabel, kLargestLabel<T>,

@@ -3,6 +3,7 @@
 #include <Basics/BlockAverage.h>
 #include <Basics/FlatTopFilter.h>
 #include <Basics/HomoFilter.h>
+#include <Basics/LinearFilters.h>
 
 #include "operations/Operations.h"
 
@@ -61,6 +62,56 @@ void CallSubsample(Scene& scene) {
                            scene.input.Number(0, 9)));
 }
 
+// The kernel has elements that go with the image's as a rule.
+void CallFilter2D(Scene& scene) {
+    ImageAttributes const source = scene.Image();
+    Rectangle const* const roi = scene.Roi();
+    ImageAttributes* const destination = scene.Output();
+    APOINT const* const origin = scene.Origin();
+    ImageAttributes kernel = scene.Element();
+    bool const isReal = source.type == eSingle || source.type == eDouble;
+    if (!scene.input.Seldom(16)) {
+        kernel.type = isReal ? source.type : eInt32;
+        std::int64_t const elements = (std::int64_t{kernel.height} - 1) * kernel.stride + kernel.width;
+        bool const isSane = kernel.width > 0 && kernel.height > 0 && kernel.stride >= 0;
+        kernel.buffer = kernel.type == eSingle ? scene.Elements<float>(isSane ? elements : 0)
+                        : kernel.type == eDouble
+                            ? static_cast<void*>(scene.Elements<double>(isSane ? elements : 0))
+                            : scene.Elements<int>(isSane ? elements : 0);
+    }
+    auto* const divisor = scene.input.Choice(2) ? scene.Value<int>(scene.input.Number(0, 40)) : nullptr;
+    scene.Answer(Filter2D(source, roi, destination, origin, kernel, divisor));
+}
+
+// An output that does not fit is freed by the operation.
+template <auto filter> void CallFilterBuffer(Scene& scene) {
+    BufferAttributes const input = scene.Buffer();
+    int const size = scene.input.Number(0, 12);
+    BufferAttributes const weights(scene.input.Seldom(16) ? scene.Buffer().type : eSingle,
+                                   scene.Elements<double>(size), size);
+    BufferAttributes output = input;
+    int const choice = scene.input.Choice(4);
+    if (choice > 1) output = BufferAttributes(eUnknown, nullptr, 0);
+    bool const isOwn = choice == 3;
+    if (isOwn) {
+        output =
+            BufferAttributes(scene.input.Seldom(4) ? eInt16 : input.type, nullptr, scene.input.Number(0, 70));
+        std::int64_t const bytes = std::int64_t{std::max(output.size, 0)} * SizeOfTypeCode(output.type);
+        if (bytes < 1 << 16) output.buffer = std::malloc(static_cast<std::size_t>(bytes));
+        if (output.buffer) std::memset(output.buffer, 0, static_cast<std::size_t>(bytes));
+    }
+    SOLVANE_RETURNCODE const code = filter(input, weights, choice == 0 ? nullptr : &output);
+    if (output.buffer != input.buffer) FreePixels(output.buffer);
+    scene.Answer(code);
+}
+
+void CallSpecial(Scene& scene) {
+    ImageAttributes kernel = scene.Image();
+    static constexpr char const* kKinds[] = {"average", "gaussian", "laplacian", "sobel", "unknown"};
+    char const* const kind = scene.input.Seldom(32) ? nullptr : scene.input.OneOf(kKinds);
+    scene.Answer(fspecial(kernel, kind, scene.input.Real()));
+}
+
 }  // namespace
 
 std::vector<Operation> const& Filters() {
@@ -87,6 +138,13 @@ std::vector<Operation> const& Filters() {
         {"subsample", CallSubsample, kPlain},
         {"AnisotropicGaussian", Call<AnisotropicGaussian>, kPlain},
         {"HomoFilter", Call<HomoFilter>, kPlain},
+        {"Filter2D", CallFilter2D, kOneInstructionSet},
+        {"FilterBufferSimple", CallFilterBuffer<FilterBufferSimple>, kPlain},
+        {"template_FilterBufferSimple<unsigned short>",
+         CallFilterBuffer<template_FilterBufferSimple<unsigned short>>, kPlain},
+        {"template_FilterBufferSimple<double>", CallFilterBuffer<template_FilterBufferSimple<double>>,
+         kPlain},
+        {"fspecial", CallSpecial, kWholeRows},
     };
     return operations;
 }

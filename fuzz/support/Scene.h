@@ -71,7 +71,7 @@ public:
     }
     // A value that an argument points to; null once in a while.
     template <typename T> T* Value(T value) {
-        auto* const at = static_cast<T*>(Bytes(1, eUnknown, sizeof(T), true));
+        auto* const at = static_cast<T*>(Bytes(1, TypeOf<T>(), sizeof(T), true));
         if (at) *at = value;
         return at;
     }

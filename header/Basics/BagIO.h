@@ -100,7 +100,7 @@ public:
     /// later one wins, at the place of the former. All entries are dirty.
     ///
     /// A document is trusted with nothing. It must be a regular file of at most 256 MiB, with elements at
-    /// most 256 deep, at most 256 attributes each, and at most 4194304 elements, attributes, texts and
+    /// most 256 deep, at most 256 attributes each, and at most 2097152 elements, attributes, texts and
     /// comments in all. It reaches only files beside itself: "BufferFile" may have no folder in it. Where a
     /// side file is missing, or shorter than "Size", elements are zero; what it has beyond is not read. Such
     /// elements may take 64 MiB in a whole document, where a side file counts once, however often it is

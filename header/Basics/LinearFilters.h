@@ -20,9 +20,9 @@ namespace ZPA {
 ///
 /// Real images. Products are added in the order of the window's pixels, row by row, in the element's own
 /// type, by fused multiply-adds where the processor has them: machines with them agree to the bit, others
-/// within rounding. A kernel of 5 by 5 and more whose elements are products of a column's and a row's within a
-/// few roundings is applied as two passes, whose error bound is no larger. What is not a number, or infinite,
-/// follows the rules of floating point.
+/// within rounding. A kernel of about 5 by 5 or more that is the product of a column and a row, but for a few
+/// roundings, is applied as two passes, whose error bound is no larger unless a row's sum passes the type's
+/// range on the way. What is not a number, or infinite, follows the rules of floating point.
 ///
 /// Cost: kw * kh multiply-adds a pixel, or about kw + kh for a kernel that is the product of a column and a
 /// row, such as a Gaussian. Large images are shared among the threads of the OpenMP runtime; results do not
@@ -81,10 +81,10 @@ ZPA_C_API SOLVANE_RETURNCODE Filter2D(ImageAttributes source, Rectangle const* r
 /// @param filter  Weights: eSingle elements. Others of 32 bits and more are taken for such.
 /// @param output  In and out. Null: the result replaces the input. With a buffer of the input's type and at
 ///                least its length: that is written, and elements beyond are left; it may be the input's, and
-///                may not overlap it otherwise. WITH A BUFFER OF ANOTHER TYPE, OR SHORTER: THAT BUFFER IS FREED
-///                (as FreePixels does), the caller's own memory included, even where it is the input's. Then,
-///                and with a null buffer, type and length become those of the input, and a new buffer is
-///                made, which belongs to the caller, who frees it with FreePixels or `delete[]`.
+///                may overlap neither that otherwise nor the filter. WITH A BUFFER OF ANOTHER TYPE, OR SHORTER:
+///                THAT BUFFER IS FREED (as FreePixels does), the caller's own memory included, even where it is
+///                the input's. Then, and with a null buffer, type and length become those of the input, and a
+///                new buffer is made, which belongs to the caller, who frees it with FreePixels or `delete[]`.
 ///
 /// @retval 0    Done.
 /// @retval 6    "Unsupported image datatype."
@@ -99,7 +99,8 @@ ZPA_C_API SOLVANE_RETURNCODE FilterBufferSimple(BufferAttributes input, BufferAt
 
 /// The core of FilterBufferSimple, for T of `char`, `unsigned char`, `short`, `unsigned short`, `int`,
 /// `unsigned int`, `float` and `double`: the input's elements are taken for T. An input of smaller elements is
-/// refused, after the null pointers, with 7, "The elements of the input buffer are too narrow."
+/// refused, after the null pointers, with 7, "The elements of the input buffer are too narrow." A buffer that
+/// is made has room for elements of the input's type. What a log callback throws passes through.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, BufferAttributes filter,
                                                        BufferAttributes* output);
@@ -128,6 +129,7 @@ ZPA_API SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, B
 /// @retval 6  Any other `kind`, or null; nothing is logged.
 /// @retval 7  "laplacian" and "sobel": height times stride is below 9: "The kernel image is too small."
 /// @retval 7  "average" and "gaussian": a stride below the width: "The kernel's rows overlap."
+/// @retval 999  A log callback threw.
 ZPA_C_API SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double parameter);
 
 }  // namespace ZPA

@@ -108,8 +108,8 @@ ZPA_C_API SOLVANE_RETURNCODE LabelMarkers2(ImageAttributes mask, int connectivit
                                            ImageAttributes* labeled);
 
 /// The core of FloodFill, for T of `unsigned char` and `unsigned short`. Narrower elements are refused with 7,
-/// "The image's elements are too narrow.", after the rows; likewise by the two cores below. What a log callback
-/// throws passes through all three.
+/// "The image's elements are too narrow.", after the rows; likewise by the cores below. What a log callback
+/// throws passes through all of them.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seedY, T newValue,
                                               int connectivity);

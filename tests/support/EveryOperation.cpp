@@ -239,6 +239,25 @@ std::vector<OperationCall> const& EveryOperation() {
          [](W& p) -> int { return AnisotropicGaussian(p.Words(), &p.made, 3, 2, 30, 1, 1); },
          {999}},
         {"HomoFilter", [](W& p) -> int { return HomoFilter(p.Words(), 3, &p.made); }, {999}},
+        {"Filter2D an image of integers",
+         [](W& p) -> int {
+             int weights[9] = {1, 2, 1, 2, 4, 2, 1, 2, 1}, divisor = 16;
+             return Filter2D(p.Words(), nullptr, &p.made, nullptr, {eInt32, weights, 3, 3, 3, 32, 0},
+                             &divisor);
+         },
+         {1, 5, 999}},
+        {"Filter2D a real image",
+         [](W& p) -> int {
+             return Filter2D(p.Doubles(), nullptr, &p.made, nullptr, {eDouble, p.moreDoubles, 5, 5, 5, 64, 0},
+                             nullptr);
+         },
+         {1, 5, 999}},
+        {"FilterBufferSimple",
+         [](W& p) -> int {
+             return FilterBufferSimple(W::Buffer(eUInt16, p.words), {eSingle, p.floats, 3}, &p.counts);
+         },
+         {1, 999}},
+        {"fspecial", [](W& p) -> int { return fspecial(p.Doubles(), "gaussian", 2); }, {}},
         {"TransposeImage",
          [](W& p) -> int {
              ImageAttributes to(eUInt16, p.moreWords, h, w, h, 16, 0);
@@ -258,6 +277,10 @@ std::vector<OperationCall> const& EveryOperation() {
         {"Erode3x3", [](W& p) -> int { return Erode3x3(p.Words(), nullptr, 2); }, {1, 5}},
         {"FloodFill", [](W& p) -> int { return FloodFill(p.Bytes(), 2, 2, 9, 4); }, {1, 5}},
         {"FillHoles", [](W& p) -> int { return FillHoles(p.Mask(), 4); }, {5}},
+        {"LabelMarkers", [](W& p) -> int { return LabelMarkers(p.Mask(), 8, p.numbers); }, {1, 5}},
+        {"LabelMarkers2",
+         [](W& p) -> int { return LabelMarkers2(p.Mask(), 4, p.numbers, &p.made); },
+         {0, 999}},
         {"alloc_vector",
          [](W&) -> int {
              float* const v = alloc_vector(1, 9);
@@ -298,7 +321,8 @@ std::vector<OperationCall> const& EveryOperation() {
                  ZPA_Image<unsigned char> const image(p.bytes, w, h, w, 8, 0, false, false);
                  auto const histogram = image.GetHistogram();
                  if (!histogram.GetPointer() || !histogram->GetBufferPtr()) return 999;
-                 return std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u) -
+                 return static_cast<int>(
+                            std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u)) -
                         W::kPixels;
              } catch (std::runtime_error const&) {  // of a callback
                  return 999;
