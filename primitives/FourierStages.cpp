@@ -416,7 +416,8 @@ private:
                 typename In::Lines const block{hn::Set(d, blockRe_[k]), hn::Set(d, blockIm_[k])};
                 for (std::ptrdiff_t at = 0; at < width; at += In::Lanes()) {
                     auto const turn = block * In::Load(turns_ + k * kRow, at);
-                    auto const point = In::Load(rows_ + static_cast<std::ptrdiff_t>(tallPositions_[k]) * kRow, at);
+                    auto const point =
+                        In::Load(rows_ + static_cast<std::ptrdiff_t>(tallPositions_[k]) * kRow, at);
                     In::Store(point * turn, square + y * kRow, at);
                 }
             }
