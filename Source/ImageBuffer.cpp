@@ -235,7 +235,7 @@ template <typename T> void ZPA_Buffer<T>::Initialize(T* buffer, int size, bool o
         return;
     }
 
-    auto const elements = static_cast<std::uint64_t>(size);
+    auto const elements = static_cast<std::size_t>(size);
     attributes_.buffer =
         Allocate<T>(this, elements, size, "ZPA_Buffer<T>::Initialize memory allocation failure");
     std::memset(attributes_.buffer, 0, elements * sizeof(T));
@@ -249,14 +249,14 @@ template <typename T> void ZPA_Buffer<T>::Clean() {
     attributes_.buffer = nullptr;
 }
 
-#define ZPA_DEFINED_HERE(T)                         \
-    template class ZPA_INSTANCE_API IZPA_Buffer<T>; \
-    template class ZPA_INSTANCE_API ZPA_Buffer<T>;
+#define ZPA_DEFINED_HERE(T)        \
+    template class IZPA_Buffer<T>; \
+    template class ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
-#define ZPA_DEFINED_HERE(T)                        \
-    template class ZPA_INSTANCE_API IZPA_Image<T>; \
-    template class ZPA_INSTANCE_API ZPA_Image<T>;
+#define ZPA_DEFINED_HERE(T)       \
+    template class IZPA_Image<T>; \
+    template class ZPA_Image<T>;
 ZPA_FOR_IMAGE_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
 

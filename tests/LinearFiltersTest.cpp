@@ -31,7 +31,7 @@ T ModelPixel(TestImage<T> const& source, TestImage<KernelElement<T>> const& kern
             if constexpr (std::is_integral_v<T>)
                 sum += std::int64_t{weight} * pixel;
             else
-                sum = fused ? std::fma(weight, pixel, sum) : weight * pixel + sum;
+                sum = fused ? Fused(weight, pixel, sum) : weight * pixel + sum;
         }
     if constexpr (std::is_integral_v<T>)
         sum = std::clamp<std::int64_t>(sum / divisor, std::numeric_limits<T>::min(),
