@@ -282,6 +282,26 @@ TYPED_TEST(Filter2DOf, GivesTheSameForAnyNumberOfThreads) {
     }
 }
 
+// Large results are written past the caches, in whole lines of 64 bytes, if all rows begin alike; wherever these
+// begin.
+TYPED_TEST(Filter2DOfReals, GiveTheSameInLargeImagesWhereverTheyBegin) {
+    int const width = 1021, height = 1039;
+    auto source = RandomImage<TypeParam>({width + 2, height + 3, width + 2}, 1);
+    auto kernel = RandomKernel<TypeParam>({3, 4, 3}, 9, 1);
+    ForEachSimdTarget([&] {
+        for (int const offset : {0, 1, 21}) {
+            APOINT const origin(offset, 1);
+            TestImage<TypeParam> lines({1056, height + 2, 1056}), others({1056, height + 2, 1057});
+            ImageAttributes toLines = lines.Attributes(), toOthers = others.Attributes();
+            for (ImageAttributes* const to : {&toLines, &toOthers})
+                ASSERT_EQ(Filter2D(source.Attributes(), nullptr, to, &origin, kernel.Attributes(), nullptr),
+                          SOLVANE_OK);
+            for (int y = 0; y < height + 2; ++y)
+                ASSERT_EQ(std::memcmp(&lines.At(0, y), &others.At(0, y), 1056 * sizeof(TypeParam)), 0) << y;
+        }
+    });
+}
+
 TEST(Filter2D, FiltersARegionToAnyPlace) {
     auto source = RandomImage<unsigned short>({20, 15, 22}, 1);
     auto kernel = RandomKernel<int>({4, 3, 4}, 5, 2);
