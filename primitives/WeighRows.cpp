@@ -118,31 +118,33 @@ template <typename Tile> HWY_INLINE void ForEachTile(int width, std::ptrdiff_t t
     if (x < width) tile(width - tileWidth);
 }
 
-// Rows of a tile's height. Tiles follow each other from the first line of the cache that begins within the rows;
-// what they leave is covered again.
+template <typename T> constexpr auto kLine = kCacheLine / static_cast<std::ptrdiff_t>(sizeof(T));
+
+// Whether the sums are many and their rows not narrow, and all rows begin at the same place of a line.
+template <typename T> bool Streams(Place<T> const& place, Size size) {
+    constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
+    return size.width >= 2 * kLine<T> &&
+           std::int64_t{size.width} * size.height >= kLeastStreamedBytes / kBytes &&
+           place.sumsStride % kLine<T> == 0 && reinterpret_cast<std::uintptr_t>(place.sums) % sizeof(T) == 0;
+}
+
+// Rows of a tile's height. From the first line of the cache that begins within the rows, tiles follow each other;
+// those before and behind cover some sums again.
 template <class D, typename T = hn::TFromD<D>>
 void StreamTiles(D d, Window<T> const& window, Place<T> const& place, std::ptrdiff_t width) {
-    constexpr auto kLine = kCacheLine / static_cast<std::ptrdiff_t>(sizeof(T));
     auto const tileWidth = 2 * static_cast<std::ptrdiff_t>(hn::Lanes(d));
     auto const address = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(place.sums));
-    std::ptrdiff_t x = -(address / static_cast<std::ptrdiff_t>(sizeof(T))) & (kLine - 1);
-    if (x > 0) WeighTile<false>(d, window, place);
+    std::ptrdiff_t const first = -(address / static_cast<std::ptrdiff_t>(sizeof(T))) & (kLine<T> - 1);
+    for (std::ptrdiff_t x = 0; x < first; x += tileWidth) WeighTile<false>(d, window, place.At(x, 0));
+    std::ptrdiff_t x = first;
     for (; x + tileWidth <= width; x += tileWidth) {
         Place<T> const at = place.At(x, 0);
         for (std::ptrdiff_t row = window.size.height - 1; row < window.size.height + kTileRows - 1; ++row)
-            for (std::ptrdiff_t i = 0; i < tileWidth; i += kLine)
-                hwy::Prefetch(at.source + row * at.sourceStride + kLinesAhead * kLine + i);
+            for (std::ptrdiff_t i = 0; i < tileWidth; i += kLine<T>)
+                hwy::Prefetch(at.source + row * at.sourceStride + kLinesAhead * kLine<T> + i);
         WeighTile<true>(d, window, at);
     }
     if (x < width) WeighTile<false>(d, window, place.At(width - tileWidth, 0));
-}
-
-// Whether the sums are many, and all rows begin at the same place of a line.
-template <typename T> bool Streams(Place<T> const& place, Size size) {
-    constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
-    return std::int64_t{size.width} * size.height >= kLeastStreamedBytes / kBytes &&
-           place.sumsStride * kBytes % kCacheLine == 0 &&
-           reinterpret_cast<std::uintptr_t>(place.sums) % sizeof(T) == 0;
 }
 
 template <typename T> void Weigh(Window<T> const& window, Place<T> const& place, Size size) {
