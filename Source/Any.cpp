@@ -100,9 +100,9 @@ char* AnyHandle::toString(char* buffer, int size) const {
     return print("toSting() not supported for type %s", TypeName(value.Type()).c_str());
 }
 
-#define ZPA_DEFINED_HERE(T)                     \
-    template class ZPA_INSTANCE_API counter<T>; \
-    template class ZPA_INSTANCE_API ZPA_Ptr<T>;
+#define ZPA_DEFINED_HERE(T)    \
+    template class counter<T>; \
+    template class ZPA_Ptr<T>;
 ZPA_FOR_ARRAYS_(ZPA_DEFINED_HERE)
 ZPA_DEFINED_HERE(Any)
 ZPA_DEFINED_HERE(Bag)

@@ -7,6 +7,7 @@
 #include "Source/Internal/GuardedVector.h"
 #include "Source/Internal/SideFile.h"
 #include "Source/Internal/XmlLimits.h"
+#include "Source/Platform/File.h"
 
 namespace ZPA {
 namespace {
@@ -100,7 +101,8 @@ bool BagIO::SaveBag(ZPA_Ptr<Bag> const& bag, std::string const& path, std::strin
         TiXmlDocument document;
         document.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
         SaveBagHelper(bag, AddElement(document, rootName, kBag), rootName, FolderOf(path));
-        document.SaveFile(path);
+        // In binary: the same bytes on every platform.
+        if (File const file{std::fopen(path.c_str(), "wb")}) document.SaveFile(file.get());
         return true;
     } catch (...) {
         return false;

@@ -118,7 +118,7 @@ SOLVANE_RETURNCODE Filter(ImageAttributes const& source, Area const& region, Ima
     constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
     ImageView<T const> const from(source);
     ImageView<T> const to(*destination);
-    Pass<T> const pass{from.Row(region.y) + region.x,
+    Pass<T> const pass{from.Row(static_cast<std::ptrdiff_t>(region.y)) + region.x,
                        from.Stride() * kBytes,
                        to.Row(origin.y) + origin.x,
                        to.Stride() * kBytes,

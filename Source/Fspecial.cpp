@@ -46,7 +46,7 @@ SOLVANE_RETURNCODE Gaussian(ImageView<double> const& kernel, double parameter) {
 }
 
 SOLVANE_RETURNCODE Write(ImageAttributes const& kernel, double const (&elements)[9]) {
-    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0)
+    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0 || kernel.width < 1)
         return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel image is too small.");
     std::memcpy(kernel.buffer, elements, sizeof elements);
     return SOLVANE_OK;
@@ -69,6 +69,7 @@ SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double par
     if (is("sobel")) return Write(kernel, {1, 2, 1, 0, 0, 0, -1, -2, -1});
     if (!is("average") && !is("gaussian")) return SOLVANE_UNSUPPORTED_TYPE;
     if (RowsOverlap(kernel)) return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel's rows overlap.");
+    if (kernel.width < 1) return SOLVANE_OK;  // however many rows there are of nothing
     ImageView<double> const view(kernel);
     return is("average") ? Average(view) : Gaussian(view, parameter);
 } catch (...) {

@@ -56,6 +56,7 @@ template <typename T> std::uint64_t BinOf(T pixel, std::uint64_t bins) {
 
 // Fills `counts`, all of them zero.
 template <typename T> void Count(ImageView<T const> const& pixels, ULong32* counts, std::uint32_t bins) {
+    if (pixels.Width() < 1) return;  // and any number of rows
     if constexpr (std::is_same_v<T, std::uint8_t> || std::is_same_v<T, std::uint16_t>) {
         // Each pixel is its bin; the library's counts of 32 bits have one form or another, of the same size.
         CountTables<T> tables;
@@ -234,7 +235,7 @@ template <typename T> void ZPA_Buffer<T>::Initialize(T* buffer, int size, bool o
         return;
     }
 
-    auto const elements = static_cast<std::uint64_t>(size);
+    auto const elements = static_cast<std::size_t>(size);
     attributes_.buffer =
         Allocate<T>(this, elements, size, "ZPA_Buffer<T>::Initialize memory allocation failure");
     std::memset(attributes_.buffer, 0, elements * sizeof(T));
@@ -248,14 +249,14 @@ template <typename T> void ZPA_Buffer<T>::Clean() {
     attributes_.buffer = nullptr;
 }
 
-#define ZPA_DEFINED_HERE(T)                         \
-    template class ZPA_INSTANCE_API IZPA_Buffer<T>; \
-    template class ZPA_INSTANCE_API ZPA_Buffer<T>;
+#define ZPA_DEFINED_HERE(T)        \
+    template class IZPA_Buffer<T>; \
+    template class ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
-#define ZPA_DEFINED_HERE(T)                        \
-    template class ZPA_INSTANCE_API IZPA_Image<T>; \
-    template class ZPA_INSTANCE_API ZPA_Image<T>;
+#define ZPA_DEFINED_HERE(T)       \
+    template class IZPA_Image<T>; \
+    template class ZPA_Image<T>;
 ZPA_FOR_IMAGE_ELEMENTS_(ZPA_DEFINED_HERE)
 #undef ZPA_DEFINED_HERE
 

@@ -158,7 +158,8 @@ SOLVANE_RETURNCODE MakeLineStrel(ImageAttributes const& se, double* center, int 
     std::ptrdiff_t const block = std::max(bytes.Stride() * bytes.Height(), bytes.Width());
     std::memset(se.buffer, 0, static_cast<std::size_t>(block));
     for (std::size_t i = 0; i < points.rows.size(); ++i)
-        bytes.Row(points.rows[i] + points.maxY)[points.cols[i] + points.maxX] = 1;
+        bytes.Row(static_cast<std::ptrdiff_t>(points.rows[i] + points.maxY))[points.cols[i] + points.maxX] =
+            1;
     return SOLVANE_OK;
 }
 
@@ -188,7 +189,8 @@ SOLVANE_RETURNCODE MakePeriodicLineStrel(ImageAttributes const& se, double* cent
     for (std::ptrdiff_t y = 0; y < bytes.Height(); ++y) std::fill_n(bytes.Row(y), bytes.Width(), 0);
     for (std::int64_t k = -std::int64_t{count}; k <= count; ++k) {
         auto const at = static_cast<double>(k);
-        bytes.Row(maxRow + TruncateToInt32(at * steps[0]))[maxCol + TruncateToInt32(at * steps[1])] = 1;
+        auto const row = static_cast<std::ptrdiff_t>(maxRow + TruncateToInt32(at * steps[0]));
+        bytes.Row(row)[maxCol + TruncateToInt32(at * steps[1])] = 1;
     }
     return SOLVANE_OK;
 }

@@ -1,5 +1,14 @@
 # How this project compiles its own code, tests and examples included.
 
+# Leaves out of a list of sources those of another platform, which end in its name.
+macro(zpa_of_this_platform sources)
+    if(WIN32)
+        list(FILTER ${sources} EXCLUDE REGEX "_posix\\.cpp$")
+    else()
+        list(FILTER ${sources} EXCLUDE REGEX "_windows\\.cpp$")
+    endif()
+endmacro()
+
 # Warnings, exact arithmetic and the chosen sanitizers for `target`.
 function(zpa_own_code target)
     target_compile_options(${target} PRIVATE

@@ -1,4 +1,4 @@
-// Makes the inputs that fuzzing starts from: MakeSeeds FOLDER EXPORTS. Fails if an exported operation is not called.
+// Makes the inputs that fuzzing starts from: MakeSeeds FOLDER EXPORTS. Fails if an operation is forgotten.
 #include <Basics/BagOperations.h>
 #include <Basics/ZPA_BagIO.h>
 

@@ -1,5 +1,5 @@
-// Every exported operation, with hostile descriptors and numbers, over memory of exactly the described size. What
-// is repeatable must leave the same bits behind with another instruction set.
+// Every exported operation, with hostile arguments over memory of exactly the described size. What is
+// repeatable must leave the same bits behind with another instruction set.
 #include <hwy/highway.h>
 
 #include <cstdio>

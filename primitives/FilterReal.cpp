@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <type_traits>
 
 #include "primitives/Filter.h"
 #include "primitives/Filtering.h"
@@ -55,14 +56,16 @@ template <typename T> bool Separate(T const* kernel, Size size, T* row, T* colum
     std::copy_n(pivot - pivotX, width, row);
     for (std::ptrdiff_t j = 0; j < height; ++j) column[j] = kernel[j * width + pivotX] / *pivot;
 
+    // The product is kept to more digits; `fma`, which would keep all, rounds twice on some platforms.
+    using Wide = std::conditional_t<std::is_same_v<T, float>, double, long double>;
     std::ptrdiff_t const roundings = std::min(taps - width - height, kMostRoundings);
-    T const tolerance = static_cast<T>(roundings) * std::numeric_limits<T>::epsilon() / 2;
+    Wide const tolerance = static_cast<Wide>(roundings) * std::numeric_limits<T>::epsilon() / 2;
     for (std::ptrdiff_t j = 0; j < height; ++j)
         for (std::ptrdiff_t i = 0; i < width; ++i) {
-            T const element = kernel[j * width + i];
+            Wide const element = kernel[j * width + i];
             // Nothing but zeros makes up for what is not a number.
             if ((element == 0) != (column[j] == 0 || row[i] == 0)) return false;
-            if (!(std::abs(std::fma(column[j], row[i], -element)) <= tolerance * std::abs(element)))
+            if (!(std::abs(Wide{column[j]} * row[i] - element) <= tolerance * std::abs(element)))
                 return false;
         }
     return true;

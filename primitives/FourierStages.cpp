@@ -310,7 +310,7 @@ public:
         D const d;
         auto const scale = hn::Set(d, scale_);
         for (std::ptrdiff_t k = 0; k < length; ++k, points += 2 * stride) {
-            T const* const row = rows + std::ptrdiff_t{positions[k]} * In::kRow;
+            T const* const row = rows + static_cast<std::ptrdiff_t>(positions[k]) * In::kRow;
             for (std::ptrdiff_t at = 0; at < width; at += In::Lanes())
                 hn::StoreInterleaved2(hn::Mul(scale, hn::Load(d, row + re_ + at)),
                                       hn::Mul(scale, hn::Load(d, row + im_ + at)), d, points + 2 * at);
@@ -416,7 +416,8 @@ private:
                 typename In::Lines const block{hn::Set(d, blockRe_[k]), hn::Set(d, blockIm_[k])};
                 for (std::ptrdiff_t at = 0; at < width; at += In::Lanes()) {
                     auto const turn = block * In::Load(turns_ + k * kRow, at);
-                    auto const point = In::Load(rows_ + std::ptrdiff_t{tallPositions_[k]} * kRow, at);
+                    auto const point =
+                        In::Load(rows_ + static_cast<std::ptrdiff_t>(tallPositions_[k]) * kRow, at);
                     In::Store(point * turn, square + y * kRow, at);
                 }
             }

@@ -3,6 +3,7 @@
 #define ZPA_PRIMITIVES_MATRIXBLOCK_H
 
 #include <cstddef>
+#include <cstdint>
 
 namespace ZPA {
 
@@ -19,7 +20,9 @@ template <typename T> struct Matrix {
     std::ptrdiff_t columnStride;
 
     T* At(std::ptrdiff_t y, std::ptrdiff_t x) const { return first + y * rowStride + x * columnStride; }
-    Matrix From(std::ptrdiff_t y, std::ptrdiff_t x) const { return {At(y, x), rowStride, columnStride}; }
+    Matrix From(std::int64_t y, std::int64_t x) const {
+        return {At(static_cast<std::ptrdiff_t>(y), static_cast<std::ptrdiff_t>(x)), rowStride, columnStride};
+    }
 };
 
 // A part of the product, and the packed panels that it is made of: of the first factor, each `depth` columns

@@ -14,8 +14,10 @@ namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// So many columns become rows together: a line of the cache in the source, if that is not too many rows.
-template <typename T> constexpr std::ptrdiff_t kColumns = std::min<std::ptrdiff_t>(64 / sizeof(T), 16);
+// Elements in a line of the cache.
+template <typename T> constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
+// So many columns become rows together: a line in the source, if that is not too many rows.
+template <typename T> constexpr std::ptrdiff_t kColumns = std::min<std::ptrdiff_t>(kLine<T>, 32);
 // And over so many rows: the processor keeps track of their pages.
 constexpr std::ptrdiff_t kRows = 512;
 
@@ -92,9 +94,6 @@ HWY_INLINE void StoreSquare(T const* source, std::ptrdiff_t sourceStride, T* des
         hn::StoreU(columns[i], Square<T>(), destination + i * destinationStride);
 }
 
-// Elements in a line of the cache.
-template <typename T> constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
-
 // Writes whole lines past the caches, their parts one after the other: apart, each would go to memory alone.
 template <typename T>
 HWY_INLINE void StreamSquares(T const* source, std::ptrdiff_t sourceStride, T* destination,
@@ -109,7 +108,8 @@ HWY_INLINE void StreamSquares(T const* source, std::ptrdiff_t sourceStride, T* d
 }
 
 // Calls turn(x, y) for areas of kSide<T> by `step`, which fill the size, in bands of so many rows. Stores wait
-// in line, loads do not: so the destination is written from left to right.
+// in line, loads do not: so the destination is written from left to right. Areas as large as lines of both images
+// are filled one by one, since lines that rows a power of two apart share the places of leave the first cache soon.
 template <typename T, typename Turn>
 void ForEachArea(std::ptrdiff_t width, std::ptrdiff_t height, std::ptrdiff_t rows, std::ptrdiff_t step,
                  Turn const& turn) {
@@ -117,8 +117,10 @@ void ForEachArea(std::ptrdiff_t width, std::ptrdiff_t height, std::ptrdiff_t row
         std::ptrdiff_t const bottom = std::min(top + rows, height);
         for (std::ptrdiff_t left = 0; left < width; left += kColumns<T>) {
             std::ptrdiff_t const right = std::min(left + kColumns<T>, width);
-            for (std::ptrdiff_t y = top; y < bottom; y += step)
-                for (std::ptrdiff_t x = left; x < right; x += kSide<T>) turn(x, y);
+            for (std::ptrdiff_t line = top; line < bottom; line += kLine<T>)
+                for (std::ptrdiff_t x = left; x < right; x += kSide<T>)
+                    for (std::ptrdiff_t y = line; y < std::min(line + kLine<T>, bottom); y += step)
+                        turn(x, y);
         }
     }
 }

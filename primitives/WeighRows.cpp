@@ -4,6 +4,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "primitives/WeighRows.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 
@@ -16,6 +17,11 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kTileRows = 4;
+// Sums that a common second cache does not hold are written past the caches.
+constexpr std::int64_t kLeastStreamedBytes = 4 * 1024 * 1024;
+constexpr std::ptrdiff_t kCacheLine = 64;
+// So far ahead of a tile its pixels are sent for: stores past the caches leave no time to wait for them.
+constexpr std::ptrdiff_t kLinesAhead = 8;
 
 template <typename T> struct Place {
     T const* source;
@@ -65,8 +71,8 @@ HWY_INLINE void AddPixels(D d, T const* weights, int width, T const* pixels, hn:
     }
 }
 
-// A tile of two vectors.
-template <class D, typename T = hn::TFromD<D>>
+// A tile of two vectors. Past the caches, where it begins at a multiple of a vector's bytes.
+template <bool streams, class D, typename T = hn::TFromD<D>>
 HWY_INLINE void WeighTile(D d, Window<T> const& window, Place<T> const& place) {
     static_assert(kTileRows == 4, "the rows are told apart below");
     auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
@@ -94,8 +100,14 @@ HWY_INLINE void WeighTile(D d, Window<T> const& window, Place<T> const& place) {
         weights += width;
     }
     for (int y = 0; y < kTileRows; ++y) {
-        hn::StoreU(left[y], d, place.sums + y * place.sumsStride);
-        hn::StoreU(right[y], d, place.sums + y * place.sumsStride + lanes);
+        T* const sums = place.sums + y * place.sumsStride;
+        if constexpr (streams) {
+            hn::Stream(left[y], d, sums);
+            hn::Stream(right[y], d, sums + lanes);
+        } else {
+            hn::StoreU(left[y], d, sums);
+            hn::StoreU(right[y], d, sums + lanes);
+        }
     }
 }
 
@@ -106,14 +118,48 @@ template <typename Tile> HWY_INLINE void ForEachTile(int width, std::ptrdiff_t t
     if (x < width) tile(width - tileWidth);
 }
 
+// Rows of a tile's height. Tiles follow each other from the first line of the cache that begins within the rows;
+// what they leave is covered again.
+template <class D, typename T = hn::TFromD<D>>
+void StreamTiles(D d, Window<T> const& window, Place<T> const& place, std::ptrdiff_t width) {
+    constexpr auto kLine = kCacheLine / static_cast<std::ptrdiff_t>(sizeof(T));
+    auto const tileWidth = 2 * static_cast<std::ptrdiff_t>(hn::Lanes(d));
+    auto const address = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(place.sums));
+    std::ptrdiff_t x = -(address / static_cast<std::ptrdiff_t>(sizeof(T))) & (kLine - 1);
+    if (x > 0) WeighTile<false>(d, window, place);
+    for (; x + tileWidth <= width; x += tileWidth) {
+        Place<T> const at = place.At(x, 0);
+        for (std::ptrdiff_t row = window.size.height - 1; row < window.size.height + kTileRows - 1; ++row)
+            for (std::ptrdiff_t i = 0; i < tileWidth; i += kLine)
+                hwy::Prefetch(at.source + row * at.sourceStride + kLinesAhead * kLine + i);
+        WeighTile<true>(d, window, at);
+    }
+    if (x < width) WeighTile<false>(d, window, place.At(width - tileWidth, 0));
+}
+
+// Whether the sums are many, and all rows begin at the same place of a line.
+template <typename T> bool Streams(Place<T> const& place, Size size) {
+    constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
+    return std::int64_t{size.width} * size.height >= kLeastStreamedBytes / kBytes &&
+           place.sumsStride * kBytes % kCacheLine == 0 &&
+           reinterpret_cast<std::uintptr_t>(place.sums) % sizeof(T) == 0;
+}
+
 template <typename T> void Weigh(Window<T> const& window, Place<T> const& place, Size size) {
     hn::ScalableTag<T> const d;
     auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
     int y = 0;
-    if (window.size.height > 3 && size.width >= 2 * lanes)
-        for (; y + kTileRows <= size.height; y += kTileRows)
-            ForEachTile(size.width, 2 * lanes,
-                        [&](std::ptrdiff_t x) HWY_ATTR { WeighTile(d, window, place.At(x, y)); });
+    if (size.width >= 2 * lanes) {
+        if (Streams(place, size)) {
+            for (; y + kTileRows <= size.height; y += kTileRows)
+                StreamTiles(d, window, place.At(0, y), size.width);
+            hwy::FlushStream();
+        }
+        if (window.size.height > 3)
+            for (; y + kTileRows <= size.height; y += kTileRows)
+                ForEachTile(size.width, 2 * lanes,
+                            [&](std::ptrdiff_t x) HWY_ATTR { WeighTile<false>(d, window, place.At(x, y)); });
+    }
     for (; y < size.height; ++y) {
         if (size.width >= 4 * lanes)
             ForEachTile(size.width, 4 * lanes, [&](std::ptrdiff_t x) HWY_ATTR {

@@ -102,6 +102,27 @@ TEST(AnyHandle, ConvertsToTheHeldTypeAndRefusesEveryOther) {
     }
 }
 
+// Elsewhere than in a 32-bit process it does not compile, as the assertion above tells.
+template <typename Vector> std::string ConstructedFrom([[maybe_unused]] AnyHandle const& handle) {
+    try {
+        if constexpr (std::is_constructible_v<Vector, AnyHandle>)
+            return std::to_string(Vector(handle).size());
+    } catch (char const* message) {
+        return message;
+    }
+    return "";
+}
+
+TEST(AnyHandle, IsASizeToAVectorIn32Bits) {
+    if (sizeof(std::size_t) != sizeof(unsigned int)) GTEST_SKIP();
+    EXPECT_EQ(ConstructedFrom<Texts>(Handle(Texts(2))),
+              "can't cast to std::vector<string> in a 32-bit process.");
+    EXPECT_EQ(ConstructedFrom<Bags>(Handle(Bags(2))),
+              "can't cast to std::vector<ZPA_Ptr<Bag>> in a 32-bit process.");
+    EXPECT_EQ(ConstructedFrom<Texts>(Handle(3)), "Can't cast to unsigned integer");
+    EXPECT_EQ(ConstructedFrom<Texts>(Handle(3U)), "3");
+}
+
 TEST(AnyHandle, ReadsVectorsForThoseWhoNameThem) {
     Texts const texts{"one", ""};
     EXPECT_EQ(Handle(texts).Get<Texts>(), texts);

@@ -1,12 +1,11 @@
 // Sums, differences, products, quotients and absolute values of images.
 #include <Basics/Arithmetic.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <csignal>
 #include <functional>
 
 #include "support/CapturedLog.h"
+#include "support/DivisionFault.h"
 #include "support/Images.h"
 #include "support/SimdTargets.h"
 
@@ -184,16 +183,6 @@ TEST(Arithmetic, DividesWhereQuotientsAreNearestToTheNextInteger) {
         });
 }
 
-// What a fault makes of the process: sanitizers report it before it happens, and exit.
-bool Faulted(int status) {
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    return status != 0;
-#endif
-#endif
-    return WIFSIGNALED(status) && WTERMSIG(status) == SIGFPE;
-}
-
 template <typename T> class IntegerDivisionDeathTest : public testing::Test {};
 using Integers = testing::Types<signed char, unsigned char, short, unsigned short, int, unsigned int>;
 TYPED_TEST_SUITE(IntegerDivisionDeathTest, Integers, );
@@ -214,9 +203,9 @@ TYPED_TEST(IntegerDivisionDeathTest, ByZeroFaults) {
         auto first = Hard<TypeParam>(place.shape, 1);
         auto second = Divisors<TypeParam>(place.shape, 2);
         second.At(place.x, place.y) = 0;
-        EXPECT_EXIT((void)DivP(first.Attributes(), second.Attributes(), nullptr), Faulted, "");
+        EXPECT_EXIT((void)DivP(first.Attributes(), second.Attributes(), nullptr), DivisionFaulted, "");
         TypeParam zero = 0;
-        EXPECT_EXIT((void)DivC(first.Attributes(), &zero, nullptr), Faulted, "");
+        EXPECT_EXIT((void)DivC(first.Attributes(), &zero, nullptr), DivisionFaulted, "");
     }
     // Padding is not divided, and nothing by nothing is nothing.
     auto first = Hard<TypeParam>({100, 4, 130}, 3);

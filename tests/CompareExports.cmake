@@ -1,10 +1,19 @@
 # Holds the names that the built library shows against the list of those it means to show. Where a name is meant to
 # come or go, `ZPA_RENEW_EXPORTS=1 ctest -R exports` writes the list anew; what changed is then seen in review.
 cmake_minimum_required(VERSION 3.20)
-execute_process(COMMAND ${NM} --dynamic --defined-only --demangle ${LIBRARY}
-    RESULT_VARIABLE result OUTPUT_VARIABLE symbols)
-if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${NM} cannot read ${LIBRARY}")
+# Of a DLL the names in its table, which are those that others ask for.
+if(LIBRARY MATCHES "\\.dll$")
+    execute_process(COMMAND ${OBJDUMP} --private-headers ${LIBRARY} COMMAND ${CXXFILT} --no-strip-underscore
+        RESULTS_VARIABLE results OUTPUT_VARIABLE symbols)
+    string(REGEX REPLACE ".*\\[Ordinal/Name Pointer\\] Table\n" "" symbols "${symbols}")
+    string(REGEX REPLACE "\n\n.*" "" symbols "${symbols}")
+    string(REGEX REPLACE "\t\\[ *[0-9]+\\] " "" symbols "${symbols}")
+else()
+    execute_process(COMMAND ${NM} --dynamic --defined-only --demangle ${LIBRARY}
+        RESULTS_VARIABLE results OUTPUT_VARIABLE symbols)
+endif()
+if(NOT results MATCHES "^0(;0)?$")
+    message(FATAL_ERROR "${LIBRARY} cannot be read: ${results}")
 endif()
 
 string(REGEX REPLACE "\n$" "" symbols "${symbols}")

@@ -1,4 +1,4 @@
-// What becomes of operations when the world around them fails: files, disks, callbacks, and other threads at work.
+// What becomes of operations when the world around them fails: files, disks, callbacks, other threads.
 #include <Basics/BagOperations.h>
 #include <Basics/Logging.h>
 #include <Basics/RawFile.h>

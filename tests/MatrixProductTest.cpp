@@ -21,7 +21,7 @@ void Model(T const* first, int firstStride, T const* second, int secondStride, T
             T sum = 0;
             for (int k = 0; k < length; ++k) {
                 T const a = first[y * firstStride + k], b = second[k * secondStride + x];
-                sum = fused ? std::fma(a, b, sum) : a * b + sum;
+                sum = fused ? Fused(a, b, sum) : a * b + sum;
             }
             product[y * productStride + x] = sum;
         }

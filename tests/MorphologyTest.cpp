@@ -240,6 +240,7 @@ TEST(Morphology, RefusesInItsOrder) {
         {"signed", Over(nullptr, eInt16, 4, 3, 4), output, se, middle, 5, border(-12)},
         {"float", from(eSingle), output, se, middle, 5, border(-12)},
         {"no source", noPixels, output, noElements, middle, 5, border(-8)},
+        {"no source, unreadable element", noPixels, output, element(3, 3, -3), middle, 5, border(-8)},
         {"no source at all", noPixels, noPixels, se, middle, 5, border(-8)},
         {"no width", from(eUInt16, 0), to(0), noElements, middle, 5, border(-5)},
         {"negative height", from(eUInt16, 4, -9), to(4, -9), se, middle, 5, border(-5)},

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "Source/Internal/Direction.h"
+
 namespace ZPA {
 
 struct AnisotropicFilterPlan {
@@ -17,8 +19,7 @@ struct AnisotropicFilterPlan {
         : derivativeOrderU(orderU), derivativeOrderV(orderV) {
         // A right angle behind the axis u: c is the sine of its angle, s the negative cosine.
         double const theta = (angleDegrees - 180.0 + 90.0) * 3.14159265358979323846 / 180.0;
-        double const c = std::cos(theta);
-        double const s = std::sin(theta);
+        auto const [c, s] = DirectionOf(theta);
         double const d = c * c * u * u + s * s * v * v;
         sigmaSlant = std::sqrt(d);
         sigmaX = std::abs(u * v) / sigmaSlant;

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "Source/Internal/Message.h"
+#include "Source/Platform/ExtendedPrecision.h"
 
 namespace ZPA {
 
@@ -42,6 +43,7 @@ inline constexpr auto kUnexpected = L"Unexpected exception.";
 // first one is reported.
 template <typename Body, typename... Scope>
 SOLVANE_RETURNCODE GuardedScope(Message unexpected, Body const& body, Scope... scope) noexcept {
+    [[maybe_unused]] ExtendedPrecision const precision;
     try {
         EntryExitLogging const entered(scope...);
         try {

@@ -30,12 +30,14 @@ inline Status CopyReplicateBorder(std::uint16_t const* source, std::ptrdiff_t so
                                            destinationSize, top, left);
 }
 
-// A structuring element as the primitives take it.
+// A structuring element as the primitives take it. One whose rows cannot be read is not looked at: over an image
+// without pixels nothing refuses it.
 class PackedElement {
 public:
     explicit PackedElement(ImageAttributes const& se)
         : elements(static_cast<std::uint8_t const*>(se.buffer)), size{se.width, se.height} {
-        if (!se.buffer || se.width < 1 || se.height < 2 || se.stride == se.width) return;
+        if (!se.buffer || se.width < 1 || se.height < 2 || se.stride == se.width || RowsUnreadable(se))
+            return;
         ImageView<std::uint8_t const> const view(se);
         for (std::ptrdiff_t y = 0; y < view.Height(); ++y)
             copy_.insert(copy_.end(), view.Row(y), view.Row(y) + view.Width());

@@ -8,7 +8,7 @@
 namespace ZPA::Fuzz {
 namespace {
 
-// Elements that a routine may take for granted are there for sizes up to this one; for larger ones there are none.
+// Elements that a routine takes for granted are there up to this size; beyond it there are none.
 constexpr int kLargest = 70;
 
 // A size, and the elements of a vector or matrix that has it: none where the size makes no sense.

@@ -1,4 +1,4 @@
-// The arguments of one call, made from an input: descriptors, and memory of exactly the size that they describe.
+// The arguments of one call, made from an input: descriptors, and memory of just the size they describe.
 #include "support/Scene.h"
 
 #include <cmath>

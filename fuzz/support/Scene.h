@@ -1,4 +1,4 @@
-// The arguments of one call, made from an input: descriptors, and memory of exactly the size that they describe.
+// The arguments of one call, made from an input: descriptors, and memory of just the size they describe.
 #ifndef ZPA_FUZZ_SUPPORT_SCENE_H
 #define ZPA_FUZZ_SUPPORT_SCENE_H
 
@@ -71,7 +71,7 @@ public:
     }
     // A value that an argument points to; null once in a while.
     template <typename T> T* Value(T value) {
-        auto* const at = static_cast<T*>(Bytes(1, eUnknown, sizeof(T), true));
+        auto* const at = static_cast<T*>(Bytes(1, TypeOf<T>(), sizeof(T), true));
         if (at) *at = value;
         return at;
     }

@@ -207,10 +207,13 @@ private:
     template <typename T> T ReadOr(char const* message) const;
 };
 
-/// @cond The instantiations that the library holds.
+/// @cond
 #define ZPA_FOR_ARRAYS_(apply)                                                                        \
     apply(signed char) apply(char) apply(unsigned char) apply(short) apply(unsigned short) apply(int) \
         apply(unsigned int) apply(long) apply(float) apply(double) apply(bool)
+// The instantiations that the library holds. On Windows callers make their own: all members are inline, and an
+// instantiation does not export those.
+#if !defined(_WIN32)
 #define ZPA_DECLARED_ELSEWHERE_(T)    \
     extern template class counter<T>; \
     extern template class ZPA_Ptr<T>;
@@ -218,6 +221,7 @@ ZPA_FOR_ARRAYS_(ZPA_DECLARED_ELSEWHERE_)
 ZPA_DECLARED_ELSEWHERE_(Any)
 ZPA_DECLARED_ELSEWHERE_(Bag)
 #undef ZPA_DECLARED_ELSEWHERE_
+#endif
 /// @endcond
 
 }  // namespace ZPA

@@ -187,14 +187,14 @@ private:
         apply(long) apply(unsigned long) apply(float) apply(double)
 #define ZPA_FOR_IMAGE_ELEMENTS_(apply) apply(signed char) ZPA_FOR_BUFFER_ELEMENTS_(apply)
 
-#define ZPA_DECLARED_ELSEWHERE_(T)        \
-    extern template class IZPA_Buffer<T>; \
-    extern template class ZPA_Buffer<T>;
+#define ZPA_DECLARED_ELSEWHERE_(T)                         \
+    extern template class ZPA_INSTANCE_API IZPA_Buffer<T>; \
+    extern template class ZPA_INSTANCE_API ZPA_Buffer<T>;
 ZPA_FOR_BUFFER_ELEMENTS_(ZPA_DECLARED_ELSEWHERE_)
 #undef ZPA_DECLARED_ELSEWHERE_
-#define ZPA_DECLARED_ELSEWHERE_(T)       \
-    extern template class IZPA_Image<T>; \
-    extern template class ZPA_Image<T>;
+#define ZPA_DECLARED_ELSEWHERE_(T)                        \
+    extern template class ZPA_INSTANCE_API IZPA_Image<T>; \
+    extern template class ZPA_INSTANCE_API ZPA_Image<T>;
 ZPA_FOR_IMAGE_ELEMENTS_(ZPA_DECLARED_ELSEWHERE_)
 #undef ZPA_DECLARED_ELSEWHERE_
 /// @endcond

@@ -31,7 +31,8 @@ std::string Advice(void const* at) {
 
 TEST(LargePages, AreAskedForInsideOfLargeBlocksOnly) {
     constexpr std::size_t kPage = 2 << 20;
-    for (std::size_t const bytes : {std::size_t{1}, kPage - 1, 2 * kPage, kLargeBlock, kLargeBlock + 12345}) {
+    constexpr auto kLarge = static_cast<std::size_t>(kLargeBlock);
+    for (std::size_t const bytes : {std::size_t{1}, kPage - 1, 2 * kPage, kLarge, kLarge + 12345}) {
         std::unique_ptr<unsigned char[]> const block(AllocateElements<unsigned char>(bytes));
         ASSERT_TRUE(block);
         std::string const advice = Advice(block.get() + bytes / 2);

@@ -3,6 +3,10 @@
 
 #include <new>
 
+#if defined(_WIN32)
+#include "support/ReplaceImport.h"
+#endif
+
 namespace {
 thread_local bool none = false;
 }  // namespace
@@ -19,6 +23,15 @@ void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
 }
 
 namespace ZPA::Testing {
+
+#if defined(_WIN32)
+namespace {
+[[maybe_unused]] bool const inTheLibraryToo =
+    ReplaceImport("zpa.dll", sizeof(void*) == 8 ? "_ZnayRKSt9nothrow_t" : "_ZnajRKSt9nothrow_t",
+                  reinterpret_cast<void const*>(
+                      static_cast<void* (*)(std::size_t, std::nothrow_t const&)>(&operator new[])));
+}  // namespace
+#endif
 
 NoMemory::NoMemory() { none = true; }
 NoMemory::~NoMemory() { none = false; }

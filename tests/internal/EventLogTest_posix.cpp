@@ -1,5 +1,4 @@
 // The registry as folders and files.
-#if !defined(_WIN32)
 #include "Source/Platform/PosixEventLog.h"
 
 #include <gtest/gtest.h>
@@ -138,4 +137,3 @@ TEST_F(PosixRegistry, KnowsTheModuleWithinTheLimit) {
 
 }  // namespace
 }  // namespace ZPA
-#endif

@@ -1,0 +1,50 @@
+// Sums in extended precision on threads that Windows made, which begin with less.
+#include <Basics/Statistics.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <vector>
+
+namespace ZPA {
+namespace {
+
+unsigned short Control() {
+    unsigned short control;
+    __asm__ volatile("fnstcw %0" : "=m"(control));
+    return control;
+}
+
+struct Measured {
+    double mean = 0;
+    unsigned short before = 0, after = 0;
+};
+
+DWORD WINAPI Measure(void* result) {
+    auto& measured = *static_cast<Measured*>(result);
+    // The small ones are lost one by one in 53 bits, and add up in 64.
+    std::vector<double> pixels(1025, 1.0);
+    pixels[0] = 9007199254740992;  // 2 to the power of 53
+    ImageAttributes const image(eDouble, pixels.data(), 1025, 1, 1025, 64, 0);
+    measured.before = Control();
+    EXPECT_EQ(
+        CalculateImageStats(image, nullptr, nullptr, nullptr, nullptr, nullptr, &measured.mean, nullptr),
+        SOLVANE_OK);
+    measured.after = Control();
+    return 0;
+}
+
+TEST(ExtendedPrecision, HoldsOnEveryThread) {
+    Measured here, there;
+    Measure(&here);
+    HANDLE const thread = CreateThread(nullptr, 0, Measure, &there, 0, nullptr);
+    ASSERT_NE(thread, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+    EXPECT_EQ(there.before, 0x27F);
+    EXPECT_EQ(there.after, there.before);
+    EXPECT_EQ(here.mean, 9007199254742016 / 1025.0);
+    EXPECT_EQ(there.mean, here.mean);
+}
+
+}  // namespace
+}  // namespace ZPA
