@@ -126,8 +126,7 @@ TEST(AnisotropicGaussian, IsTheRecursionItselfWhereNothingIsSheared) {
 TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
     constexpr int kSide = 201;
     constexpr int kMiddle = 100;
-    TestImage<double> input({kSide, kSide, kSide});
-    std::fill_n(input.Pixels(), input.Size(), 0.0);
+    auto input = Uniform<double>({kSide, kSide, kSide}, 0);
     input.At(kMiddle, kMiddle) = 1;
     for (auto const& [u, v] :
          {std::tuple(3.0, 3.0), {4.0, 4.0}, {6.0, 3.0}, {3.0, 9.0}, {12.0, 3.0}, {3.0, 12.0}, {5.0, 15.0}})
@@ -169,8 +168,7 @@ TEST(AnisotropicGaussian, LeavesAUniformImageUniform) {
     for (Shape const shape : kSizes)
         for (double const angle : {0.0, 10.0, 45.0, 80.0, 100.0, 170.0})
             for (auto const& [u, v] : {std::tuple(1.0, 2.0), {20.0, 0.5}, {1.0, 300.0}, {3000.0, 1.0}}) {
-                TestImage<double> input(shape);
-                std::fill_n(input.Pixels(), input.Size(), 1000.0);
+                auto input = Uniform(shape, 1000.0);
                 EXPECT_LT(Largest(Filtered(input, u, v, angle), input), 0.01)
                     << shape << ", " << u << ", " << v << ", " << angle;
             }
@@ -192,8 +190,7 @@ TEST(AnisotropicGaussian, IsTheSameInEveryStripAndOnEverySimdTarget) {
             });
             // Leaning the other way is the mirror image, away from the sides.
             auto mirrored = input;
-            for (int y = 0; y < shape.height; ++y)
-                for (int x = 0; x < shape.width; ++x) mirrored.At(x, y) = input.At(shape.width - 1 - x, y);
+            mirrored.Fill([&](int x, int y) { return input.At(shape.width - 1 - x, y); });
             auto const other = Filtered(mirrored, 12.0, 3.0, -angle);
             if (shape.width < 200) continue;
             for (int y = 0; y < shape.height; ++y)
@@ -206,8 +203,7 @@ TEST(AnisotropicGaussian, TakesDerivativesAlongItsAxes) {
     // Of a plane, whose slopes central differences give exactly; the border halves them.
     constexpr int kSide = 20;
     TestImage<double> plane({kSide, kSide, kSide});
-    for (int y = 0; y < kSide; ++y)
-        for (int x = 0; x < kSide; ++x) plane.At(x, y) = 3 * x - 2 * y;
+    plane.Fill([](int x, int y) { return 3 * x - 2 * y; });
     for (double const angle : {0.0, 30.0, 90.0, 200.0}) {
         double const c = std::cos(angle * 3.14159265358979323846 / 180);
         double const s = std::sin(angle * 3.14159265358979323846 / 180);
@@ -227,21 +223,20 @@ TEST(AnisotropicGaussian, TakesDerivativesAlongItsAxes) {
     EXPECT_NEAR(Filtered(plane, 0.1, 0.1, 0, 255, 255).At(10, 10), 0, 1e-12);
 }
 
-template <typename T> void ExpectTypedIo() {
+template <typename T> class AnisotropicGaussianOf : public testing::Test {};
+using Served = testing::Types<unsigned char, short, unsigned short, double>;
+TYPED_TEST_SUITE(AnisotropicGaussianOf, Served, );
+
+TYPED_TEST(AnisotropicGaussianOf, IsServedPaddedInPlaceAndCreated) {
+    using T = TypeParam;
     auto input = RandomImage<T>({37, 11, 40}, 6);
     TestImage<double> wide({37, 11, 37});
-    for (int y = 0; y < 11; ++y)
-        for (int x = 0; x < 37; ++x) wide.At(x, y) = static_cast<double>(input.At(x, y));
+    wide.Fill([&](int x, int y) { return input.At(x, y); });
     auto const exact = Filtered(wide, 2, 3, 30);
 
     ImageAttributes made;
     ASSERT_EQ(AnisotropicGaussian(input.Attributes(16, 7), &made, 2, 3, 30, 0, 0), SOLVANE_OK);
-    EXPECT_EQ(made.type, eDouble);
-    EXPECT_EQ(made.width, 37);
-    EXPECT_EQ(made.height, 11);
-    EXPECT_EQ(made.stride, 37);
-    EXPECT_EQ(made.bitsperpixel, 64);
-    EXPECT_EQ(made.pixelspacing, 7);
+    EXPECT_EQ(Description(made), Description({eDouble, nullptr, 37, 11, 37, 64, 7}));
     EXPECT_TRUE(std::equal(exact.Pixels(), exact.Pixels() + exact.Size(), static_cast<double*>(made.buffer)));
     FreePixels(made.buffer);
 
@@ -254,23 +249,11 @@ template <typename T> void ExpectTypedIo() {
     for (int y = 0; y < 11; ++y)
         for (int x = 0; x < 37; ++x) {
             double const value = exact.At(x, y);
+            int const whole = static_cast<int>(value + std::copysign(0.5, value));
             EXPECT_EQ(padded.At(x, y), value);
-            EXPECT_EQ(rounded.At(x, y),
-                      static_cast<short>(static_cast<int>(value + std::copysign(0.5, value))));
-            if (std::is_integral_v<T>) {
-                EXPECT_EQ(input.At(x, y),
-                          static_cast<T>(static_cast<int>(value + std::copysign(0.5, value))));
-            } else {
-                EXPECT_EQ(static_cast<double>(input.At(x, y)), value);
-            }
+            EXPECT_EQ(rounded.At(x, y), static_cast<short>(whole));
+            EXPECT_EQ(input.At(x, y), std::is_integral_v<T> ? static_cast<T>(whole) : static_cast<T>(value));
         }
-}
-
-TEST(AnisotropicGaussian, ServesItsTypesPaddedInPlaceAndCreated) {
-    ExpectTypedIo<unsigned char>();
-    ExpectTypedIo<short>();
-    ExpectTypedIo<unsigned short>();
-    ExpectTypedIo<double>();
 }
 
 TEST(AnisotropicGaussian, WritesIntoMemoryThatItReads) {
@@ -305,48 +288,36 @@ TEST(AnisotropicGaussian, EndsWhateverItsNumbersAre) {
 
 TEST(AnisotropicGaussian, RefusesInItsOrder) {
     double pixels[64] = {}, other[64] = {};
-    auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 0);
+    auto const input = [&](eTypeCode type, int width = 4, int height = 4, int stride = 4) {
+        return Over(pixels, type, width, height, stride);
+    };
+    auto const output = [&](eTypeCode type, int width = 4, int height = 4, int stride = 4) {
+        return Over(other, type, width, height, stride);
     };
     constexpr auto kInputType = L"The input image must be of type eByte, eUInt16, or eDouble.";
-    struct Refusal {
-        char const* name;
-        ImageAttributes input, output;
-        int code;
-        wchar_t const* message;
+    ImageAttributes const none, huge = input(eByte, INT_MAX, INT_MAX, INT_MAX);
+    constexpr auto kOutputType = L"The output image must be of type eByte, eUInt16, or eDouble.";
+    constexpr auto kException = L"Unexpected exception.";
+    auto const filter = [](ImageAttributes from, ImageAttributes const& destination) {
+        ImageAttributes to = destination;
+        SOLVANE_RETURNCODE const code = AnisotropicGaussian(from, &to, 1, 1, 0, 0, 0);
+        EXPECT_EQ(to.buffer, destination.buffer);
+        return code;
     };
-    Refusal const refusals[] = {
-        {"null", image(eSingle, nullptr, 4, 4, 4), image(eDouble, other, 4, 4, 4), 2,
-         L"The input image had a NULL buffer pointer."},
-        {"input type", image(eSingle, pixels, 4, 4, 4), image(eDouble, other, 3, 4, 4), 6, kInputType},
-        {"32 bits", image(eInt32, pixels, 4, 4, 4), image(eDouble, other, 4, 4, 4), 6, kInputType},
-        {"size before type", image(eByte, pixels, 4, 4, 4), image(eSingle, other, 4, 3, 4), 7,
-         L"The output image is the wrong size."},
-        {"output type", image(eByte, pixels, 4, 4, 4), image(eSingle, other, 4, 4, 4), 6,
-         L"The output image must be of type eByte, eUInt16, or eDouble."},
-        {"input rows", image(eUInt16, pixels, 4, 4, 3), image(eDouble, other, 4, 4, 4), 7,
-         L"The input image's rows overlap."},
-        {"output rows", image(eUInt16, pixels, 4, 4, 4), image(eDouble, other, 4, 4, 3), 7,
-         L"The output image's rows overlap."},
-        {"empty", image(eDouble, pixels, 0, 4, 0), image(eDouble, other, 0, 4, 0), 999,
-         L"Unexpected exception."},
-        {"negative", image(eDouble, pixels, 4, -4, 4), image(eDouble, nullptr, 0, 0, 0), 999,
-         L"Unexpected exception."},
-        {"no memory", image(eByte, pixels, INT_MAX, INT_MAX, INT_MAX), image(eDouble, nullptr, 0, 0, 0), 999,
-         L"Unexpected exception."},
-    };
-    for (Refusal const& each : refusals) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        ImageAttributes output = each.output;
-        EXPECT_EQ(AnisotropicGaussian(each.input, &output, 1, 1, 0, 0, 0), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(output.buffer, each.output.buffer);
-    }
-    CapturedLog const log;
-    EXPECT_EQ(AnisotropicGaussian(image(eByte, pixels, 4, 4, 4), nullptr, 1, 1, 0, 0, 0),
-              SOLVANE_NULL_POINTER);
-    EXPECT_EQ(log.Text(), L"The output ImageAttributes pointer was NULL.");
+    EXPECT_REFUSAL(2, L"The input image had a NULL buffer pointer.",
+                   filter(Described(eSingle, 4, 4, 4), output(eDouble)));       // null
+    EXPECT_REFUSAL(6, kInputType, filter(input(eSingle), output(eDouble, 3)));  // input type
+    EXPECT_REFUSAL(6, kInputType, filter(input(eInt32), output(eDouble)));      // 32 bits
+    EXPECT_REFUSAL(7, L"The output image is the wrong size.",
+                   filter(input(eByte), output(eSingle, 4, 3)));            // size before type
+    EXPECT_REFUSAL(6, kOutputType, filter(input(eByte), output(eSingle)));  // output type
+    EXPECT_REFUSAL(7, L"The input image's rows overlap.", filter(input(eUInt16, 4, 4, 3), output(eDouble)));
+    EXPECT_REFUSAL(7, L"The output image's rows overlap.", filter(input(eUInt16), output(eDouble, 4, 4, 3)));
+    EXPECT_REFUSAL(999, kException, filter(input(eDouble, 0, 4, 0), output(eDouble, 0, 4, 0)));  // empty
+    EXPECT_REFUSAL(999, kException, filter(input(eDouble, 4, -4), none));                        // negative
+    EXPECT_REFUSAL(999, kException, filter(huge, none));                                         // no memory
+    ExpectRefusal([&] { return AnisotropicGaussian(input(eByte), nullptr, 1, 1, 0, 0, 0); }, 2,
+                  L"The output ImageAttributes pointer was NULL.");
 }
 
 template <typename T> void ExpectTransposed() {
@@ -354,8 +325,7 @@ template <typename T> void ExpectTransposed() {
         auto source = RandomImage<T>(shape, 9);
         TestImage<T> result({shape.height, shape.width, shape.height + 5});
         auto expected = result;
-        for (int y = 0; y < shape.height; ++y)
-            for (int x = 0; x < shape.width; ++x) expected.At(y, x) = source.At(x, y);
+        expected.Fill([&](int x, int y) { return source.At(y, x); });
         ImageAttributes to = result.Attributes();
         ASSERT_EQ(TransposeImage(source.Attributes(), &to), SOLVANE_OK);
         EXPECT_TRUE(result == expected) << shape;
@@ -364,14 +334,8 @@ template <typename T> void ExpectTransposed() {
 
 TEST(TransposeImage, TurnsEveryTypeOnEverySimdTarget) {
     ForEachSimdTarget([] {
-        ExpectTransposed<signed char>();
-        ExpectTransposed<unsigned char>();
-        ExpectTransposed<short>();
-        ExpectTransposed<unsigned short>();
-        ExpectTransposed<int>();
-        ExpectTransposed<unsigned int>();
-        ExpectTransposed<float>();
-        ExpectTransposed<double>();
+        ForEachType<signed char, unsigned char, short, unsigned short, int, unsigned int, float, double>(
+            [](auto element) { ExpectTransposed<decltype(element)>(); });
     });
 }
 
@@ -404,7 +368,7 @@ TEST(TransposeImage, TurnsLargeImagesWhereverTheyBegin) {
 TEST(TransposeImage, RefusesWhatItCannotTurn) {
     unsigned short pixels[64] = {}, other[64] = {};
     auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 0);
+        return Over(buffer, type, width, height, stride);
     };
     auto const code = [](ImageAttributes source, ImageAttributes destination) {
         return TransposeImage(source, &destination);

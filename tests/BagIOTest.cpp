@@ -8,7 +8,6 @@
 #include <cmath>
 #include <ctime>
 #include <limits>
-#include <random>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
@@ -238,25 +237,22 @@ TEST_F(BagIOTest, SideFilesBearTheRootAndAllKeysAndLieBesideTheDocument) {
 }
 
 TEST_F(BagIOTest, AVectorEndsTheWritingOfItsBagAlone) {
-    for (bool texts : {true, false}) {
+    auto const expectEnd = [&](auto const& vector) {
         BagPtr const bag = NewBag(), inner = NewBag();
         bag->Set("inner", inner);
         bag->Set("after", 1);
         inner->Set("before", 2);
-        if (texts) {
-            inner->Set("vector", std::vector<std::string>{"a"});
-        } else {
-            inner->Set("vector", std::vector<BagPtr>{NewBag()});
-        }
+        inner->Set("vector", vector);
         inner->Set("lost", 3);
-        EXPECT_EQ(Save(bag), std::string(kHead) +
-                                 "<Bag Type=\"Bag\">\n"
-                                 "    <inner Type=\"Bag\">\n"
-                                 "        <before Type=\"System.Int32\">2</before>\n"
-                                 "    </inner>\n"
-                                 "    <after Type=\"System.Int32\">1</after>\n"
-                                 "</Bag>\n");
-    }
+        EXPECT_EQ(Save(bag), kHead + std::string("<Bag Type=\"Bag\">\n"
+                                                 "    <inner Type=\"Bag\">\n"
+                                                 "        <before Type=\"System.Int32\">2</before>\n"
+                                                 "    </inner>\n"
+                                                 "    <after Type=\"System.Int32\">1</after>\n"
+                                                 "</Bag>\n"));
+    };
+    expectEnd(std::vector<std::string>{"a"});
+    expectEnd(std::vector<BagPtr>{NewBag()});
 }
 
 // Saves images as their widths, and loads them.
@@ -469,54 +465,44 @@ std::string Repeated(char const* text, int times) {
 TEST_F(BagIOTest, ReadsAnyRootAndAnyBytes) {
     constexpr char kOne[] = "<R><a Type='System.String'>x</a></R>";
     std::string const latin = std::string(kHead) + "<R><a Type='System.String'>\xE9</a></R>";
-    struct Case {
-        std::string document, loaded;
-        bool fails;
-    };
-    Case const cases[] = {
-        {kOne, "a: \"x\"", false},
-        {std::string("\xEF\xBB\xBF") + kOne, "a: \"x\"", false},
-        {"<!DOCTYPE R><!-- <Bag> -->" + std::string(kOne) + "<R/> trailing", "a: \"x\"", false},
-        {"<R>\r\n<a Type='System.String'>x\ry</a>\r</R>", "a: \"x y\"", false},
-        {kOne + std::string("\0<", 2), "a: \"x\"", false},
-        {latin, "a: \"\xE9\"", false},
+    std::pair<std::string, std::string> const readable[] = {
+        {kOne, "a: \"x\""},
+        {std::string("\xEF\xBB\xBF") + kOne, "a: \"x\""},
+        {"<!DOCTYPE R><!-- <Bag> -->" + std::string(kOne) + "<R/> trailing", "a: \"x\""},
+        {"<R>\r\n<a Type='System.String'>x\ry</a>\r</R>", "a: \"x y\""},
+        {kOne + std::string("\0<", 2), "a: \"x\""},
+        {latin, "a: \"\xE9\""},
         {std::string(kHead) + "<R><a Type='System.String'>\xC3\xA9\xF0\x9F\x98\x80&#xE9;</a></R>",
-         "a: \"\xC3\xA9\xF0\x9F\x98\x80\xC3\xA9\"", false},
-        {"<R Type='&bad;'><a Type='System.String'>&#x41;&unknown;</a></R>", "a: \"Aunknown;\"", false},
-        {"", "", true},
-        {std::string(100, '\0'), "", true},
-        {"no document", "", true},
-        {"<R><a Type='System.String'>x</a>", "", true},
-        {"<R><a Type='System.String>x</a></R>", "", true},
-        {"<R><a Type='System.String'>x</b></R>", "", true},
-        {"<R a='\xF0", "", true},
-        {"<R>&#", "", true},
-        {"<R><!--", "", true},
-        {"<R><![CDATA[", "", true},
-        {"<?xml ", "", true},
-        {std::string(kHead) + "<R>\xEF\xBB", "", true},
-        {Repeated("<a>", 100000), "", true},
-        {Repeated("<a>", 100000) + Repeated("</a>", 100000), "", true},
-        {Repeated("<a b='<!--'>", 100000) + Repeated("<!-- -->", 100000), "", true},
-        {"<R " + Repeated("a b", 1) + "='1'/>", "", true},
-        {"<R>" + Repeated("<![CDATA[<a>]]><!--<a>--><b c='<a>'/>", 1000) + "</R>", "", false},
-        {"<R a='" + std::string(1 << 22, 'x') + "'/>", "", false},
-        {"<R>" + Repeated("&#x41;", 200000) + "</R>", "", false},
-        {"<R>" + Repeated("&#", 200000) + "</R>", "", true},
+         "a: \"\xC3\xA9\xF0\x9F\x98\x80\xC3\xA9\""},
+        {"<R Type='&bad;'><a Type='System.String'>&#x41;&unknown;</a></R>", "a: \"Aunknown;\""},
+        {"<R>" + Repeated("<![CDATA[<a>]]><!--<a>--><b c='<a>'/>", 1000) + "</R>", ""},
+        {"<R a='" + std::string(1 << 22, 'x') + "'/>", ""},
+        {"<R>" + Repeated("&#x41;", 200000) + "</R>", ""},
     };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.document.substr(0, 60));
-        EXPECT_EQ(LoadDocument(each.document), each.loaded);
-        EXPECT_EQ(printed, each.fails ? Failed(folder.Path("loaded.xml")) : "");
+    std::string const unreadable[] = {
+        "", std::string(100, '\0'), "no document", "<R><a Type='System.String'>x</a>",
+        "<R><a Type='System.String>x</a></R>", "<R><a Type='System.String'>x</b></R>", "<R a='\xF0", "<R>&#",
+        "<R><!--", "<R><![CDATA[", "<?xml ", std::string(kHead) + "<R>\xEF\xBB", "<R a b='1'/>",
+        Repeated("<a>", 100000), Repeated("<a>", 100000) + Repeated("</a>", 100000),
+        Repeated("<a b='<!--'>", 100000) + Repeated("<!-- -->", 100000),
+        "<R>" + Repeated("&#", 200000) + "</R>",
+        // One part too many: elements, attributes, texts and comments count alike.
+        "<R>" + Repeated("<a b='1'>x<!-- --></a>", 1 << 19) + "</R>"};
+    for (auto const& [document, loaded] : readable) {
+        SCOPED_TRACE(document.substr(0, 60));
+        EXPECT_EQ(LoadDocument(document), loaded);
+        EXPECT_EQ(printed, "");
+    }
+    for (std::string const& document : unreadable) {
+        SCOPED_TRACE(document.substr(0, 60));
+        EXPECT_EQ(LoadDocument(document), "");
+        EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
     }
     std::string attributes;
     for (int i = 0; i < 256; ++i) attributes += " a" + std::to_string(i) + "='1'";
     LoadDocument("<R" + attributes + "/>");
     EXPECT_EQ(printed, "");
     LoadDocument("<R" + attributes + " b='1'/>");
-    EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
-    // One part too many: elements, attributes, texts and comments count alike.
-    LoadDocument("<R>" + Repeated("<a b='1'>x<!-- --></a>", 1 << 19) + "</R>");
     EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
 }
 
@@ -548,8 +534,8 @@ TEST_F(BagIOTest, DepthIsBoundedBothWays) {
     }
     deepest->Set("x", Counting<int>(1), 1);
     Save(root);
-    std::string const loaded = LoadPath(folder.Path("saved.xml"));
-    EXPECT_EQ(loaded, Repeated("b: {", 249) + "x: i32[1] -5" + std::string(249, '}'));
+    EXPECT_EQ(LoadPath(folder.Path("saved.xml")),
+              Repeated("b: {", 249) + "x: i32[1] -5" + std::string(249, '}'));
 
     deepest->Set("b", NewBag());
     EXPECT_FALSE(BagIO().SaveBag(root, folder.Path("deeper.xml")));
@@ -562,32 +548,6 @@ TEST_F(BagIOTest, DepthIsBoundedBothWays) {
     EXPECT_EQ(printed, "");
     LoadDocument(Repeated("<b>", 256) + "<b/>" + Repeated("</b>", 256));
     EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
-}
-
-// A document with one of everything, with a few of its bytes changed, and cut off at times.
-TEST_F(BagIOTest, DamagedDocumentsDoNoHarm) {
-    BagPtr const bag = NewBag();
-    bag->Set("number", -1.5);
-    bag->Set("text", "a < b & \xC3\xA9");
-    bag->Set("items", Counting<int>(2), 2);
-    bag->Set("inner", BagClone(bag));
-    bag->Set("aside", Counting<short>(200), 200);
-    std::string const whole = Save(bag) + "<!-- c --><![CDATA[ d ]]><!DOCTYPE e><f a='1' b=2>&#x41;&lt;</f>";
-    std::mt19937 random(1);
-    constexpr char kLikely[] = "<>/='\"&;#x![]-? \n0A\xEF\xBB\xBF\xF0\xC3";
-    for (int i = 0; i < 1000; ++i) {
-        std::string damaged = whole.substr(0, i % 4 ? whole.size() : random() % whole.size());
-        for (auto changes = random() % 6; changes > 0 && !damaged.empty(); --changes) {
-            std::size_t const at = random() % damaged.size();
-            char const c = random() % 2 ? kLikely[random() % sizeof kLikely] : static_cast<char>(random());
-            if (random() % 2) {
-                damaged[at] = c;
-            } else {
-                damaged.insert(at, 1, c);
-            }
-        }
-        LoadDocument(damaged);
-    }
 }
 
 TEST_F(BagIOTest, ScanPrintsEntriesInTheirOrder) {

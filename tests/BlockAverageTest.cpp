@@ -36,23 +36,20 @@ TestImage<T> Model(Case const& c, TestImage<T> const& input, T const* code,
                    std::function<T(std::int64_t, std::int64_t)> const& divide = nullptr) {
     using Sum = std::conditional_t<std::is_integral_v<T>, std::int64_t, long double>;
     TestImage<T> means({c.width / c.factor, c.height / c.factor, c.width / c.factor});
-    for (int y = 0; y < means.shape.height; ++y)
-        for (int x = 0; x < means.shape.width; ++x) {
-            Sum sum = 0;
-            std::int64_t count = 0;
-            for (int j = 0; j < c.factor; ++j)
-                for (int i = 0; i < c.factor; ++i) {
-                    T const pixel = input.At(x * c.factor + i, y * c.factor + j);
-                    if (code && pixel == *code) continue;
-                    sum += pixel;
-                    ++count;
-                }
-            if (count == 0)
-                means.At(x, y) = *code;
-            else
-                means.At(x, y) = divide ? divide(static_cast<std::int64_t>(sum), count)
-                                        : static_cast<T>(sum / static_cast<Sum>(count));
-        }
+    means.Fill([&](int x, int y) {
+        Sum sum = 0;
+        std::int64_t count = 0;
+        for (int j = 0; j < c.factor; ++j)
+            for (int i = 0; i < c.factor; ++i) {
+                T const pixel = input.At(x * c.factor + i, y * c.factor + j);
+                if (code && pixel == *code) continue;
+                sum += pixel;
+                ++count;
+            }
+        if (count == 0) return *code;
+        return divide ? divide(static_cast<std::int64_t>(sum), count)
+                      : static_cast<T>(sum / static_cast<Sum>(count));
+    });
     return means;
 }
 
@@ -86,70 +83,45 @@ void Expect(Case const& c, TestImage<T> input, TestImage<T> const& means,
     });
 }
 
-template <typename T> void ExpectTyped(Case const& c) {
+// Plain, with each of the codes, and wrapping around at 32 bits.
+template <typename T>
+void ExpectMeans(Case const& c, TestImage<T> const& input, std::initializer_list<T> codes) {
     int const width = c.width / c.factor, height = c.height / c.factor;
-    auto const input = Coarse<T>(c, 1);
     Expect<T>(c, input, Model<T>(c, input, nullptr), [&](T* in, T* out) {
         return blockAverageDownSampleTemplate(in, out, c.width, c.height, width, height, c.factor);
     });
-    for (T const code : {T(7), T(0), std::numeric_limits<T>::lowest()})
+    for (T const code : codes)
         Expect<T>(c, input, Model<T>(c, input, &code), [&](T* in, T* out) {
             return blockAverageDownSampleCodedMaskTemplate(in, out, c.width, c.height, width, height,
                                                            c.factor, code);
         });
+    if constexpr (std::is_same_v<T, unsigned short>) {
+        auto const means = Model<T>(c, input, nullptr, [](std::int64_t sum, std::int64_t count) {
+            return static_cast<T>(static_cast<std::int32_t>(static_cast<std::uint32_t>(sum)) / count);
+        });
+        Expect<T>(c, input, means, [&](T* in, T* out) {
+            return blockAverage(in, out, c.width, c.height, width, height, c.factor);
+        });
+    }
 }
 
 TEST(BlockAverage, GivesTheTruncatedMeansOnEverySimdTarget) {
-    for (Case const& c : kCases) {
-        ExpectTyped<unsigned short>(c);
-        ExpectTyped<short>(c);
-        ExpectTyped<double>(c);
-    }
-}
-
-TEST(BlockAverage, OfIntegersWrapsAroundAt32Bits) {
-    for (Case const& c : kCases) {
-        auto const input = Coarse<unsigned short>(c, 2);
-        auto const means = Model<unsigned short>(c, input, nullptr, [](std::int64_t sum, std::int64_t count) {
-            return static_cast<unsigned short>(static_cast<std::int32_t>(static_cast<std::uint32_t>(sum)) /
-                                               count);
+    for (Case const& c : kCases)
+        ForEachType<unsigned short, short, double>([&](auto element) {
+            using T = decltype(element);
+            ExpectMeans<T>(c, Coarse<T>(c, 1), {T(7), T(0), std::numeric_limits<T>::lowest()});
         });
-        Expect<unsigned short>(c, input, means, [&](unsigned short* in, unsigned short* out) {
-            return blockAverage(in, out, c.width, c.height, c.width / c.factor, c.height / c.factor,
-                                c.factor);
-        });
-    }
 }
 
 // Quotients next to a whole number, in vectors and behind them; 181 is the last side whose sums have 31 bits.
 template <typename T> void ExpectExtremes(T extreme, T inner) {
     constexpr int kBlocks = 37;
     for (int const side : {2, 3, 11, 12, 64, 180, 181}) {
-        TestImage<T> image({kBlocks * side, side, kBlocks * side}), means({kBlocks, 1, kBlocks});
-        std::fill_n(image.Pixels(), image.Size(), extreme);
-        auto extremes = means, inners = means;
-        std::fill_n(extremes.Pixels(), kBlocks, extreme);
-        std::fill_n(inners.Pixels(), kBlocks, inner);
-        auto const expect = [&](TestImage<T> const& expected) {
-            SCOPED_TRACE(testing::Message() << side << " of " << TypeCodeOf<T>);
-            int const width = kBlocks * side;
-            ASSERT_EQ(
-                blockAverageDownSampleTemplate(image.Pixels(), means.Pixels(), width, side, kBlocks, 1, side),
-                SOLVANE_OK);
-            EXPECT_TRUE(means == expected);
-            ASSERT_EQ(blockAverageDownSampleCodedMaskTemplate(image.Pixels(), means.Pixels(), width, side,
-                                                              kBlocks, 1, side, T(3)),
-                      SOLVANE_OK);
-            EXPECT_TRUE(means == expected);
-            if constexpr (std::is_unsigned_v<T>) {
-                ASSERT_EQ(blockAverage(image.Pixels(), means.Pixels(), width, side, kBlocks, 1, side),
-                          SOLVANE_OK);
-                EXPECT_TRUE(means == expected);
-            }
-        };
-        ForEachSimdTarget([&] { expect(extremes); });
+        Case const c{kBlocks * side, side, side};
+        auto image = Uniform({c.width, c.height, c.width}, extreme);
+        ExpectMeans<T>(c, image, {T(3)});
         for (int block = 0; block < kBlocks; ++block) image.At(block * side + side / 2, side / 2) = inner;
-        ForEachSimdTarget([&] { expect(inners); });
+        ExpectMeans<T>(c, image, {T(3)});
     }
 }
 
@@ -196,9 +168,9 @@ TEST(Subsample, TakesEverySampleOnEverySimdTarget) {
             int const width = each.shape.width / each.factor, height = each.shape.height / each.factor;
             TestImage<unsigned short> result({width, height, width});
             auto expected = result;
-            for (int y = 0; y < height; ++y)
-                for (int x = 0; x < width; ++x)
-                    expected.At(x, y) = source.At(each.column + x * each.factor, each.row + y * each.factor);
+            expected.Fill([&](int x, int y) {
+                return source.At(each.column + x * each.factor, each.row + y * each.factor);
+            });
             ImageAttributes const from = source.Attributes(12, 5);
             ImageAttributes to = result.Attributes();
             ASSERT_EQ(subsample(&from, &to, each.factor, each.row, each.column), SOLVANE_OK);
@@ -208,12 +180,8 @@ TEST(Subsample, TakesEverySampleOnEverySimdTarget) {
             ASSERT_EQ(subsample(&from, &made, each.factor, each.row, each.column), SOLVANE_OK);
             EXPECT_TRUE(std::equal(expected.Pixels(), expected.Pixels() + expected.Size(),
                                    static_cast<unsigned short*>(made.buffer)));
-            EXPECT_EQ(made.type, eUInt16);
-            EXPECT_EQ(made.width, width);
-            EXPECT_EQ(made.height, height);
-            EXPECT_EQ(made.stride, width);
-            EXPECT_EQ(made.bitsperpixel, 12);
-            EXPECT_EQ(made.pixelspacing, 5 * each.factor);
+            EXPECT_EQ(Description(made),
+                      Description({eUInt16, nullptr, width, height, width, 12, 5 * each.factor}));
             FreePixels(made.buffer);
 
             ImageAttributes place = from;
@@ -225,53 +193,43 @@ TEST(Subsample, TakesEverySampleOnEverySimdTarget) {
 TEST(Subsample, RefusesInItsOrder) {
     unsigned short pixels[100] = {}, out[25] = {};
     auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 1);
+        return Over(buffer, type, width, height, stride);
     };
     ImageAttributes const good = image(eUInt16, pixels, 10, 10, 10), room = image(eUInt16, out, 5, 5, 5);
-    struct Refusal {
-        char const* name;
-        ImageAttributes source, destination;
-        int factor, row, column;
-        int code;
-        std::wstring message;
+    auto const sample = [](ImageAttributes source, ImageAttributes const& destination, int factor, int row,
+                           int column) {
+        ImageAttributes given = destination;
+        SOLVANE_RETURNCODE const code = subsample(&source, &given, factor, row, column);
+        EXPECT_EQ(Description(given), Description(destination));
+        return code;
     };
-    Refusal const refusals[] = {
-        {"no pixels", image(eUInt16, nullptr, 10, 10, 10), room, 0, 9, 9, 4, L"Invalid source image."},
-        {"no width", image(eUInt16, pixels, 0, 10, 10), room, 2, 0, 0, 4, L"Invalid source image."},
-        {"factor 0", good, room, 0, 9, 9, 3, L"Invalid subsample factor."},
-        {"factor below 0", good, room, -2, 0, 0, 3, L"Invalid subsample factor."},
-        {"factor as the width", good, room, 10, 0, 0, 3, L"Invalid subsample factor."},
-        {"row", good, room, 2, 2, 0, 3, L"Invalid row or col offset(s)."},
-        {"column", good, room, 2, 0, -1, 3, L"Invalid row or col offset(s)."},
-        {"small", good, image(eUInt16, out, 4, 6, 4), 2, 0, 0, 3, L"Destination buffer too small."},
-        {"negative", good, image(eUInt16, out, -9, -9, 9), 2, 0, 0, 3, L"Destination buffer too small."},
-        {"8-bit source", image(eByte, pixels, 10, 10, 10), room, 2, 0, 0, 6,
-         L"The source image is not a 16-bit image."},
-        {"source rows", image(eUInt16, pixels, 10, 10, 9), room, 2, 0, 0, 7,
-         L"The source image's rows overlap."},
-        {"8-bit destination", good, image(eByte, out, 5, 5, 5), 2, 0, 0, 7,
-         L"The destination image is not a 16-bit image."},
-        {"destination rows", good, image(eUInt16, out, 5, 5, 1), 2, 0, 0, 7,
-         L"The destination image's rows overlap."},
-    };
-    for (Refusal const& each : refusals) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        ImageAttributes destination = each.destination;
-        EXPECT_EQ(subsample(&each.source, &destination, each.factor, each.row, each.column), each.code);
-        EXPECT_EQ(log.Text(), L"subsample(): " + each.message);
-        EXPECT_EQ(destination.width, each.destination.width);
-        EXPECT_EQ(destination.type, each.destination.type);
-    }
+    EXPECT_REFUSAL(4, L"subsample(): Invalid source image.",
+                   sample(image(eUInt16, nullptr, 10, 10, 10), room, 0, 9, 9));
+    EXPECT_REFUSAL(4, L"subsample(): Invalid source image.",
+                   sample(image(eUInt16, pixels, 0, 10, 10), room, 2, 0, 0));
+    EXPECT_REFUSAL(3, L"subsample(): Invalid subsample factor.", sample(good, room, 0, 9, 9));
+    EXPECT_REFUSAL(3, L"subsample(): Invalid subsample factor.", sample(good, room, -2, 0, 0));
+    EXPECT_REFUSAL(3, L"subsample(): Invalid subsample factor.", sample(good, room, 10, 0, 0));
+    EXPECT_REFUSAL(3, L"subsample(): Invalid row or col offset(s).", sample(good, room, 2, 2, 0));  // row
+    EXPECT_REFUSAL(3, L"subsample(): Invalid row or col offset(s).", sample(good, room, 2, 0, -1));
+    EXPECT_REFUSAL(3, L"subsample(): Destination buffer too small.",
+                   sample(good, image(eUInt16, out, 4, 6, 4), 2, 0, 0));
+    EXPECT_REFUSAL(3, L"subsample(): Destination buffer too small.",
+                   sample(good, image(eUInt16, out, -9, -9, 9), 2, 0, 0));
+    EXPECT_REFUSAL(6, L"subsample(): The source image is not a 16-bit image.",
+                   sample(image(eByte, pixels, 10, 10, 10), room, 2, 0, 0));
+    EXPECT_REFUSAL(7, L"subsample(): The source image's rows overlap.",
+                   sample(image(eUInt16, pixels, 10, 10, 9), room, 2, 0, 0));
+    EXPECT_REFUSAL(7, L"subsample(): The destination image is not a 16-bit image.",
+                   sample(good, image(eByte, out, 5, 5, 5), 2, 0, 0));
+    EXPECT_REFUSAL(7, L"subsample(): The destination image's rows overlap.",
+                   sample(good, image(eUInt16, out, 5, 5, 1), 2, 0, 0));
     CapturedLog const log;
     ImageAttributes made;
     EXPECT_EQ(subsample(nullptr, &made, 2, 0, 0), SOLVANE_NULL_POINTER);
     EXPECT_EQ(subsample(&good, nullptr, 2, 0, 0), SOLVANE_NULL_POINTER);
     EXPECT_EQ(log.Text(), L"subsample(): Null pointer(s).");
-    {
-        NoMemory const nothing;
-        EXPECT_EQ(subsample(&good, &made, 2, 0, 0), SOLVANE_OUT_OF_MEMORY);
-    }
+    EXPECT_EQ(WithoutMemory([&] { return subsample(&good, &made, 2, 0, 0); }), SOLVANE_OUT_OF_MEMORY);
     EXPECT_EQ(log.Text(), L"subsample(): Memory allocation failed for 50 bytes.");
     EXPECT_EQ(made.width, 0);
 }

@@ -60,10 +60,7 @@ TEST(ValidateImageBuffer, CreatesZeroedOutputWithTheStrideOfTheSource) {
     auto source = RandomImage<unsigned short>({5, 3, 8}, 1);
     ImageAttributes output;
     ASSERT_EQ(ValidateImageBuffer(source.Attributes(12, 7), &output), SOLVANE_OK);
-    EXPECT_EQ(output.type, eUInt16);
-    EXPECT_EQ(output.stride, 8);
-    EXPECT_EQ(output.bitsperpixel, 12);
-    EXPECT_EQ(output.pixelspacing, 7);
+    EXPECT_EQ(Description(output), Description(source.Attributes(12, 7)));
     for (int i = 0; i < 8 * 3; ++i) EXPECT_EQ(static_cast<unsigned short*>(output.buffer)[i], 0);
     FreePixels(output.buffer);
 }
@@ -71,43 +68,23 @@ TEST(ValidateImageBuffer, CreatesZeroedOutputWithTheStrideOfTheSource) {
 TEST(ValidateImageBuffer, RefusesInItsOrder) {
     unsigned char a = 0, b = 0;
     constexpr auto kInPlace = L"Output is NULL and in-place operation not supported";
+    constexpr auto kMemory = L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes.";
     constexpr auto kSizes = L"Source and destination image must be same size.";
-    struct Case {
-        char const* name;
-        ImageAttributes source, destination;
-        bool nullDestination;
-        int code;
-        std::wstring message;
+    ImageAttributes const one(eByte, &a, 1, 1, 1, 8, 0), none;
+    auto const validate = [](ImageAttributes source, ImageAttributes const& destination) {
+        ImageAttributes given = destination;
+        SOLVANE_RETURNCODE const code = ValidateImageBuffer(source, &given);
+        EXPECT_EQ(given.buffer, destination.buffer);
+        return code;
     };
-    Case const cases[] = {
-        {"null destination", {eByte, &a, 1, 1, 1, 8, 0}, {}, true, 4, kInPlace},
-        {"same pixels", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &a, 1, 1, 1, 8, 0}, false, 4, kInPlace},
-        {"both null", {eByte, nullptr, 1, 1, 1, 8, 0}, {}, false, 4, kInPlace},
-        {"width", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 2, 1, 2, 8, 0}, false, 4, kSizes},
-        {"height", {eByte, &a, 1, 1, 1, 8, 0}, {eByte, &b, 1, 2, 1, 8, 0}, false, 4, kSizes},
-        {"other type and stride", {eByte, &a, 1, 1, 1, 8, 0}, {eDouble, &b, 1, 1, 9, 64, 0}, false, 0, L""},
-        {"too large",
-         {eDouble, &a, 1, INT_MAX, INT_MAX, 64, 0},
-         {},
-         false,
-         1,
-         L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
-        {"negative",
-         {eByte, &a, 1, -1, 1, 8, 0},
-         {},
-         false,
-         1,
-         L"ValidateImageBuffer: Memory allocation failed for 2147483647 bytes."},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        ImageAttributes destination = each.destination;
-        EXPECT_EQ(ValidateImageBuffer(each.source, each.nullDestination ? nullptr : &destination), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.code);
-        EXPECT_EQ(destination.buffer, each.destination.buffer);
-    }
+    EXPECT_REFUSAL(4, kInPlace, ValidateImageBuffer(one, nullptr));
+    EXPECT_REFUSAL(4, kInPlace, validate(one, one));                               // same pixels
+    EXPECT_REFUSAL(4, kInPlace, validate({eByte, nullptr, 1, 1, 1, 8, 0}, none));  // both null
+    EXPECT_REFUSAL(4, kSizes, validate(one, {eByte, &b, 2, 1, 2, 8, 0}));          // width
+    EXPECT_REFUSAL(4, kSizes, validate(one, {eByte, &b, 1, 2, 1, 8, 0}));          // height
+    EXPECT_REFUSAL(0, L"", validate(one, {eDouble, &b, 1, 1, 9, 64, 0}));          // other type and stride
+    EXPECT_REFUSAL(1, kMemory, validate({eDouble, &a, 1, INT_MAX, INT_MAX, 64, 0}, none));  // too large
+    EXPECT_REFUSAL(1, kMemory, validate({eByte, &a, 1, -1, 1, 8, 0}, none));                // negative
 }
 
 }  // namespace

@@ -33,15 +33,12 @@ ModelCounts ModelOf(TestImage<T> const& image, TestImage<unsigned char> const& m
     auto const height = static_cast<std::size_t>(choice.area.height);
     model.targetRows.resize(height), model.otherRows.resize(height);
     model.targetColumns.resize(width), model.otherColumns.resize(width);
-    for (std::size_t y = 0; y < height; ++y)
-        for (std::size_t x = 0; x < width; ++x) {
-            int const column = static_cast<int>(x), row = static_cast<int>(y);
-            if (!choice.Selects(mask, column, row)) continue;
-            bool const found = int{image.At(choice.area.x + column, choice.area.y + row)} == n;
-            ++(found ? model.target : model.other);
-            ++(found ? model.targetRows : model.otherRows)[y];
-            ++(found ? model.targetColumns : model.otherColumns)[x];
-        }
+    choice.ForEach(mask, [&](int x, int y) {
+        bool const found = int{image.At(x, y)} == n;
+        ++(found ? model.target : model.other);
+        ++(found ? model.targetRows : model.otherRows)[static_cast<std::size_t>(y - choice.area.y)];
+        ++(found ? model.targetColumns : model.otherColumns)[static_cast<std::size_t>(x - choice.area.x)];
+    });
     return model;
 }
 
@@ -69,7 +66,7 @@ TYPED_TEST(CountsOf, AreThoseOfTheModelOnEverySimdTarget) {
             for (int const n : {0, 255, 300, 65535, -32768, -1, INT_MIN}) {
                 SCOPED_TRACE(testing::Message() << shape << ", " << choice << ", " << n);
                 ModelCounts const model = ModelOf(image, mask, choice, n);
-                ImageAttributes const* const chosen = choice.masked ? &maskAttributes : nullptr;
+                ImageAttributes const* const chosen = choice.Mask(maskAttributes);
                 ForEachSimdTarget([&] {
                     int target = -1, other = -1;
                     EXPECT_EQ(
@@ -78,18 +75,20 @@ TYPED_TEST(CountsOf, AreThoseOfTheModelOnEverySimdTarget) {
                     EXPECT_EQ(target, model.target);
                     EXPECT_EQ(other, model.other);
                     if constexpr (!std::is_signed_v<TypeParam>) {
-                        BufferAttributes targets, others;
-                        EXPECT_EQ(RowCountOfN(attributes, choice.Roi(), chosen, choice.Origin(), n, &targets,
-                                              &others),
-                                  SOLVANE_OK);
-                        EXPECT_EQ(Taken(targets), model.targetRows);
-                        EXPECT_EQ(Taken(others), model.otherRows);
-                        targets = others = BufferAttributes();
-                        EXPECT_EQ(ColumnCountOfN(attributes, choice.Roi(), chosen, choice.Origin(), n,
-                                                 &targets, &others),
-                                  SOLVANE_OK);
-                        EXPECT_EQ(Taken(targets), model.targetColumns);
-                        EXPECT_EQ(Taken(others), model.otherColumns);
+                        struct Way {
+                            LineCount count;
+                            std::vector<ULong32> const &targets, &others;
+                        };
+                        for (Way const& way :
+                             {Way{RowCountOfN, model.targetRows, model.otherRows},
+                              Way{ColumnCountOfN, model.targetColumns, model.otherColumns}}) {
+                            BufferAttributes targets, others;
+                            EXPECT_EQ(way.count(attributes, choice.Roi(), chosen, choice.Origin(), n,
+                                                &targets, &others),
+                                      SOLVANE_OK);
+                            EXPECT_EQ(Taken(targets), way.targets);
+                            EXPECT_EQ(Taken(others), way.others);
+                        }
                     }
                 });
             }
@@ -98,8 +97,7 @@ TYPED_TEST(CountsOf, AreThoseOfTheModelOnEverySimdTarget) {
 
 TYPED_TEST(CountsOf, DoNotOverflowWhereEveryPixelMatches) {
     // More vectors than a lane of 8 bits could count, of any instruction set.
-    TestImage<TypeParam> image({1000, 70, 1000});
-    std::fill_n(image.Pixels(), image.Size(), TypeParam{7});
+    auto image = Uniform<TypeParam>({1000, 70, 1000}, 7);
     ForEachSimdTarget([&] {
         int target = 0;
         EXPECT_EQ(ImageCountOfN(image.Attributes(), nullptr, nullptr, nullptr, 7, &target, nullptr), 0);
@@ -148,22 +146,17 @@ TEST(Counts, RefuseInTheirOrder) {
         std::wstring message;
     };
     Case const cases[] = {
-        {"mask type first", floats, &empty, &wrongMask, nullptr, nullptr, nullptr, 6,
-         L"The mask must be of type eByte."},
+        {"mask type first", floats, &empty, &wrongMask, nullptr, nullptr, nullptr, 6, kByteMask},
         {"type", floats, &empty, &noMask, nullptr, nullptr, nullptr, 6, kType},
         {"no output", noPixels, &empty, &noMask, nullptr, nullptr, nullptr, 2,
          L"Both of the output pointers were NULL."},
         {"one output", noPixels, &empty, &noMask, nullptr, &good, &good, 2,
          L"Both output pointers point to same count location."},
-        {"null", noPixels, &empty, &noMask, nullptr, &wrongType, &other, 2,
-         L"The input image had a NULL buffer pointer."},
-        {"empty", image, &empty, &noMask, nullptr, &wrongType, nullptr, 3, L"The rectangular ROI was empty."},
-        {"wide", image, &wide, &noMask, nullptr, &wrongType, nullptr, 3,
-         L"The rectangular ROI was out of bounds in the input image."},
-        {"null mask", image, &inside, &noMask, &beyond, &wrongType, nullptr, 2,
-         L"The mask had a NULL buffer pointer."},
-        {"origin", image, &inside, &mask, &beyond, &wrongType, nullptr, 3,
-         L"The rectangular ROI was out of bounds in the mask."},
+        {"null", noPixels, &empty, &noMask, nullptr, &wrongType, &other, 2, kNullImage},
+        {"empty", image, &empty, &noMask, nullptr, &wrongType, nullptr, 3, kEmptyRegion},
+        {"wide", image, &wide, &noMask, nullptr, &wrongType, nullptr, 3, kOutsideImage},
+        {"null mask", image, &inside, &noMask, &beyond, &wrongType, nullptr, 2, kNullMask},
+        {"origin", image, &inside, &mask, &beyond, &wrongType, nullptr, 3, kOutsideMask},
         {"target's type", image, nullptr, nullptr, nullptr, &wrongType, &tooShort, 6, kTarget},
         {"target's length", image, nullptr, nullptr, nullptr, &tooShort, nullptr, 7, kTarget},
         {"the other's type", image, nullptr, nullptr, nullptr, &fresh, &wrongType, 6, kNotTarget},
@@ -172,14 +165,13 @@ TEST(Counts, RefuseInTheirOrder) {
     for (Case const& each : cases)
         for (LineCount const count : {RowCountOfN, ColumnCountOfN}) {
             SCOPED_TRACE(each.name);
-            CapturedLog const log;
             BufferAttributes target = each.target ? *each.target : fresh;
             BufferAttributes notTarget = each.notTarget ? *each.notTarget : fresh;
-            EXPECT_EQ(count(each.image, each.roi, each.mask, each.origin, 0, each.target ? &target : nullptr,
-                            each.notTarget ? &notTarget : nullptr),
-                      each.code);
-            EXPECT_EQ(log.Text(), each.message);
-            EXPECT_EQ(log.Code(), each.code);
+            auto const call = [&] {
+                return count(each.image, each.roi, each.mask, each.origin, 0, each.target ? &target : nullptr,
+                             each.notTarget ? &notTarget : nullptr);
+            };
+            ExpectRefusal(call, each.code, each.message);
             EXPECT_EQ(target.buffer, each.target ? each.target->buffer : nullptr);
         }
     EXPECT_EQ(counts[0], 5u);

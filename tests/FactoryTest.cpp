@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "Source/Internal/Dispatch.h"
 #include "support/CapturedLog.h"
+#include "support/Images.h"
 
 namespace ZPA {
 namespace {
@@ -16,18 +16,14 @@ using namespace Testing;
 
 std::wstring Wide(std::string const& text) { return {text.begin(), text.end()}; }
 
-template <typename T> void ExpectImage(char const* id, ImageAttributes const& expected) {
+template <typename T> void ExpectImage(char const* id, Shape shape, int bitsperpixel, int pixelspacing) {
     SCOPED_TRACE(id);
     std::unique_ptr<ISolvane_Object> const object(ZPA_Create(id));
     auto const* const image = dynamic_cast<ZPA_Image<T>*>(object.get());
     ASSERT_NE(image, nullptr);
     ImageAttributes const made = *image;
-    EXPECT_EQ(made.type, TypeCodeOf<T>);
-    EXPECT_EQ(made.width, expected.width);
-    EXPECT_EQ(made.height, expected.height);
-    EXPECT_EQ(made.stride, expected.stride);
-    EXPECT_EQ(made.bitsperpixel, expected.bitsperpixel);
-    EXPECT_EQ(made.pixelspacing, expected.pixelspacing);
+    EXPECT_EQ(Description(made), Description({TypeCodeOf<T>, nullptr, shape.width, shape.height, shape.stride,
+                                              bitsperpixel, pixelspacing}));
     EXPECT_TRUE(image->IsOwner());
     for (int i = 0; i < made.stride * made.height; ++i) ASSERT_EQ(image->GetBufferPtr()[i], T{}) << i;
 }
@@ -43,15 +39,12 @@ template <typename T> void ExpectBuffer(char const* id, int size) {
 }
 
 TEST(Factory, BuildsWhatTheIdSays) {
-    auto const shape = [](int width, int height, int stride, int bitsperpixel, int pixelspacing) {
-        return ImageAttributes(eUnknown, nullptr, width, height, stride, bitsperpixel, pixelspacing);
-    };
-    ExpectImage<unsigned char>("image.6.100.50.0.8.0", shape(100, 50, 100, 8, 0));
-    ExpectImage<char>("image.5.3.2.4.7.1", shape(3, 2, 4, 7, 1));
-    ExpectImage<short>("image.7.3.2.3.16.150", shape(3, 2, 3, 16, 150));
-    ExpectImage<unsigned short>("image..8...3.2.5.12.-9.77.x", shape(3, 2, 5, 12, -9));
-    ExpectImage<double>("image. 14th.+3.2", shape(3, 2, 3, 0, 0));
-    ExpectImage<unsigned char>("image.6.10.4.5.8", shape(10, 4, 5, 8, 0));  // rows may share bytes
+    ExpectImage<unsigned char>("image.6.100.50.0.8.0", {100, 50, 100}, 8, 0);
+    ExpectImage<char>("image.5.3.2.4.7.1", {3, 2, 4}, 7, 1);
+    ExpectImage<short>("image.7.3.2.3.16.150", {3, 2, 3}, 16, 150);
+    ExpectImage<unsigned short>("image..8...3.2.5.12.-9.77.x", {3, 2, 5}, 12, -9);
+    ExpectImage<double>("image. 14th.+3.2", {3, 2, 3}, 0, 0);
+    ExpectImage<unsigned char>("image.6.10.4.5.8", {10, 4, 5}, 8, 0);  // rows may share bytes
     ExpectBuffer<unsigned char>("buffer.6.16", 16);
     ExpectBuffer<char>("buffer.5.1", 1);
     ExpectBuffer<short>("buffer.7.3", 3);
@@ -158,12 +151,9 @@ TEST(ParseFactoryString, KeepsFieldsWhoseNumbersAreMissing) {
         SCOPED_TRACE(each.id);
         ImageAttributes image(static_cast<eTypeCode>(16), nullptr, 15, 14, 13, 12, 11);
         EXPECT_EQ(ParseImageFactoryString(each.id, &image), 0);
-        EXPECT_EQ(image.type, each.type);
-        EXPECT_EQ(image.width, each.width);
-        EXPECT_EQ(image.height, each.height);
-        EXPECT_EQ(image.stride, each.stride);
-        EXPECT_EQ(image.bitsperpixel, each.bitsperpixel);
-        EXPECT_EQ(image.pixelspacing, each.pixelspacing);
+        EXPECT_EQ(Description(image),
+                  Description({static_cast<eTypeCode>(each.type), nullptr, each.width, each.height,
+                               each.stride, each.bitsperpixel, each.pixelspacing}));
 
         BufferAttributes buffer(static_cast<eTypeCode>(16), nullptr, 15);
         EXPECT_EQ(ParseBufferFactoryString(each.id, &buffer), 0);

@@ -39,11 +39,8 @@ protected:
 
 // The codes are those without the callbacks' exceptions, or tell of one.
 TEST_F(Faults, CallbacksThatThrowLetNoExceptionOut) {
-    auto const hear = [](wchar_t const*, int, wchar_t const*) {
-        throw std::runtime_error("from the callback");
-    };
-    ZPA_Logging::SetErrorCallback(hear);
-    ZPA_Logging::SetDebugCallback(hear);
+    ZPA_Logging::SetErrorCallback(ThrowFromCallback);
+    ZPA_Logging::SetDebugCallback(ThrowFromCallback);
     for (LogCategory const category : {eLogFunction, eLogImage, eLogMemory, eLogFactory, eLogTiming}) {
         ZPA_Logging::EnableDebug(category, true);
         for (OperationCall const& each : EveryOperation()) {

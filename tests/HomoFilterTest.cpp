@@ -43,8 +43,7 @@ TestImage<double> Model(TestImage<double> const& input, double sigma) {
 
 template <typename T> TestImage<double> Wide(TestImage<T> const& image) {
     TestImage<double> wide({image.shape.width, image.shape.height, image.shape.width});
-    for (int y = 0; y < image.shape.height; ++y)
-        for (int x = 0; x < image.shape.width; ++x) wide.At(x, y) = static_cast<double>(image.At(x, y));
+    wide.Fill([&](int x, int y) { return image.At(x, y); });
     return wide;
 }
 
@@ -56,13 +55,10 @@ template <typename T> void ExpectModel() {
         auto padding = padded;
         TestImage<unsigned short> rounded(shape);
         auto roundedExpected = rounded;
-        for (int y = 0; y < shape.height; ++y)
-            for (int x = 0; x < shape.width; ++x) {
-                double const value = expected.At(x, y);
-                padding.At(x, y) = value;
-                roundedExpected.At(x, y) =
-                    static_cast<unsigned short>(static_cast<int>(value + std::copysign(0.5, value)));
-            }
+        padding.Fill([&](int x, int y) { return expected.At(x, y); });
+        roundedExpected.Fill([&](int x, int y) {
+            return static_cast<int>(expected.At(x, y) + std::copysign(0.5, expected.At(x, y)));
+        });
         ForEachSimdTarget([&] {
             ImageAttributes to = result.Attributes(), toPadded = padded.Attributes(),
                             toRounded = rounded.Attributes(), made;
@@ -75,10 +71,8 @@ template <typename T> void ExpectModel() {
             ASSERT_EQ(HomoFilter(input.Attributes(8, 5), 4, &made), SOLVANE_OK);
             EXPECT_TRUE(std::equal(expected.Pixels(), expected.Pixels() + expected.Size(),
                                    static_cast<double*>(made.buffer)));
-            EXPECT_EQ(made.type, eDouble);
-            EXPECT_EQ(made.stride, shape.width);
-            EXPECT_EQ(made.bitsperpixel, 64);
-            EXPECT_EQ(made.pixelspacing, 5);
+            EXPECT_EQ(Description(made),
+                      Description({eDouble, nullptr, shape.width, shape.height, shape.width, 64, 5}));
             FreePixels(made.buffer);
         });
         ImageAttributes place = input.Attributes();
@@ -97,8 +91,7 @@ TEST(HomoFilter, IsItsDefinitionForAllTypesAndOutputs) {
 
 TEST(HomoFilter, LetsWhatIsNotANumberThrough) {
     for (double const value : {0.0, 7.0, std::nan(""), HUGE_VAL}) {
-        TestImage<double> flat({20, 10, 20});
-        std::fill_n(flat.Pixels(), flat.Size(), value);
+        auto flat = Uniform({20, 10, 20}, value);
         for (double const sigma : {3.0, 0.0, -1.0, 1e300, std::nan("")}) {
             ImageAttributes made;
             EXPECT_EQ(HomoFilter(flat.Attributes(), sigma, &made), SOLVANE_OK);
@@ -113,35 +106,25 @@ TEST(HomoFilter, LetsWhatIsNotANumberThrough) {
 TEST(HomoFilter, RefusesInItsOrder) {
     double pixels[64] = {}, other[64] = {};
     auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 0);
+        return Over(buffer, type, width, height, stride);
     };
-    struct Refusal {
-        ImageAttributes input, output;
-        int code;
-        wchar_t const* message;
+    auto const filter = [](ImageAttributes input, ImageAttributes output) {
+        return HomoFilter(input, 1, &output);
     };
-    Refusal const refusals[] = {
-        {image(eInt16, nullptr, 4, 4, 4), image(eDouble, other, 4, 4, 4), 2,
-         L"The input image had a NULL buffer pointer."},
-        {image(eInt16, pixels, 4, 4, 4), image(eDouble, other, 3, 4, 4), 6,
-         L"The input image must be of type eByte, eUInt16, or eDouble."},
-        {image(eByte, pixels, 4, 4, 4), image(eInt16, other, 4, 3, 4), 7,
-         L"The output image is the wrong size."},
-        {image(eByte, pixels, 4, 4, 4), image(eInt16, other, 4, 4, 4), 6,
-         L"The output image must be of type eByte, eUInt16, or eDouble."},
-        {image(eDouble, pixels, 4, 4, 2), image(eDouble, other, 4, 4, 4), 7,
-         L"The input image's rows overlap."},
-        {image(eDouble, pixels, 4, 0, 4), image(eDouble, other, 4, 0, 4), 999, L"Unexpected exception."},
-    };
-    for (Refusal const& each : refusals) {
-        CapturedLog const log;
-        ImageAttributes output = each.output;
-        EXPECT_EQ(HomoFilter(each.input, 1, &output), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-    }
-    CapturedLog const log;
-    EXPECT_EQ(HomoFilter(image(eByte, pixels, 4, 4, 4), 1, nullptr), SOLVANE_NULL_POINTER);
-    EXPECT_EQ(log.Text(), L"The output ImageAttributes pointer was NULL.");
+    EXPECT_REFUSAL(2, L"The input image had a NULL buffer pointer.",
+                   filter(image(eInt16, nullptr, 4, 4, 4), image(eDouble, other, 4, 4, 4)));
+    EXPECT_REFUSAL(6, L"The input image must be of type eByte, eUInt16, or eDouble.",
+                   filter(image(eInt16, pixels, 4, 4, 4), image(eDouble, other, 3, 4, 4)));
+    EXPECT_REFUSAL(7, L"The output image is the wrong size.",
+                   filter(image(eByte, pixels, 4, 4, 4), image(eInt16, other, 4, 3, 4)));
+    EXPECT_REFUSAL(6, L"The output image must be of type eByte, eUInt16, or eDouble.",
+                   filter(image(eByte, pixels, 4, 4, 4), image(eInt16, other, 4, 4, 4)));
+    EXPECT_REFUSAL(7, L"The input image's rows overlap.",
+                   filter(image(eDouble, pixels, 4, 4, 2), image(eDouble, other, 4, 4, 4)));
+    EXPECT_REFUSAL(999, L"Unexpected exception.",
+                   filter(image(eDouble, pixels, 4, 0, 4), image(eDouble, other, 4, 0, 4)));
+    ExpectRefusal([&] { return HomoFilter(image(eByte, pixels, 4, 4, 4), 1, nullptr); }, 2,
+                  L"The output ImageAttributes pointer was NULL.");
 }
 
 }  // namespace

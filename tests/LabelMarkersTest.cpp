@@ -29,8 +29,7 @@ template <typename T> int ModelLabel(TestImage<T>& image, int connectivity) {
         image.At(x, y) = static_cast<T>((regions - 1) % largest + 1);
         found.push_back(APOINT(x, y));
     };
-    for (int y = 0; y < image.shape.height; ++y)
-        for (int x = 0; x < image.shape.width; ++x) open.At(x, y) = image.At(x, y) != 0;
+    open.Fill([&](int x, int y) { return image.At(x, y) != 0; });
     for (int y = 0; y < image.shape.height; ++y)
         for (int x = 0; x < image.shape.width; ++x) {
             if (!open.At(x, y)) continue;
@@ -77,8 +76,7 @@ template <typename T> TestImage<T> Noise(Shape shape, double share, unsigned see
 
 template <typename T, typename Inside> TestImage<T> Drawn(Shape shape, Inside const& inside) {
     TestImage<T> image(shape);
-    for (int y = 0; y < shape.height; ++y)
-        for (int x = 0; x < shape.width; ++x) image.At(x, y) = inside(x, y) ? T{9} : T{0};
+    image.Fill([&](int x, int y) { return inside(x, y) ? 9 : 0; });
     return image;
 }
 
@@ -119,73 +117,46 @@ TYPED_TEST(Labelling, ShapesThatMeetLate) {
 
 TEST(LabelMarkers, BeginsAgainPastTheLargestLabel) {
     // 300 regions in bytes, and as many as 16 bits have labels for, and one more.
-    struct Case {
-        eTypeCode type;
-        int regions;
-        std::wstring warning;
+    auto const check = [](auto element, int regions, std::wstring const& warning) {
+        SCOPED_TRACE(regions);
+        using T = decltype(element);
+        int const largest = std::numeric_limits<T>::max() - 1;
+        auto image = Drawn<T>({regions * 2, 1, regions * 2}, [](int x, int) { return x % 2 == 1; });
+        CapturedLog const log;
+        int count = 0;
+        EXPECT_EQ(LabelMarkers(image.Attributes(), 8, &count), SOLVANE_OK);
+        EXPECT_EQ(count, regions);
+        EXPECT_EQ(image.At(2 * largest - 1, 0), largest);
+        EXPECT_EQ(image.At(2 * regions - 1, 0), (regions - 1) % largest + 1);
+        EXPECT_TRUE(log.Errors().empty());
+        ASSERT_EQ(log.Warnings().size(), warning.empty() ? 0u : 1u);
+        if (warning.empty()) return;
+        EXPECT_EQ(log.Warnings()[0].message, L"WARNING: Input image has " + warning);
+        EXPECT_EQ(log.Warnings()[0].category, 4);
     };
-    Case const cases[] = {
-        {eByte, 254, L""},
-        {eByte, 300, L"WARNING: Input image has 300 regions. Only 254 allowed for this image data type."},
-        {eUInt16, 65534, L""},
-        {eUInt16, 65536,
-         L"WARNING: Input image has 65536 regions. Only 65534 allowed for this image data type."},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.regions);
-        auto const check = [&](auto element) {
-            using T = decltype(element);
-            int const largest = std::numeric_limits<T>::max() - 1;
-            auto image =
-                Drawn<T>({each.regions * 2, 1, each.regions * 2}, [](int x, int) { return x % 2 == 1; });
-            CapturedLog const log;
-            int count = 0;
-            EXPECT_EQ(LabelMarkers(image.Attributes(), 8, &count), SOLVANE_OK);
-            EXPECT_EQ(count, each.regions);
-            EXPECT_EQ(image.At(2 * largest - 1, 0), largest);
-            EXPECT_EQ(image.At(2 * each.regions - 1, 0), (each.regions - 1) % largest + 1);
-            EXPECT_TRUE(log.Errors().empty());
-            ASSERT_EQ(log.Warnings().size(), each.warning.empty() ? 0u : 1u);
-            if (each.warning.empty()) return;
-            EXPECT_EQ(log.Warnings()[0].message, each.warning);
-            EXPECT_EQ(log.Warnings()[0].category, 4);
-        };
-        each.type == eByte ? check(std::uint8_t{}) : check(std::uint16_t{});
-    }
+    check(std::uint8_t(), 254, L"");
+    check(std::uint8_t(), 300, L"300 regions. Only 254 allowed for this image data type.");
+    check(std::uint16_t(), 65534, L"");
+    check(std::uint16_t(), 65536, L"65536 regions. Only 65534 allowed for this image data type.");
 }
 
 TEST(LabelMarkers, RefusesInItsOrder) {
     unsigned char pixels[64] = {1, 1, 1, 1};
     int count = -1;
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        int* count;
-        int code;
-        std::wstring message;
-    };
-    Case const cases[] = {
-        {"type before null", {eInt16, nullptr, 2, 2, 2, 16, 0}, nullptr, 6, kType},
-        {"null pixels", {eByte, nullptr, 0, 0, 0, 8, 0}, nullptr, 2, kNullPixels},
-        {"null count", {eUInt16, pixels, 0, 2, 2, 16, 0}, nullptr, 2, kNullCount},
-        {"no width", {eByte, pixels, 0, 2, 0, 8, 0}, &count, 5, kNoSize},
-        {"negative height", {eUInt16, pixels, 2, -2, 2, 16, 0}, &count, 5, kNoSize},
-        {"more regions than a count holds", {eByte, pixels, 65536, 65536, 65536, 8, 0}, &count, 5, kNoSize},
-        {"huge", {eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}, &count, 5, kNoSize},
-        {"rows overlap", {eByte, pixels, 4, 2, 3, 8, 0}, &count, 7, L"The image's rows overlap."},
-        {"rows upwards", {eByte, pixels + 32, 4, 2, -4, 8, 0}, &count, 7, L"The image's rows overlap."},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(LabelMarkers(each.image, 4, each.count), each.code);
-        EXPECT_EQ(log.Errors().size(), 1u);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.code);
-    }
-    CapturedLog const log;
-    EXPECT_EQ(template_LabelMarkers<unsigned short>({eByte, pixels, 4, 2, 4, 8, 0}, 4, &count), 7);
-    EXPECT_EQ(log.Text(), L"The image's elements are too narrow.");
+    auto const label = [](ImageAttributes image, int* labels) { return LabelMarkers(image, 4, labels); };
+    EXPECT_REFUSAL(6, kType, label({eInt16, nullptr, 2, 2, 2, 16, 0}, nullptr));       // type before null
+    EXPECT_REFUSAL(2, kNullPixels, label({eByte, nullptr, 0, 0, 0, 8, 0}, nullptr));   // null pixels
+    EXPECT_REFUSAL(2, kNullCount, label({eUInt16, pixels, 0, 2, 2, 16, 0}, nullptr));  // null count
+    EXPECT_REFUSAL(5, kNoSize, label({eByte, pixels, 0, 2, 0, 8, 0}, &count));         // no width
+    EXPECT_REFUSAL(5, kNoSize, label({eUInt16, pixels, 2, -2, 2, 16, 0}, &count));     // negative height
+    EXPECT_REFUSAL(
+        5, kNoSize,
+        label({eByte, pixels, 65536, 65536, 65536, 8, 0}, &count));  // more regions than a count holds
+    EXPECT_REFUSAL(5, kNoSize, label({eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}, &count));  // huge
+    EXPECT_REFUSAL(7, L"The image's rows overlap.", label({eByte, pixels, 4, 2, 3, 8, 0}, &count));
+    EXPECT_REFUSAL(7, L"The image's rows overlap.", label({eByte, pixels + 32, 4, 2, -4, 8, 0}, &count));
+    EXPECT_REFUSAL(7, L"The image's elements are too narrow.",
+                   template_LabelMarkers<unsigned short>({eByte, pixels, 4, 2, 4, 8, 0}, 4, &count));
     EXPECT_EQ(count, -1);
     EXPECT_EQ(pixels[3], 1);
 }
@@ -195,10 +166,8 @@ TEST(LabelMarkers, WithoutMemoryLeavesTheImage) {
     auto const before = image;
     int count = -1;
     CapturedLog const log;
-    {
-        NoMemory const none;
-        EXPECT_EQ(LabelMarkers(image.Attributes(), 8, &count), SOLVANE_OUT_OF_MEMORY);
-    }
+    EXPECT_EQ(WithoutMemory([&] { return LabelMarkers(image.Attributes(), 8, &count); }),
+              SOLVANE_OUT_OF_MEMORY);
     EXPECT_EQ(log.Text().find(L"template_LabelMarkers: Memory allocation failed for "), 0u)
         << log.Text().c_str();
     EXPECT_EQ(count, -1);
@@ -210,28 +179,21 @@ TEST(LabelMarkers2, LabelsIntoAnImageOfTheCallerOrOfItsOwn) {
         auto mask = Noise<unsigned char>({70, 30, 77}, 0.4, 5);
         auto const before = mask;
         TestImage<unsigned short> expected({70, 30, 70});
-        for (int y = 0; y < 30; ++y)
-            for (int x = 0; x < 70; ++x) expected.At(x, y) = mask.At(x, y);
+        expected.Fill([&](int x, int y) { return mask.At(x, y); });
         int const regions = ModelLabel(expected, connectivity);
 
         ImageAttributes made(eByte, nullptr, 1, 2, 3, 4, 5);
         int count = 0;
         ASSERT_EQ(LabelMarkers2(mask.Attributes(8, 123), connectivity, &count, &made), SOLVANE_OK);
         EXPECT_EQ(count, regions);
-        EXPECT_EQ(made.type, eUInt16);
-        EXPECT_EQ(made.width, 70);
-        EXPECT_EQ(made.height, 30);
-        EXPECT_EQ(made.stride, 70);
-        EXPECT_EQ(made.bitsperpixel, 16);
-        EXPECT_EQ(made.pixelspacing, 123);
+        EXPECT_EQ(Description(made), Description({eUInt16, nullptr, 70, 30, 70, 16, 123}));
         ASSERT_NE(made.buffer, nullptr);
         EXPECT_EQ(std::memcmp(made.buffer, expected.Pixels(), expected.Size() * 2), 0);
         FreePixels(made.buffer);
 
         TestImage<unsigned short> given({70, 30, 83});
         auto padded = given;
-        for (int y = 0; y < 30; ++y)
-            for (int x = 0; x < 70; ++x) padded.At(x, y) = expected.At(x, y);
+        padded.Fill([&](int x, int y) { return expected.At(x, y); });
         auto labeled = given.Attributes();
         count = 0;
         EXPECT_EQ(LabelMarkers2(mask.Attributes(), connectivity, &count, &labeled), SOLVANE_OK);
@@ -282,60 +244,44 @@ TEST(LabelMarkers2, RefusesInItsOrder) {
     constexpr auto kOutputType = L"The output labeled image must be of type eUInt16.";
     constexpr auto kShared = L"The input mask and output labeled images share memory.";
     constexpr auto kCopy = L"The call to CopyPixels() failed.";
-    constexpr auto kOverlap = L"The image's rows overlap.";
-    constexpr auto kException = L"Unexpected exception.";
-    ImageAttributes const anOutput = output(eUInt16, labels);
-    struct Case {
-        char const* name;
-        ImageAttributes mask;
-        ImageAttributes const* labeled;  // a copy is given
-        int code, logged;
-        std::wstring message;
+    int count = -1;
+    auto const label = [&](ImageAttributes image, ImageAttributes const& labeled) {
+        ImageAttributes given = labeled;
+        SOLVANE_RETURNCODE const code = LabelMarkers2(image, 8, &count, &given);
+        EXPECT_EQ(given.buffer, labeled.buffer);
+        return code;
     };
-    ImageAttributes const narrow = output(eUInt16, labels, 3), low = output(eByte, labels, 4, 1),
-                          bytes = output(eByte, labels), shared = output(eByte, pixels),
-                          within = output(eUInt16, pixels + 2), folded = output(eUInt16, labels, 4, 2, 3),
-                          none = output(eByte, nullptr), foldedHere = output(eUInt16, pixels, 4, 2, 3),
-                          empty = output(eUInt16, labels, 0, 2);
-    Case const cases[] = {
-        {"signed mask before null", mask(eInt16, nullptr), nullptr, 6, 6, kType},
-        {"null mask before its type", mask(eUInt16, nullptr), nullptr, 2, 2, kNullPixels},
-        {"the type that the text allows", mask(eUInt16, pixels), nullptr, 6, 6, kMaskType},
-        {"no output", mask(eByte, pixels), nullptr, 2, 2, kNullOutput},
-        {"width", mask(eByte, pixels), &narrow, 7, 7, kSizes},
-        {"height before type", mask(eByte, pixels), &low, 7, 7, kSizes},
-        {"output of bytes", mask(eByte, pixels), &bytes, 6, 6, kOutputType},
-        {"the mask as output", mask(eByte, pixels), &shared, 6, 6, kOutputType},
-        {"memory shared from the third byte on", mask(eByte, pixels), &within, 4, 4, kShared},
-        {"mask's rows go back", mask(eByte, pixels + 32, 4, 2, -4), &anOutput, 7, 7, kCopy},
-        {"output's rows overlap", mask(eByte, pixels), &folded, 7, 7, kCopy},
-        {"mask's rows go back, output made", mask(eByte, pixels + 32, 4, 2, -4), &none, 7, 7, kCopy},
-        {"no image can be made", mask(eByte, pixels, 0), &none, 999, 999, kException},
-        // Labelling itself fails.
-        {"no width", mask(eByte, pixels, 0), &empty, 0, 5, kNoSize},
-        {"rows overlap in the memory shared", mask(eByte, pixels), &foldedHere, 0, 7, kOverlap},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
+    ImageAttributes const bytes = mask(eByte, pixels), backwards = mask(eByte, pixels + 32, 4, 2, -4);
+    EXPECT_REFUSAL(6, kType, LabelMarkers2(mask(eInt16, nullptr), 8, &count, nullptr));
+    EXPECT_REFUSAL(2, kNullPixels, LabelMarkers2(mask(eUInt16, nullptr), 8, &count, nullptr));
+    // The type that the text allows.
+    EXPECT_REFUSAL(6, kMaskType, LabelMarkers2(mask(eUInt16, pixels), 8, &count, nullptr));
+    EXPECT_REFUSAL(2, kNullOutput, LabelMarkers2(bytes, 8, &count, nullptr));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eUInt16, labels, 3)));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eByte, labels, 4, 1)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, labels)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, pixels)));
+    EXPECT_REFUSAL(4, kShared, label(bytes, output(eUInt16, pixels + 2)));  // from the third byte on
+    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eUInt16, labels)));
+    EXPECT_REFUSAL(7, kCopy, label(bytes, output(eUInt16, labels, 4, 2, 3)));
+    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eByte, nullptr)));
+    EXPECT_REFUSAL(999, L"Unexpected exception.", label(mask(eByte, pixels, 0), output(eByte, nullptr)));
+    {  // Labelling itself fails, which is not told.
         CapturedLog const log;
-        ImageAttributes labeled = each.labeled ? *each.labeled : ImageAttributes();
-        int count = -1;
-        EXPECT_EQ(LabelMarkers2(each.mask, 8, &count, each.labeled ? &labeled : nullptr), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.logged);
-        EXPECT_EQ(count, -1);
-        EXPECT_EQ(labeled.buffer, each.labeled ? each.labeled->buffer : nullptr);
+        EXPECT_EQ(label(mask(eByte, pixels, 0), output(eUInt16, labels, 0, 2)), SOLVANE_OK);
+        EXPECT_EQ(label(bytes, output(eUInt16, pixels, 4, 2, 3)), SOLVANE_OK);
+        EXPECT_EQ(log.Texts(), kNoSize + std::wstring(L"\nThe image's rows overlap.\n"));
     }
+    EXPECT_EQ(count, -1);
     EXPECT_EQ(pixels[3], 1);
     EXPECT_EQ(labels[0], 0);
 }
 
 TEST(LabelMarkers2, ReleasesItsImageWhenLabellingFails) {
     unsigned char pixels[4] = {1, 0, 1, 1};
-    ImageAttributes const mask(eByte, pixels, 2, 2, 2, 8, 0);
     ImageAttributes labeled;
     CapturedLog const log;
-    EXPECT_EQ(LabelMarkers2(mask, 8, nullptr, &labeled), SOLVANE_OK);
+    EXPECT_EQ(LabelMarkers2({eByte, pixels, 2, 2, 2, 8, 0}, 8, nullptr, &labeled), SOLVANE_OK);
     EXPECT_EQ(log.Text(), kNullCount);
     EXPECT_EQ(log.Code(), 2);
     EXPECT_EQ(labeled.buffer, nullptr);

@@ -53,12 +53,6 @@ TEST(LogLocation, IsStemExtensionAndLine) {
     EXPECT_EQ(log.Errors().back().location, L"");
 }
 
-TEST(LogLocation, NamesTheLineThatLogs) {
-    CapturedLog const log;
-    ZPA_Logging::LogError(ZPA_LOG_HERE, 4, L"text");
-    EXPECT_EQ(log.Errors().back().location, L"LoggingTest.cpp(" + std::to_wstring(__LINE__ - 1) + L")");
-}
-
 // What an operation reports names its own source, whether by a check or by the frame around it.
 TEST(LogLocation, OfAnOperationNamesItsSource) {
     auto const isIn = [](std::wstring const& location, std::wstring const& file) {
@@ -66,6 +60,8 @@ TEST(LogLocation, OfAnOperationNamesItsSource) {
                location.back() == L')' && std::stoi(location.substr(file.size() + 1)) > 1;
     };
     CapturedLog const log;
+    ZPA_Logging::LogError(ZPA_LOG_HERE, 4, L"text");
+    EXPECT_EQ(log.Errors().back().location, L"LoggingTest.cpp(" + std::to_wstring(__LINE__ - 1) + L")");
     ImageAttributes const none;
     EXPECT_EQ(ValidateImageBuffer(none, nullptr), SOLVANE_INVALID_ARGUMENT);
     EXPECT_TRUE(isIn(log.Errors().back().location, L"CoreTypes.cpp")) << log.Errors().back().location;
@@ -271,29 +267,22 @@ std::vector<std::wstring> Messages(std::vector<LogLine> const& lines) {
 }
 using Lines = std::vector<std::wstring>;
 
+// The flag is looked at at both ends.
 TEST(EntryExitLogging, ReportsBothEndsOfAScope) {
     CapturedLog log;
-    log.Debug(eLogFactory);
     {
+        EntryExitLogging const silent(L"silent", eLogFunction);
+        EntryExitLogging const late(L"late", eLogFactory);
+        log.Debug(eLogFactory);
         EntryExitLogging const scope(L"%s", eLogFactory);
         EXPECT_EQ(Messages(log.DebugLines()), Lines{L"Entering function %s"});
     }
-    EXPECT_EQ(Messages(log.DebugLines()), (Lines{L"Entering function %s", L"Exiting function %s"}));
+    EXPECT_EQ(Messages(log.DebugLines()),
+              (Lines{L"Entering function %s", L"Exiting function %s", L"Exiting function late"}));
     for (LogLine const& line : log.DebugLines()) {
         EXPECT_EQ(line.location, L"");
         EXPECT_EQ(line.category, eLogFactory);
     }
-    { EntryExitLogging const silent(L"silent", eLogFunction); }
-    EXPECT_EQ(log.DebugLines().size(), 2U);
-}
-
-TEST(EntryExitLogging, LooksAtTheFlagAtBothEnds) {
-    CapturedLog log;
-    {
-        EntryExitLogging const scope(L"late", eLogFunction);
-        log.Debug(eLogFunction);
-    }
-    EXPECT_EQ(Messages(log.DebugLines()), Lines{L"Exiting function late"});
 }
 
 TEST(EntryExitLogging, CutsDetailsToTheLengthOfTheirFormat) {
@@ -315,22 +304,19 @@ TEST(EntryExitLogging, CutsDetailsToTheLengthOfTheirFormat) {
 TEST(EntryExitLogging, LetsACallbackThrowOnlyAtTheEntrance) {
     CapturedLog log;
     log.Debug(eLogFunction);
-    ZPA_Logging::SetDebugCallback(
-        [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+    ZPA_Logging::SetDebugCallback(ThrowFromCallback);
     EXPECT_THROW(EntryExitLogging(L"f", eLogFunction), std::runtime_error);
     ZPA_Logging::SetDebugCallback(nullptr);
     EXPECT_NO_THROW({
         EntryExitLogging const scope(L"f", eLogFunction);
-        ZPA_Logging::SetDebugCallback(
-            [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+        ZPA_Logging::SetDebugCallback(ThrowFromCallback);
     });
 }
 
 // The lock must be free again after a callback has thrown.
 TEST(LogLock, IsReleasedByACallbackThatThrows) {
     CapturedLog const log;
-    ZPA_Logging::SetErrorCallback(
-        [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+    ZPA_Logging::SetErrorCallback(ThrowFromCallback);
     EXPECT_THROW(ZPA_Logging::LogError(nullptr, 0, 4, L"text"), std::runtime_error);
     std::thread([] { ZPA_Logging::LogWarning(nullptr, 0, eLogImage, L"from elsewhere"); }).join();
     EXPECT_EQ(log.Warnings().size(), 1U);
@@ -396,23 +382,16 @@ TEST(CodeBlockTimer, ReportsWhereItsLevelSays) {
     { CodeBlockTimer const silent(eTimingInfo, L"off"); }
     log.Debug(eLogTiming);
     ZPA_Logging::EnableLog(eLogTiming, true);
-    { CodeBlockTimer const timer(eTimingDebug, L"%s %d%%", L"half", 50); }
+    std::wstring const name(400, L'n');  // longer than its format
+    { CodeBlockTimer const timer(eTimingDebug, L"%s %d%%", name.c_str(), 50); }
     { CodeBlockTimer const timer(eTimingInfo, L"info"); }
     { CodeBlockTimer const timer(static_cast<TIMING_LOGGING_LEVEL>(7), nullptr); }
     ASSERT_EQ(log.DebugLines().size(), 1U);
     ASSERT_EQ(log.InfoLines().size(), 2U);
     EXPECT_EQ(log.DebugLines()[0].category, eLogTiming);
-    EXPECT_GE(SecondsIn(log.DebugLines()[0].message, L"half 50%"), 0.0);
+    EXPECT_GE(SecondsIn(log.DebugLines()[0].message, name + L" 50%"), 0.0);
     EXPECT_GE(SecondsIn(log.InfoLines()[0].message, L"info"), 0.0);
     EXPECT_GE(SecondsIn(log.InfoLines()[1].message, L""), 0.0);
-}
-
-TEST(CodeBlockTimer, KeepsNamesLongerThanTheirFormat) {
-    CapturedLog log;
-    log.Debug(eLogTiming);
-    std::wstring const name(400, L'n');
-    { CodeBlockTimer const timer(eTimingDebug, L"%s", name.c_str()); }
-    EXPECT_GE(SecondsIn(log.DebugLines()[0].message, name), 0.0);
 }
 
 TEST(CodeBlockTimer, CountsProcessorTimeInSeconds) {

@@ -16,20 +16,14 @@ namespace {
 using namespace Testing;
 
 TEST(CopyImage, CopiesThePaddingToo) {
-    auto const check = [](auto element) {
+    ForEachType<std::uint8_t, std::uint16_t, double>([](auto element) {
         auto source = RandomImage<decltype(element)>({5, 3, 8}, 1);
         ImageAttributes copy;
         ASSERT_EQ(copyImage(source.Attributes(12, 3), &copy), SOLVANE_OK);
         EXPECT_EQ(std::memcmp(copy.buffer, source.Pixels(), source.Size() * sizeof element), 0);
-        EXPECT_EQ(copy.type, TypeCodeOf<decltype(element)>);
-        EXPECT_EQ(copy.stride, 8);
-        EXPECT_EQ(copy.bitsperpixel, 12);
-        EXPECT_EQ(copy.pixelspacing, 3);
+        EXPECT_EQ(Description(copy), Description(source.Attributes(12, 3)));
         FreePixels(copy.buffer);
-    };
-    check(std::uint8_t());
-    check(std::uint16_t());
-    check(double());
+    });
 }
 
 TEST(CopyImage, HoldsTheWholeLastRowWhereTheStrideIsNarrow) {
@@ -39,9 +33,10 @@ TEST(CopyImage, HoldsTheWholeLastRowWhereTheStrideIsNarrow) {
         ImageAttributes source;
         std::size_t bytes;
     };
-    for (Case const& each :
-         {Case{{eByte, first, 8, 1, 0, 8, 0}, 8}, Case{{eUInt16, first, 4, 1, 2, 16, 0}, 8},
-          Case{{eByte, first, 4, 3, 2, 8, 0}, 8}}) {
+    Case const cases[] = {{{eByte, first, 8, 1, 0, 8, 0}, 8},
+                          {{eUInt16, first, 4, 1, 2, 16, 0}, 8},
+                          {{eByte, first, 4, 3, 2, 8, 0}, 8}};
+    for (Case const& each : cases) {
         ImageAttributes copy;
         ASSERT_EQ(copyImage(each.source, &copy), SOLVANE_OK);
         EXPECT_EQ(std::memcmp(copy.buffer, pixels, each.bytes), 0);  // the sanitizers see what is too short
@@ -52,6 +47,7 @@ TEST(CopyImage, HoldsTheWholeLastRowWhereTheStrideIsNarrow) {
 
 TEST(CopyImage, FreesTheDestinationOnEveryFailure) {
     constexpr auto kNull = L"template_copy(): Null pointer.";
+    constexpr auto kOverlap = L"template_copy(): The rows of the source overlap.";
     unsigned short pixels[16] = {};
     struct Case {
         char const* name;
@@ -67,19 +63,13 @@ TEST(CopyImage, FreesTheDestinationOnEveryFailure) {
         {"no memory", {eDouble, pixels, 1, INT_MAX, INT_MAX, 64, 0}, false, 1, kNull},
         {"negative height", {eUInt16, pixels, 2, -2, 2, 16, 0}, false, 1, kNull},
         {"negative stride", {eUInt16, pixels, 2, 1, -2, 16, 0}, false, 1, kNull},
-        {"rows overlap",
-         {eUInt16, pixels, 4, 2, 3, 16, 0},
-         false,
-         7,
-         L"template_copy(): The rows of the source overlap."},
+        {"rows overlap", {eUInt16, pixels, 4, 2, 3, 16, 0}, false, 7, kOverlap},
     };
     for (Case const& each : cases) {
         SCOPED_TRACE(each.name);
-        CapturedLog const log;
         ImageAttributes destination;
         if (each.filled) destination.buffer = new unsigned short[4];
-        EXPECT_EQ(copyImage(each.source, &destination), each.code);
-        EXPECT_EQ(log.Text(), each.message);
+        ExpectRefusal([&] { return copyImage(each.source, &destination); }, each.code, each.message);
         EXPECT_EQ(destination.buffer, nullptr);
         EXPECT_EQ(destination.width, 0);
     }
@@ -144,35 +134,22 @@ TYPED_TEST(ApplyMaskTo, WhatTheModelClearsOnEverySimdTarget) {
 TEST(ApplyMask, RefusesInItsOrder) {
     constexpr auto kSizes = L"ApplyMask(): Image and mask cannot be different sizes.";
     constexpr auto kMaskType = L"ApplyMask(): Mask must be unsigned char.";
-    struct Case {
-        char const* name;
-        ImageAttributes image, mask;
-        int code;
-        std::wstring message;
-    };
     unsigned char pixels[8] = {};
-    Case const cases[] = {
-        {"width", Described(eByte, 4, 3, 5), Described(eByte, 3, 3, 5), 4, kSizes},
-        {"height", Described(eByte, 4, 3, 5), Described(eByte, 4, 2, 5), 4, kSizes},
-        {"stride", Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 4), 4, kSizes},
-        {"sizes before mask type", Described(eByte, 4, 3, 5), Described(eUInt16, 3, 3, 5), 4, kSizes},
-        {"mask type before image type", Described(eSingle, 4, 3, 5), Described(eUInt16, 4, 3, 5), 4,
-         kMaskType},
-        {"image type in silence", Described(eSingle, 4, 3, 5), Described(eByte, 4, 3, 5), 6, L""},
-        {"null", Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 5), 2, L"ApplyMask(): Null pointer."},
-        {"negative",
-         {eByte, pixels, 2, -1, -2, 8, 0},
-         {eByte, pixels, 2, -1, -2, 8, 0},
-         3,
-         L"ApplyMask(): The image's size is negative."},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(ApplyMask(each.image, each.mask), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.message.empty() ? 0 : each.code);
-    }
+    ImageAttributes const negative(eByte, pixels, 2, -1, -2, 8, 0);
+    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 3, 3, 5)));  // width
+    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 2, 5)));  // height
+    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 4)));  // stride
+    EXPECT_REFUSAL(
+        4, kSizes,
+        ApplyMask(Described(eByte, 4, 3, 5), Described(eUInt16, 3, 3, 5)));  // sizes before mask type
+    EXPECT_REFUSAL(
+        4, kMaskType,
+        ApplyMask(Described(eSingle, 4, 3, 5), Described(eUInt16, 4, 3, 5)));  // mask type before image type
+    EXPECT_REFUSAL(
+        6, L"", ApplyMask(Described(eSingle, 4, 3, 5), Described(eByte, 4, 3, 5)));  // image type in silence
+    EXPECT_REFUSAL(2, L"ApplyMask(): Null pointer.",
+                   ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 5)));
+    EXPECT_REFUSAL(3, L"ApplyMask(): The image's size is negative.", ApplyMask(negative, negative));
 }
 
 TEST(Compare, SeesEveryPixelAndNoPadding) {
@@ -180,8 +157,7 @@ TEST(Compare, SeesEveryPixelAndNoPadding) {
         SCOPED_TRACE(testing::Message() << shape);
         auto a = RandomImage<unsigned short>(shape, 1);
         TestImage<unsigned short> b({shape.width, shape.height, shape.width + 2});
-        for (int y = 0; y < shape.height; ++y)
-            for (int x = 0; x < shape.width; ++x) b.At(x, y) = a.At(x, y);
+        b.Fill([&](int x, int y) { return a.At(x, y); });
         EXPECT_EQ(compare(a.Attributes(), b.Attributes()), SOLVANE_OK);
         EXPECT_EQ(compare(a.Attributes(), a.Attributes()), SOLVANE_OK);
         b.At(shape.width - 1, shape.height - 1) ^= 1;
@@ -219,13 +195,10 @@ TYPED_TEST_SUITE(DecimateAndCompareOf, Comparable, );
 TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     using T = TypeParam;
     TestImage<T> first({9, 7, 11}), second({9, 7, 10});
-    for (int y = 0; y < 7; ++y)
-        for (int x = 0; x < 9; ++x) first.At(x, y) = second.At(x, y) = static_cast<T>(x + 10 * y);
+    for (TestImage<T>* const image : {&first, &second}) image->Fill([](int x, int y) { return x + 10 * y; });
     second.At(5, 4) = static_cast<T>(second.At(5, 4) + 3);  // the one that differs
 
-    TestImage<unsigned char> mask({4, 4, 6});
-    for (std::size_t i = 0; i < mask.Size(); ++i) mask.Pixels()[i] = 1;
-    TestImage<unsigned char> hole = mask;
+    auto mask = Uniform<unsigned char>({4, 4, 6}, 1), hole = mask;
     hole.At(1, 2) = 0;
     ImageAttributes const maskImage = mask.Attributes();
     ImageAttributes const holeImage = hole.Attributes();
@@ -321,60 +294,46 @@ TEST(DecimateAndCompare, RefusesInItsOrder) {
     Rectangle const empty(2, 2, 0, 1), outside(2, 2, 3, 1), huge(2, 2, INT_MAX, 1);
     APOINT const far(4, 0), before(-2, 0);
     bool answer = true;
-    struct Case {
-        char const* name;
-        ImageAttributes first, second;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
-        int step;
-        bool* answer;
-        double tolerance;
-        int code;
-        std::wstring message;
-    };
     constexpr auto kOutside = L"The ROI was out of bounds in the image.";
-    Case const cases[] = {
-        {"first", null, null, nullptr, nullptr, nullptr, 0, nullptr, 1, 2,
-         L"The first image had a NULL buffer pointer."},
-        {"second", image, null, nullptr, nullptr, nullptr, 0, nullptr, 1, 2,
-         L"The second image had a NULL buffer pointer."},
-        {"sizes", image, smaller, nullptr, nullptr, nullptr, 0, nullptr, 1, 7,
-         L"The two input images have different sizes."},
-        {"types", image, other, nullptr, &wrongMask, nullptr, 0, nullptr, 1, 8,
-         L"The two input images must be of the same type."},
-        {"mask type", image, image, nullptr, &wrongMask, nullptr, 0, nullptr, 1, 6,
-         L"The mask must be of type eByte."},
-        {"answer", image, image, nullptr, nullptr, nullptr, 0, nullptr, 1, 2,
-         L"The pbIsEquivalent pointer was NULL."},
-        {"steps", word, word, nullptr, nullptr, nullptr, 0, &answer, 0, 4,
-         L"The x and y decimation values must be >= 1."},
-        {"unsupported, no tolerance", word, word, &empty, nullptr, nullptr, 1, &answer, 0, 0, L""},
-        {"unsupported", word, word, &empty, nullptr, nullptr, 1, &answer, 1, 6,
-         L"The image type is not supported."},
-        {"bad region, large tolerance", image, image, &empty, &nullMask, nullptr, 1, &answer, 256, 0, L""},
-        {"empty", image, image, &empty, &emptyMask, nullptr, 1, &answer, 255, 3,
-         L"The rectangular ROI was empty."},
-        {"empty mask", image, image, nullptr, &emptyMask, nullptr, 1, &answer, 1, 3,
-         L"The mask ROI was empty."},
-        {"apart", image, image, nullptr, &nullMask, &far, 1, &answer, 1, 3, L"The combined ROI was empty."},
-        {"outside", image, image, &outside, nullptr, nullptr, 1, &answer, 1, 3, kOutside},
-        {"huge", image, image, &huge, nullptr, nullptr, 1, &answer, 1, 3, kOutside},
-        {"mask starts outside", image, image, nullptr, &mask, &before, 1, &answer, 1, 0, L""},
-        {"null mask", image, image, nullptr, &nullMask, nullptr, 1, &answer, 1, 2,
-         L"The mask had a NULL buffer pointer."},
-        {"rows overlap", narrow, image, nullptr, nullptr, nullptr, 1, &answer, 1, 7,
-         L"The rows of an input image overlap."},
+    auto const differ = [](ImageAttributes const& first, ImageAttributes const& second, Rectangle const* roi,
+                           ImageAttributes const* mask, APOINT const* origin, int step, bool* equivalent,
+                           double tolerance) {
+        return DecimateAndCompare(first, second, roi, mask, origin, step, 1, tolerance, equivalent);
     };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(DecimateAndCompare(each.first, each.second, each.roi, each.mask, each.origin, each.step, 1,
-                                     each.tolerance, each.answer),
-                  each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.code);
-    }
+    EXPECT_REFUSAL(2, L"The first image had a NULL buffer pointer.",
+                   differ(null, null, nullptr, nullptr, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(2, L"The second image had a NULL buffer pointer.",
+                   differ(image, null, nullptr, nullptr, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(7, L"The two input images have different sizes.",
+                   differ(image, smaller, nullptr, nullptr, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(8, L"The two input images must be of the same type.",
+                   differ(image, other, nullptr, &wrongMask, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(6, L"The mask must be of type eByte.",
+                   differ(image, image, nullptr, &wrongMask, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(2, L"The pbIsEquivalent pointer was NULL.",
+                   differ(image, image, nullptr, nullptr, nullptr, 0, nullptr, 1));
+    EXPECT_REFUSAL(4, L"The x and y decimation values must be >= 1.",
+                   differ(word, word, nullptr, nullptr, nullptr, 0, &answer, 0));
+    EXPECT_REFUSAL(0, L"",
+                   differ(word, word, &empty, nullptr, nullptr, 1, &answer, 0));  // unsupported, no tolerance
+    EXPECT_REFUSAL(6, L"The image type is not supported.",
+                   differ(word, word, &empty, nullptr, nullptr, 1, &answer, 1));
+    EXPECT_REFUSAL(
+        0, L"",
+        differ(image, image, &empty, &nullMask, nullptr, 1, &answer, 256));  // bad region, large tolerance
+    EXPECT_REFUSAL(3, L"The rectangular ROI was empty.",
+                   differ(image, image, &empty, &emptyMask, nullptr, 1, &answer, 255));
+    EXPECT_REFUSAL(3, L"The mask ROI was empty.",
+                   differ(image, image, nullptr, &emptyMask, nullptr, 1, &answer, 1));
+    EXPECT_REFUSAL(3, L"The combined ROI was empty.",
+                   differ(image, image, nullptr, &nullMask, &far, 1, &answer, 1));                 // apart
+    EXPECT_REFUSAL(3, kOutside, differ(image, image, &outside, nullptr, nullptr, 1, &answer, 1));  // outside
+    EXPECT_REFUSAL(3, kOutside, differ(image, image, &huge, nullptr, nullptr, 1, &answer, 1));     // huge
+    EXPECT_REFUSAL(0, L"", differ(image, image, nullptr, &mask, &before, 1, &answer, 1));
+    EXPECT_REFUSAL(2, L"The mask had a NULL buffer pointer.",
+                   differ(image, image, nullptr, &nullMask, nullptr, 1, &answer, 1));
+    EXPECT_REFUSAL(7, L"The rows of an input image overlap.",
+                   differ(narrow, image, nullptr, nullptr, nullptr, 1, &answer, 1));
 }
 
 TEST(DiffBuffer, SubtractsWhatTheOutputHeld) {
@@ -417,25 +376,16 @@ TEST(DiffBuffer, RefusesInItsOrder) {
     constexpr auto kDiffer = L"The output and input images must be of the same type and type";
     constexpr auto kType = L"Buffer type 16bit unsupported";
     short elements[4] = {};
-    struct Case {
-        BufferAttributes source, output;
-        int code;
-        std::wstring message;
+    auto const diff = [](BufferAttributes source, BufferAttributes output) {
+        return DiffBuffer(source, &output);
     };
-    Case const cases[] = {
-        {{eInt16, elements, 2}, {eInt16, elements, 3}, 7, kDiffer},
-        {{eInt16, elements, 2}, {eByte, elements, 2}, 7, kDiffer},
-        {{eUInt16, nullptr, 2}, {eUInt16, nullptr, 2}, 7, kType},
-        {{eDouble, nullptr, 2}, {eDouble, nullptr, 2}, 7, kType},
-        {{eInt16, nullptr, 2}, {eInt16, elements, 2}, 2, L"The input or output buffer had a NULL pointer."},
-        {{eInt16, elements, -2}, {eInt16, elements, -2}, 0, L""},
-    };
-    for (Case const& each : cases) {
-        CapturedLog const log;
-        BufferAttributes output = each.output;
-        EXPECT_EQ(DiffBuffer(each.source, &output), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-    }
+    EXPECT_REFUSAL(7, kDiffer, diff({eInt16, elements, 2}, {eInt16, elements, 3}));
+    EXPECT_REFUSAL(7, kDiffer, diff({eInt16, elements, 2}, {eByte, elements, 2}));
+    EXPECT_REFUSAL(7, kType, diff({eUInt16, nullptr, 2}, {eUInt16, nullptr, 2}));
+    EXPECT_REFUSAL(7, kType, diff({eDouble, nullptr, 2}, {eDouble, nullptr, 2}));
+    EXPECT_REFUSAL(2, L"The input or output buffer had a NULL pointer.",
+                   diff({eInt16, nullptr, 2}, {eInt16, elements, 2}));
+    EXPECT_REFUSAL(0, L"", diff({eInt16, elements, -2}, {eInt16, elements, -2}));
     EXPECT_EQ(DiffBuffer({eInt16, elements, 2}, nullptr), SOLVANE_NULL_POINTER);
 }
 
@@ -443,15 +393,10 @@ TEST(ClipImage, ComparesWholeLimitsOnEverySimdTarget) {
     struct Limits {
         int low, high;
     };
-    for (Limits const limits : {Limits{-100, 100},
-                                {100, -100},
-                                {0, 0},
-                                {-32768, 32767},
-                                {-40000, 40000},
-                                {40000, 50000},
-                                {-50000, -40000},
-                                {INT_MIN, INT_MAX},
-                                {5, 70000}})
+    Limits const all[] = {{-100, 100},      {100, -100},        {0, 0},
+                          {-32768, 32767},  {-40000, 40000},    {40000, 50000},
+                          {-50000, -40000}, {INT_MIN, INT_MAX}, {5, 70000}};
+    for (Limits const limits : all)
         ForEachSimdTarget([&] {
             SCOPED_TRACE(testing::Message() << limits.low << " to " << limits.high);
             auto image = RandomImage<short>({131, 1, 131}, 4);
@@ -478,37 +423,27 @@ TEST(Operations, OpenTheirScopeInTheLog) {
     unsigned short others[4] = {};
     ImageAttributes image(eUInt16, pixels, 2, 2, 2, 16, 0);
     ImageAttributes other(eUInt16, others, 2, 2, 2, 16, 0);
-    BufferAttributes buffer(eInt16, pixels, 2);
+    BufferAttributes buffer(eInt16, pixels, 2), words(eUInt16, pixels, 4);
     bool answer = false;
     ImageAttributes made;
     BufferAttributes madeBuffer;
     struct Case {
-        wchar_t const* name;
+        std::wstring scopes;
         std::function<void()> call;
     };
     Case const cases[] = {
-        {L"ZPA::CopyPixels", [&] { CopyPixels(image, &other); }},
-        {L"ZPA::SetPixels", [&] { SetPixels(nullptr, nullptr, nullptr, 0, 1, image); }},
-        {L"ZPA::copyImage", [&] { copyImage(image, &made); }},
-        {L"ZPA::copyBuffer",
-         [&] {
-             copyBuffer({eUInt16, pixels, 4}, &madeBuffer);
-         }},
-        {L"ZPA::ApplyMask", [&] { ApplyMask(image, image); }},
-        {L"ZPA::compare", [&] { compare(image, other); }},
-        {L"ZPA::DecimateAndCompare",
+        {L"CopyPixels{}", [&] { CopyPixels(image, &other); }},
+        {L"SetPixels{}", [&] { SetPixels(nullptr, nullptr, nullptr, 0, 1, image); }},
+        {L"copyImage{}", [&] { copyImage(image, &made); }},
+        {L"copyBuffer{}", [&] { copyBuffer(words, &madeBuffer); }},
+        {L"ApplyMask{}", [&] { ApplyMask(image, image); }},
+        {L"compare{}", [&] { compare(image, other); }},
+        {L"DecimateAndCompare{}",
          [&] { DecimateAndCompare(image, other, nullptr, nullptr, nullptr, 1, 1, 1, &answer); }},
-        {L"ZPA::DiffBuffer", [&] { DiffBuffer(buffer, &buffer); }},
-        {L"ZPA::ClipImage", [&] { ClipImage(reinterpret_cast<short*>(pixels), 4, 0, 1); }},
+        {L"DiffBuffer{}", [&] { DiffBuffer(buffer, &buffer); }},
+        {L"ClipImage{}", [&] { ClipImage(reinterpret_cast<short*>(pixels), 4, 0, 1); }},
     };
-    for (Case const& each : cases) {
-        CapturedLog log;
-        log.Debug(eLogFunction);
-        each.call();
-        ASSERT_EQ(log.DebugLines().size(), 2u) << each.name;
-        EXPECT_EQ(log.DebugLines()[0].message, std::wstring(L"Entering function ") + each.name);
-        EXPECT_EQ(log.DebugLines()[1].message, std::wstring(L"Exiting function ") + each.name);
-    }
+    for (Case const& each : cases) EXPECT_EQ(ScopesOf(each.call), each.scopes);
     FreePixels(made.buffer);
     FreePixels(madeBuffer.buffer);
 }

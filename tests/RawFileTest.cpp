@@ -18,6 +18,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
+#include "support/TemporaryFolder.h"
 
 namespace ZPA {
 namespace {
@@ -29,33 +30,20 @@ constexpr auto kFull = "/dev/full";  // opens, and takes nothing
 
 std::wstring Wide(std::string const& text) { return {text.begin(), text.end()}; }
 
-// In a folder of its own, whose name is no format.
+std::string Content(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 class RawFile : public testing::Test {
 protected:
-    RawFile()
-        : folder_(fs::temp_directory_path() /
-                  ("zpa%s%n-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + "-" +
-                   testing::UnitTest::GetInstance()->current_test_info()->name())) {
-        fs::create_directories(folder_);
-    }
-    ~RawFile() override { fs::remove_all(folder_); }
-
-    std::string Path(std::string const& name) const { return (folder_ / name).string(); }
+    std::string Path(std::string const& name) const { return folder.Path(name); }
     std::string Write(std::string const& name, std::size_t bytes) const {
-        std::ofstream file(Path(name), std::ios::binary);
-        for (std::size_t i = 0; i < bytes; ++i) file.put(static_cast<char>(i * 7));
-        return Path(name);
+        std::string content;
+        for (std::size_t i = 0; i < bytes; ++i) content += static_cast<char>(i * 7);
+        return folder.Write(name, content);
     }
-    static std::string Content(std::string const& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    std::size_t FileCount() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), {}));
-    }
-
-private:
-    fs::path folder_;
+    TemporaryFolder folder;
 };
 
 struct Free {
@@ -70,11 +58,9 @@ TEST_F(RawFile, DumpsBearTheirDimensionsInTheirNames) {
         int index, width, height;
         char const *imageName, *maskName;
     };
-    std::string const longName = [] {
-        std::string name;
-        while (name.size() < 1500) name += "./";
-        return name + "a";
-    }();
+    std::string longName;
+    while (longName.size() < 1500) longName += "./";
+    longName += "a";
     Case const cases[] = {
         {-1, 3, 2, "a.3.2.raw", "a.3.2.mask"},
         {3, 2, 3, "a3.2.3.raw", "a.3.2.3.mask"},
@@ -88,9 +74,7 @@ TEST_F(RawFile, DumpsBearTheirDimensionsInTheirNames) {
         CapturedLog log;
         log.Debug(eLogFunction);
         ASSERT_EQ(DumpRawImage(image, each.width, each.height, each.index, Path("a").c_str()), 0);
-        ASSERT_EQ(log.DebugLines().size(), 5u);
-        EXPECT_EQ(log.DebugLines()[0].message, L"Entering function ZPA::DumpRawImage");
-        EXPECT_EQ(log.DebugLines()[1].message, L"Entering function ZPA::dumpRaw");
+        EXPECT_EQ(log.Scopes(), L"DumpRawImage{dumpRaw{}}");
         EXPECT_EQ(log.DebugLines()[3].message, L"image dumped to " + Wide(Path(each.imageName)));
         log.Clear();
         ASSERT_EQ(DumpRawMask(mask, each.width, each.height, each.index, Path(longName).c_str()), 0);
@@ -98,10 +82,10 @@ TEST_F(RawFile, DumpsBearTheirDimensionsInTheirNames) {
         EXPECT_EQ(log.DebugLines()[3].message.substr(0, 15), L"mask dumped to ");
 
         auto const pixels = static_cast<std::size_t>(each.width * each.height);
-        EXPECT_EQ(Content(Path(each.imageName)), std::string(reinterpret_cast<char*>(image), 2 * pixels));
-        EXPECT_EQ(Content(Path(each.maskName)), std::string(reinterpret_cast<char*>(mask), pixels));
+        EXPECT_EQ(folder.Read(each.imageName), std::string(reinterpret_cast<char*>(image), 2 * pixels));
+        EXPECT_EQ(folder.Read(each.maskName), std::string(reinterpret_cast<char*>(mask), pixels));
     }
-    EXPECT_EQ(FileCount(), 2 * std::size(cases));
+    EXPECT_EQ(folder.Names().size(), 2 * std::size(cases));
 }
 
 TEST_F(RawFile, WritersRefuse) {
@@ -152,7 +136,7 @@ TEST_F(RawFile, WritersRefuse) {
             if (line.message.find(L"ing function ") == line.message.npos) debug += line.message;
         EXPECT_EQ(debug, each.debug);
     }
-    EXPECT_EQ(FileCount(), 1u);
+    EXPECT_EQ(folder.Names().size(), 1u);
     EXPECT_EQ(Content(file).size(), 10u);
 }
 
@@ -170,8 +154,7 @@ TEST_F(RawFile, ShortWritesAreFailures) {
 
 template <typename T> std::string Picture(std::vector<T> const& pixels, std::string const& path) {
     EXPECT_EQ(template_dumpPgm8bit(pixels.data(), static_cast<int>(pixels.size()), 1, path.c_str()), 0);
-    std::ifstream file(path, std::ios::binary);
-    std::string const content{std::istreambuf_iterator<char>(file), {}};
+    std::string const content = Content(path);
     std::string const header = "P5\n" + std::to_string(pixels.size()) + " 1\n255\n";
     EXPECT_EQ(content.substr(0, header.size()), header);
     return content.substr(std::min(header.size(), content.size()));
@@ -230,11 +213,11 @@ TEST_F(RawFile, LargePicturesAreWhole) {
     for (std::size_t i = 0; i < image.Size(); ++i)
         expected += static_cast<char>(std::lrint((image.Pixels()[i] - *range.first) * scale));
     ASSERT_EQ(dumpPgm8bit(image.Pixels(), 257, 201, Path("a.pgm").c_str()), 0);
-    EXPECT_EQ(Content(Path("a.pgm")), expected);
+    EXPECT_EQ(folder.Read("a.pgm"), expected);
 
     std::vector<double> const wide(image.Pixels(), image.Pixels() + image.Size());
     ASSERT_EQ(dumpPgm8bit_double(wide.data(), 257, 201, Path("b.pgm").c_str()), 0);
-    EXPECT_EQ(Content(Path("b.pgm")), expected);
+    EXPECT_EQ(folder.Read("b.pgm"), expected);
 }
 
 TEST_F(RawFile, ReadsOnlyWhatMatchesTheFile) {
@@ -280,18 +263,17 @@ TEST_F(RawFile, ReadsOnlyWhatMatchesTheFile) {
     };
     for (Case const& each : cases) {
         SCOPED_TRACE(each.name);
-        CapturedLog const log;
         std::string const path = Write("a", each.length);
         void* data = this;
-        EXPECT_EQ(ReadRaw(path.c_str(), &data, static_cast<eTypeCode>(each.type), each.width, each.height,
-                          each.stride, each.countInBytes),
-                  each.code);
+        auto const call = [&] {
+            return ReadRaw(path.c_str(), &data, static_cast<eTypeCode>(each.type), each.width, each.height,
+                           each.stride, each.countInBytes);
+        };
+        ExpectRefusal(call, each.code,
+                      each.message != kSize ? each.message
+                                            : L"ReadRaw: File " + Wide(path) +
+                                                  L" does not exist, or does not match requested size.");
         Block const block(data);
-        EXPECT_EQ(log.Text(), each.message != kSize
-                                  ? each.message
-                                  : L"ReadRaw: File " + Wide(path) +
-                                        L" does not exist, or does not match requested size.");
-        EXPECT_EQ(log.Code(), each.code);
         ASSERT_EQ(data != nullptr, each.code == 0);
         if (data) {
             EXPECT_EQ(Content(path), std::string(static_cast<char*>(data), each.length));
@@ -309,34 +291,28 @@ TEST_F(RawFile, ReadsRegularFilesOnly) {
     for (std::string const& path : paths) {
         for (int const stride : {0, 1}) {
             SCOPED_TRACE(path);
-            CapturedLog const log;
             void* data = this;
-            EXPECT_EQ(ReadRaw(path.c_str(), &data, eByte, 1, 1, stride, false), 5);
+            EXPECT_REFUSAL(
+                5, L"ReadRaw: File " + Wide(path) + L" does not exist, or does not match requested size.",
+                ReadRaw(path.c_str(), &data, eByte, 1, 1, stride, false));
             EXPECT_EQ(data, nullptr);
-            EXPECT_EQ(log.Text(),
-                      L"ReadRaw: File " + Wide(path) + L" does not exist, or does not match requested size.");
         }
     }
 }
 
 TEST_F(RawFile, ReadersRefuseNullPointers) {
-    CapturedLog const log;
-    std::string const path = Write("a.2.2.mask", 4);
+    std::string const file = Write("a.2.2.mask", 4);
+    char const* const path = file.c_str();
     void* data = this;
-    EXPECT_EQ(ReadRaw(nullptr, &data, eUnknown, 1, 1, 1, false), 2);
-    EXPECT_EQ(log.Text(), L"ReadRaw: Null pointer.");
-    EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(ReadRaw(path.c_str(), nullptr, eByte, 2, 2, 2, false), 2);
-
     ImageAttributes image;
-    EXPECT_EQ(ReadRawFile(nullptr, &image), 2);
-    EXPECT_EQ(ReadRawFile(path.c_str(), nullptr), 2);
-    EXPECT_EQ(log.Text(), L"ReadRawFile: Null pointer.");
     BufferAttributes buffer;
-    EXPECT_EQ(ReadRawBuffer(nullptr, &buffer), 2);
-    EXPECT_EQ(ReadRawBuffer(path.c_str(), nullptr), 2);
-    EXPECT_EQ(log.Text(), L"ReadRawBuffer: Null pointer.");
-    EXPECT_EQ(log.Errors().size(), 6u);
+    EXPECT_REFUSAL(2, L"ReadRaw: Null pointer.", ReadRaw(nullptr, &data, eUnknown, 1, 1, 1, false));
+    EXPECT_EQ(data, nullptr);
+    EXPECT_REFUSAL(2, L"ReadRaw: Null pointer.", ReadRaw(path, nullptr, eByte, 2, 2, 2, false));
+    EXPECT_REFUSAL(2, L"ReadRawFile: Null pointer.", ReadRawFile(nullptr, &image));
+    EXPECT_REFUSAL(2, L"ReadRawFile: Null pointer.", ReadRawFile(path, nullptr));
+    EXPECT_REFUSAL(2, L"ReadRawBuffer: Null pointer.", ReadRawBuffer(nullptr, &buffer));
+    EXPECT_REFUSAL(2, L"ReadRawBuffer: Null pointer.", ReadRawBuffer(path, nullptr));
 }
 
 TEST_F(RawFile, ImagesTakeTheirShapeFromTheName) {
@@ -374,12 +350,8 @@ TEST_F(RawFile, ImagesTakeTheirShapeFromTheName) {
         std::string const path = Write(each.name, each.length);
         ImageAttributes image = given;
         EXPECT_EQ(ReadRawFile(path.c_str(), &image), each.code);
-        EXPECT_EQ(image.type, each.type);
-        EXPECT_EQ(image.width, each.width);
-        EXPECT_EQ(image.height, each.height);
-        EXPECT_EQ(image.stride, each.width);
-        EXPECT_EQ(image.bitsperpixel, 12);
-        EXPECT_EQ(image.pixelspacing, 7);
+        EXPECT_EQ(Description(image), Description({static_cast<eTypeCode>(each.type), nullptr, each.width,
+                                                   each.height, each.width, 12, 7}));
         ASSERT_EQ(image.buffer == this, each.code != 0);
         if (each.code != 0) continue;
         Block const block(image.buffer);
@@ -444,7 +416,7 @@ TEST_F(RawFile, ARadiographSurvivesTheRoundTrip) {
     EXPECT_EQ(*range.first, 803);
     EXPECT_EQ(*range.second, 26512);
     ASSERT_EQ(DumpRawImage(pixels, 1841, 1955, -1, Path("chest").c_str()), 0);
-    EXPECT_TRUE(Content(Path("chest.1841.1955.raw")) == Content(path));
+    EXPECT_TRUE(folder.Read("chest.1841.1955.raw") == Content(path));
 }
 
 // A callback that fails once makes what the operations answer to any exception visible.

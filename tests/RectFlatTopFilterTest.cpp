@@ -30,6 +30,9 @@ Case const kCases[] = {
     {70, 7, 3, 3}, {99, 40, 15, 15},   {131, 33, 60, 31}, {300, 10, 290, 9}, {513, 6, 258, 3}};
 
 template <typename T> TestImage<T> Blank(Case const& c) { return TestImage<T>({c.width, c.height, c.width}); }
+template <typename T> TestImage<T> Filled(Case const& c, T value) {
+    return Uniform({c.width, c.height, c.width}, value);
+}
 template <typename T> TestImage<T> Noise(Case const& c, unsigned seed) {
     return RandomImage<T>({c.width, c.height, c.width}, seed);
 }
@@ -169,11 +172,9 @@ TEST(RectFlatTopFilter, GivesTheMeanOfTheClippedWindow) {
 TEST(RectFlatTopFilter, IsExactWhereTheQuotientIsWholeOrJustBelow) {
     for (Case const& c : {Case{40, 40, 3, 3}, {99, 40, 15, 15}, {350, 310, 301, 301}})
         for (int const value : {0, 1, 32767, 65535}) {
-            auto image = Blank<unsigned short>(c);
-            std::fill_n(image.Pixels(), image.Size(), static_cast<unsigned short>(value));
+            auto image = Filled(c, static_cast<unsigned short>(value));
             ExpectTyped(c, image, image);
-            auto negative = Blank<short>(c);
-            std::fill_n(negative.Pixels(), negative.Size(), static_cast<short>(-value));
+            auto negative = Filled(c, static_cast<short>(-value));
             ExpectTyped(c, negative, negative);
             // One pixel nearer to zero: the means of all windows that see it are cut to the next number.
             image.At(c.width / 2, c.height / 2) = static_cast<unsigned short>(std::max(value - 1, 0));
@@ -196,21 +197,10 @@ TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
             ExpectWrapping(c, image);
             ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
         }
-    auto const dark = [](Case const& c) {
-        auto image = Blank<short>(c);
-        std::fill_n(image.Pixels(), image.Size(), std::numeric_limits<short>::min());
-        return image;
-    };
-    for (Case const& c : kLargeWindows) ExpectTyped(c, dark(c), dark(c));
-}
-
-TEST(RectFlatTopFilter, TruncatesRatherThanRounds) {
-    unsigned short input[9] = {1, 1, 2, 1, 1, 2, 1, 1, 2}, output[9];
-    ASSERT_EQ(rectFlatTopFilter(input, output, 3, 3, 3, 3), SOLVANE_OK);
-    EXPECT_EQ(output[4], 1);
-    short below[9] = {-1, -1, -2, -1, -1, -2, -1, -1, -2}, means[9];
-    ASSERT_EQ(rect_flat_top_filtering_short(below, means, 3, 3, 3, 3), SOLVANE_OK);
-    EXPECT_EQ(means[4], -1);
+    for (Case const& c : kLargeWindows) {
+        auto const dark = Filled(c, std::numeric_limits<short>::min());
+        ExpectTyped(c, dark, dark);
+    }
 }
 
 // ---- Means of doubles
@@ -270,26 +260,6 @@ TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
         }
 }
 
-TYPED_TEST(WeightedFlatTop, FillsInFromOnePixel) {
-    Case const c{30, 20, 5, 7};
-    auto image = Noise<TypeParam>(c, 8);
-    auto mask = Blank<char>(c);
-    std::fill_n(mask.Pixels(), mask.Size(), char(0));
-    image.At(11, 9) = TypeParam(100);
-    mask.At(11, 9) = 1;
-    auto expected = Blank<TypeParam>(c);
-    for (int y = 0; y < c.height; ++y)
-        for (int x = 0; x < c.width; ++x)
-            expected.At(x, y) = TypeParam(std::abs(x - 11) <= 2 && std::abs(y - 9) <= 3 ? 100 : 0);
-    auto output = Blank<TypeParam>(c);
-    ASSERT_EQ(rectFlatTopFilteringWithMaskTemplate(image.Pixels(), output.Pixels(), mask.Pixels(), c.width,
-                                                   c.height, c.kernelWidth, c.kernelHeight),
-              SOLVANE_OK);
-    // Integers leave nothing behind when they are subtracted again; doubles leave what was rounded away.
-    for (int y = 0; y < c.height; ++y)
-        for (int x = 0; x < c.width; ++x) EXPECT_EQ(output.At(x, y), expected.At(x, y)) << x << ", " << y;
-}
-
 // ---- All forms alike
 
 // Every exported form over the same memory, whose elements it takes for its own.
@@ -300,40 +270,35 @@ struct Form {
     bool masked;
     std::function<int(void* in, void* out, void* mask, int w, int h, int kw, int kh)> call;
 };
-template <typename T, typename Function> auto Plain(Function function) {
-    return [function](void* in, void* out, void*, int w, int h, int kw, int kh) -> int {
-        return function(static_cast<T*>(in), static_cast<T*>(out), w, h, kw, kh);
-    };
+template <typename T>
+Form Plain(char const* name, SOLVANE_RETURNCODE (*filter)(T*, T*, int, int, int, int),
+           std::wstring const& prefix = L"rectFlatTopFilteringTemplate()") {
+    return {name, prefix, sizeof(T), false,
+            [filter](void* in, void* out, void*, int w, int h, int kw, int kh) {
+                return int{filter(static_cast<T*>(in), static_cast<T*>(out), w, h, kw, kh)};
+            }};
 }
-template <typename T, typename Function> auto Masked(Function function) {
-    return [function](void* in, void* out, void* mask, int w, int h, int kw, int kh) -> int {
-        return function(static_cast<T*>(in), static_cast<T*>(out), static_cast<char*>(mask), w, h, kw, kh);
-    };
+template <typename T>
+Form Masked(char const* name, SOLVANE_RETURNCODE (*filter)(T*, T*, char*, int, int, int, int)) {
+    return {name, L"rectFlatTopFilteringWithMaskTemplate()", sizeof(T), true,
+            [filter](void* in, void* out, void* mask, int w, int h, int kw, int kh) {
+                return int{filter(static_cast<T*>(in), static_cast<T*>(out), static_cast<char*>(mask), w, h,
+                                  kw, kh)};
+            }};
 }
-using UShort = unsigned short;
-std::wstring const kPlainPrefix = L"rectFlatTopFilteringTemplate()";
-std::wstring const kMaskedPrefix = L"rectFlatTopFilteringWithMaskTemplate()";
 Form const kForms[] = {
-    {"rectFlatTopFilter", L"rect_flat_top_filtering()", 2, false, Plain<UShort>(rectFlatTopFilter)},
-    {"rectFlatTopFilteringTemplate", kPlainPrefix, 2, false,
-     Plain<UShort>(rectFlatTopFilteringTemplate<UShort>)},
-    {"rectFlatTopFilteringTemplate", kPlainPrefix, 2, false,
-     Plain<short>(rectFlatTopFilteringTemplate<short>)},
-    {"rectFlatTopFilteringTemplate", kPlainPrefix, 8, false,
-     Plain<double>(rectFlatTopFilteringTemplate<double>)},
-    {"rect_flat_top_filtering_ushort", kPlainPrefix, 2, false, Plain<UShort>(rect_flat_top_filtering_ushort)},
-    {"rect_flat_top_filtering_short", kPlainPrefix, 2, false, Plain<short>(rect_flat_top_filtering_short)},
-    {"rect_flat_top_filtering_double", kPlainPrefix, 8, false, Plain<double>(rect_flat_top_filtering_double)},
-    {"rectFlatTopFilteringWithMaskTemplate", kMaskedPrefix, 2, true,
-     Masked<UShort>(rectFlatTopFilteringWithMaskTemplate<UShort>)},
-    {"rectFlatTopFilteringWithMaskTemplate", kMaskedPrefix, 8, true,
-     Masked<double>(rectFlatTopFilteringWithMaskTemplate<double>)},
-    {"rectFlatTopFilteringWithMask_ushort", kMaskedPrefix, 2, true,
-     Masked<UShort>(rectFlatTopFilteringWithMask_ushort)},
-    {"rectFlatTopFilteringWithMask_short", kMaskedPrefix, 2, true,
-     Masked<short>(rectFlatTopFilteringWithMask_short)},
-    {"rectFlatTopFilteringWithMask_double", kMaskedPrefix, 8, true,
-     Masked<double>(rectFlatTopFilteringWithMask_double)},
+    Plain("rectFlatTopFilter", rectFlatTopFilter, L"rect_flat_top_filtering()"),
+    Plain("rectFlatTopFilteringTemplate", rectFlatTopFilteringTemplate<unsigned short>),
+    Plain("rectFlatTopFilteringTemplate", rectFlatTopFilteringTemplate<short>),
+    Plain("rectFlatTopFilteringTemplate", rectFlatTopFilteringTemplate<double>),
+    Plain("rect_flat_top_filtering_ushort", rect_flat_top_filtering_ushort),
+    Plain("rect_flat_top_filtering_short", rect_flat_top_filtering_short),
+    Plain("rect_flat_top_filtering_double", rect_flat_top_filtering_double),
+    Masked("rectFlatTopFilteringWithMaskTemplate", rectFlatTopFilteringWithMaskTemplate<unsigned short>),
+    Masked("rectFlatTopFilteringWithMaskTemplate", rectFlatTopFilteringWithMaskTemplate<double>),
+    Masked("rectFlatTopFilteringWithMask_ushort", rectFlatTopFilteringWithMask_ushort),
+    Masked("rectFlatTopFilteringWithMask_short", rectFlatTopFilteringWithMask_short),
+    Masked("rectFlatTopFilteringWithMask_double", rectFlatTopFilteringWithMask_double),
 };
 
 // Memory for an image of 6 x 5 doubles and more, three times, known by its bytes.
@@ -382,19 +347,17 @@ TEST(EveryFlatTopFilter, RefusesInItsOrder) {
                                             << each.kernelWidth << " x " << each.kernelHeight);
             Scene scene;
             auto const before = scene.bytes;
-            CapturedLog const log;
-            EXPECT_EQ(form.call(each.input ? scene.input : nullptr, each.output ? scene.output : nullptr,
-                                scene.mask, each.width, each.height, each.kernelWidth, each.kernelHeight),
-                      each.code);
-            EXPECT_EQ(log.Code(), each.code);
-            EXPECT_EQ(log.Text(), form.prefix + each.text);
+            auto const call = [&] {
+                return form.call(each.input ? scene.input : nullptr, each.output ? scene.output : nullptr,
+                                 scene.mask, each.width, each.height, each.kernelWidth, each.kernelHeight);
+            };
+            ExpectRefusal(call, each.code, form.prefix + each.text);
             EXPECT_EQ(scene.bytes, before);
         }
         if (!form.masked) continue;
         Scene scene;
-        CapturedLog const log;
-        EXPECT_EQ(form.call(scene.input, scene.output, nullptr, 6, 5, 2, 3), 2);
-        EXPECT_EQ(log.Text(), form.prefix + null);
+        ExpectRefusal([&] { return form.call(scene.input, scene.output, nullptr, 6, 5, 2, 3); }, 2,
+                      form.prefix + null);
     }
 }
 
@@ -439,10 +402,8 @@ TEST(EveryFlatTopFilter, ReportsThatThereIsNoMemory) {
         if (form.masked)
             std::fill_n(expected.begin() + 256, 6 * 5 * form.elementSize, static_cast<unsigned char>(0));
         CapturedLog const log;
-        {
-            NoMemory const none;
-            EXPECT_EQ(form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3), 1);
-        }
+        EXPECT_EQ(WithoutMemory([&] { return form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3); }),
+                  1);
         EXPECT_EQ(log.Code(), 1);
         EXPECT_EQ(log.Text().find(form.prefix + L": Memory allocation failed for "), 0U)
             << testing::PrintToString(log.Text());
@@ -452,15 +413,10 @@ TEST(EveryFlatTopFilter, ReportsThatThereIsNoMemory) {
 
 TEST(EveryFlatTopFilter, IsEnteredAndLeftOnceUnderItsName) {
     for (Form const& form : kForms) {
-        SCOPED_TRACE(form.name);
         Scene scene;
-        CapturedLog log;
-        log.Debug(eLogFunction);
-        EXPECT_EQ(form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3), 0);
-        ASSERT_EQ(log.DebugLines().size(), 2U);
         std::string const name = form.name;
-        EXPECT_EQ(log.DebugLines()[0].message,
-                  L"Entering function ZPA::" + std::wstring(name.begin(), name.end()));
+        EXPECT_EQ(ScopesOf([&] { form.call(scene.input, scene.output, scene.mask, 6, 5, 3, 3); }),
+                  std::wstring(name.begin(), name.end()) + L"{}");
     }
 }
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/Regions.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -86,38 +86,24 @@ TEST(SetPixels, RefusesInItsOrder) {
         inside(1, 1, 3, 2);
     APOINT const beyond(2, 0), before(0, -1);
     constexpr auto kBounds = L"The rectangular ROI was out of bounds in the destination image.";
-    constexpr auto kMaskBounds = L"The rectangular ROI was out of bounds in the mask.";
-    struct Case {
-        char const* name;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
-        ImageAttributes image;
-        int code;
-        std::wstring message;
+    auto const set = [](auto roi, auto mask, auto origin, ImageAttributes destination) {
+        return SetPixels(roi, mask, origin, -1, 9.0, destination);
     };
-    Case const cases[] = {
-        {"mask type first", &empty, &wrongMask, nullptr, signedImage, 6, L"The mask must be of type eByte."},
-        {"type", &empty, &mask, nullptr, signedImage, 6, L"The destination image type is not supported."},
-        {"null", &empty, &small, nullptr, noPixels, 2, L"The destination image had a NULL buffer pointer."},
-        {"mask size", &empty, &small, nullptr, image, 2,
-         L"The destination image and mask were different sizes."},
-        {"empty", &empty, &noMask, nullptr, image, 3, L"The rectangular ROI was empty."},
-        {"negative", &negative, &noMask, nullptr, image, 3, kBounds},
-        {"wide", &wide, &noMask, nullptr, image, 3, kBounds},
-        {"huge", &huge, nullptr, nullptr, image, 3, kBounds},
-        {"null mask", nullptr, &noMask, &before, image, 2, L"The mask had a NULL buffer pointer."},
-        {"origin before", &inside, &mask, &before, image, 3, kMaskBounds},
-        {"origin beyond", &inside, &mask, &beyond, image, 3, kMaskBounds},
-        {"rows overlap", nullptr, nullptr, nullptr, narrow, 7, L"The image's rows overlap."},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(SetPixels(each.roi, each.mask, each.origin, -1, 9.0, each.image), each.code);
-        EXPECT_EQ(log.Text(), each.message);
-        EXPECT_EQ(log.Code(), each.code);
-    }
+    EXPECT_REFUSAL(6, kByteMask, set(&empty, &wrongMask, nullptr, signedImage));  // mask type first
+    EXPECT_REFUSAL(6, L"The destination image type is not supported.",
+                   set(&empty, &mask, nullptr, signedImage));
+    EXPECT_REFUSAL(2, L"The destination image had a NULL buffer pointer.",
+                   set(&empty, &small, nullptr, noPixels));
+    EXPECT_REFUSAL(2, L"The destination image and mask were different sizes.",
+                   set(&empty, &small, nullptr, image));                      // mask size
+    EXPECT_REFUSAL(3, kEmptyRegion, set(&empty, &noMask, nullptr, image));    // empty
+    EXPECT_REFUSAL(3, kBounds, set(&negative, &noMask, nullptr, image));      // negative
+    EXPECT_REFUSAL(3, kBounds, set(&wide, &noMask, nullptr, image));          // wide
+    EXPECT_REFUSAL(3, kBounds, set(&huge, nullptr, nullptr, image));          // huge
+    EXPECT_REFUSAL(2, kNullMask, set(nullptr, &noMask, &before, image));      // null mask
+    EXPECT_REFUSAL(3, kOutsideMask, set(&inside, &mask, &before, image));     // origin before
+    EXPECT_REFUSAL(3, kOutsideMask, set(&inside, &mask, &beyond, image));     // origin beyond
+    EXPECT_REFUSAL(7, kRowsOverlap, set(nullptr, nullptr, nullptr, narrow));  // rows overlap
     for (unsigned short const pixel : pixels) EXPECT_EQ(pixel, 0);
 }
 

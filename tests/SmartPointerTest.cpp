@@ -159,18 +159,13 @@ TEST(PtrTrace, TellsTheLifeOfAnObjectToTheLetter) {
     std::wstring const first = about(before + 2, numbers);
     std::wstring const second = about(before + 5, others);
     std::vector<std::wstring> const expected = {
-        L"ctor " + first + L".",   //
-        first + L"->2\n",          // the copy
-        first + L"<-1\n",          // the assignment lets go
-        first + L"->2\n",          // and shares again
-        L"ctor " + second + L".",  //
-        first + L"<-1\n",          // the other object is assigned
-        second + L"->2\n",         //
-        second + L"<-1\n",         // the temporary pointer dies
-        first + L"<-0\n",          // the copy dies
-        L"dtor " + first + L".",   //
-        second + L"<-0\n",         // the pointer dies
-        L"dtor " + second + L".",
+        L"ctor " + first + L".",  first + L"->2\n",  // the pointer, and its copy
+        first + L"<-1\n",         first + L"->2\n",  // the assignment lets go, and shares again
+        L"ctor " + second + L".", first + L"<-1\n",
+        second + L"->2\n",                                  // the other object is assigned
+        second + L"<-1\n",                                  // the temporary pointer dies
+        first + L"<-0\n",         L"dtor " + first + L".",  // the copy dies
+        second + L"<-0\n",        L"dtor " + second + L".",
     };
     ASSERT_EQ(log.DebugLines().size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -191,8 +186,7 @@ TEST(PtrTrace, CannotDisturbACount) {
     {
         CapturedLog log;
         log.Debug(eLogMemory);
-        ZPA_Logging::SetDebugCallback(
-            [](wchar_t const*, int, wchar_t const*) { throw std::runtime_error("from the callback"); });
+        ZPA_Logging::SetDebugCallback(ThrowFromCallback);
         NodePtr first(new Node);
         NodePtr second(first);
         second = NodePtr(new Node);

@@ -2,7 +2,6 @@
 #include <Basics/ImageBuffer.h>
 #include <Basics/LinearAlgebra.h>
 #include <Basics/Logging.h>
-#include <Basics/PixelOperations.h>
 #include <gtest/gtest.h>
 
 #include <cwchar>
@@ -90,18 +89,6 @@ TEST_F(Allocation, InAHistogramThatFailsLeavesItEmpty) {
         EXPECT_EQ(heard.code, 999);
         EXPECT_EQ(heard.errors, fails == 2 ? 2 : 1);
     }
-}
-
-TEST_F(Allocation, OfAnOutputThatFailsLeavesNone) {
-    unsigned char pixels[4] = {};
-    ImageAttributes const source(eByte, pixels, 2, 2, 2, 8, 0);
-    ImageAttributes output;
-    Failing(0, [&] { EXPECT_EQ(ValidateImageBuffer(source, &output), 1); });
-    EXPECT_STREQ(heard.text, L"ValidateImageBuffer: Memory allocation failed for 4 bytes.");
-    EXPECT_EQ(output.buffer, nullptr);
-    Failing(0, [&] { EXPECT_EQ(CopyPixels(source, &output), 999); });
-    EXPECT_STREQ(heard.text, L"Unexpected exception.");
-    EXPECT_EQ(output.buffer, nullptr);
 }
 
 TEST_F(Allocation, OfAScopeThatFailsIsToldAndForgiven) {

@@ -92,10 +92,7 @@ TEST_F(EveryAllocation, ThatFailsIsToldAndLeaksNothing) {
 // The log is where most of the other exceptions could come from.
 TEST_F(EveryAllocation, ThatFailsWhileCallbacksThrowLetsNoExceptionOut) {
     CapturedLog const log;
-    auto const hear = [](wchar_t const*, int, wchar_t const*) {
-        throw std::runtime_error("from the callback");
-    };
-    ZPA_Logging::SetErrorCallback(hear);
+    ZPA_Logging::SetErrorCallback(ThrowFromCallback);
     for (OperationCall const& each : EveryOperation())
         ForEach(each, folder.Path(), [](Attempt const&, Workplace const&) {});
 }

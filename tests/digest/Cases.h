@@ -77,6 +77,13 @@ template <typename T> TestImage<T> Patches(Shape shape, unsigned seed) {
 }
 
 template <typename T> void AddImage(Digest& digest, TestImage<T> const& image) { digest.Add(image.memory); }
+// The code of a call that writes an image of this shape, and the image.
+template <typename T, typename Call> void AddResult(Digest& digest, Shape shape, Call const& call) {
+    TestImage<T> result(shape);
+    ImageAttributes output = result.Attributes();
+    digest.Add(int{call(&output)});
+    AddImage(digest, result);
+}
 template <typename T> void AddImageRounded(Digest& digest, TestImage<T> const& image) {
     std::vector<T> pixels;
     for (int y = 0; y < image.shape.height; ++y)

@@ -57,11 +57,9 @@ void Samples(Digest& digest) {
     auto image = Sample<unsigned short>(kSmall, 33);
     ImageAttributes const input = image.Attributes();
     for (int const factor : {1, 2, 3}) {
-        TestImage<unsigned short> result(
-            {kSmall.width / factor, kSmall.height / factor, kSmall.width / factor});
-        ImageAttributes output = result.Attributes();
-        digest.Add(int{subsample(&input, &output, factor, factor / 2, 0)});
-        AddImage(digest, result);
+        AddResult<unsigned short>(
+            digest, {kSmall.width / factor, kSmall.height / factor, kSmall.width / factor},
+            [&](ImageAttributes* output) { return subsample(&input, output, factor, factor / 2, 0); });
     }
 }
 
@@ -69,10 +67,8 @@ void Transposed(Digest& digest) {
     ForAllTypes([&](auto type) {
         using T = typename decltype(type)::type;
         auto image = Sample<T>(kSmall, 33);
-        TestImage<T> turned({kSmall.height, kSmall.width, 61});
-        ImageAttributes output = turned.Attributes();
-        digest.Add(int{TransposeImage(image.Attributes(), &output)});
-        AddImage(digest, turned);
+        AddResult<T>(digest, {kSmall.height, kSmall.width, 61},
+                     [&](ImageAttributes* output) { return TransposeImage(image.Attributes(), output); });
     });
 }
 
@@ -82,10 +78,9 @@ void Gaussian(Digest& digest) {
         auto image = Sample<T>(kSmall, 34);
         for (auto const& [u, v] : {std::pair{1.0, 1.0}, {3.0, 2.0}, {0.3, 8.0}, {20.0, 5.0}})
             for (unsigned char order = 0; order < 3; ++order) {
-                TestImage<double> result(kSmall);
-                ImageAttributes output = result.Attributes();
-                digest.Add(int{AnisotropicGaussian(image.Attributes(), &output, u, v, 0, order, order)});
-                AddImage(digest, result);
+                AddResult<double>(digest, kSmall, [&](ImageAttributes* output) {
+                    return AnisotropicGaussian(image.Attributes(), output, u, v, 0, order, order);
+                });
             }
     });
 }
@@ -105,10 +100,9 @@ void Contrast(Digest& digest) {
     ForTypes<unsigned char, unsigned short, double>([&](auto type) {
         auto image = Sample<typename decltype(type)::type>(kSmall, 36);
         for (double const sigma : {1.0, 4.0}) {
-            TestImage<double> result(kSmall);
-            ImageAttributes output = result.Attributes();
-            digest.Add(int{HomoFilter(image.Attributes(), sigma, &output)});
-            AddImage(digest, result);
+            AddResult<double>(digest, kSmall, [&](ImageAttributes* output) {
+                return HomoFilter(image.Attributes(), sigma, output);
+            });
         }
     });
 }
@@ -129,10 +123,9 @@ template <typename K> TestImage<K> Kernel(Shape shape, bool separable) {
 template <typename T, typename K>
 void Filter(Digest& digest, TestImage<T> image, Shape shape, bool separable, int divisor) {
     auto kernel = Kernel<K>(shape, separable);
-    TestImage<T> result(image.shape);
-    ImageAttributes output = result.Attributes();
-    digest.Add(int{Filter2D(image.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), &divisor)});
-    AddImage(digest, result);
+    AddResult<T>(digest, image.shape, [&](ImageAttributes* output) {
+        return Filter2D(image.Attributes(), nullptr, output, nullptr, kernel.Attributes(), &divisor);
+    });
 }
 
 template <typename T, typename K> void Filters(Digest& digest, TestImage<T> const& image) {

@@ -14,17 +14,14 @@ void Copy(Digest& digest) {
     ForAllTypes([&](auto from) {
         auto source = Sample<typename decltype(from)::type>(kSmall, 1);
         ForAllTypes([&](auto to) {
-            TestImage<typename decltype(to)::type> target(kSmall);
-            ImageAttributes output = target.Attributes();
-            digest.Add(int{CopyPixels(source.Attributes(), &output)});
-            AddImage(digest, target);
+            AddResult<typename decltype(to)::type>(digest, kSmall, [&](ImageAttributes* output) {
+                return CopyPixels(source.Attributes(), output);
+            });
         });
     });
     auto large = Sample<unsigned short>(kLarge, 2);
-    TestImage<unsigned short> target(kLarge);
-    ImageAttributes output = target.Attributes();
-    digest.Add(int{CopyPixels(large.Attributes(), &output)});
-    AddImage(digest, target);
+    AddResult<unsigned short>(
+        digest, kLarge, [&](ImageAttributes* output) { return CopyPixels(large.Attributes(), output); });
 }
 
 void Set(Digest& digest) {
@@ -83,10 +80,9 @@ void Binary(Digest& digest, Shape shape,
     for (std::size_t i = 0; i < second.Size(); ++i)
         if (second.Pixels()[i] == T{}) second.Pixels()[i] = T{1};  // integers divide by it
     for (auto const operation : operations) {
-        TestImage<T> result(shape);
-        ImageAttributes output = result.Attributes();
-        digest.Add(int{operation(first.Attributes(), second.Attributes(), &output)});
-        AddImage(digest, result);
+        AddResult<T>(digest, shape, [&](ImageAttributes* output) {
+            return operation(first.Attributes(), second.Attributes(), output);
+        });
     }
 }
 
@@ -116,15 +112,12 @@ void Constants(Digest& digest) {
         auto image = Sample<T>(kSmall, 13);
         T constant = static_cast<T>(37);
         for (auto const operation : {AddC, SubC, MulC, DivC}) {
-            TestImage<T> result(kSmall);
-            ImageAttributes output = result.Attributes();
-            digest.Add(int{operation(image.Attributes(), &constant, &output)});
-            AddImage(digest, result);
+            AddResult<T>(digest, kSmall, [&](ImageAttributes* output) {
+                return operation(image.Attributes(), &constant, output);
+            });
         }
-        TestImage<T> result(kSmall);
-        ImageAttributes output = result.Attributes();
-        digest.Add(int{Abs(image.Attributes(), &output)});
-        AddImage(digest, result);
+        AddResult<T>(digest, kSmall,
+                     [&](ImageAttributes* output) { return Abs(image.Attributes(), output); });
     });
 }
 
@@ -135,10 +128,9 @@ void Product(Digest& digest) {
             auto first = Sample<T>(shape, 14);
             auto second = Sample<T>(shape, 15);
             for (auto const operation : {Mul, ipp_mul}) {
-                TestImage<T> result(shape);
-                ImageAttributes output = result.Attributes();
-                digest.Add(int{operation(first.Attributes(), second.Attributes(), &output)});
-                AddImage(digest, result);
+                AddResult<T>(digest, shape, [&](ImageAttributes* output) {
+                    return operation(first.Attributes(), second.Attributes(), output);
+                });
             }
         }
     });
@@ -153,10 +145,9 @@ void Logic(Digest& digest) {
         for (int function = 0; function < 16; ++function) {
             unsigned char table[4];
             for (int i = 0; i < 4; ++i) table[i] = static_cast<unsigned char>((function >> i & 1) * 200);
-            TestImage<T> result(kSmall);
-            ImageAttributes output = result.Attributes();
-            digest.Add(int{LogicalPixelOp(first.Attributes(), second.Attributes(), table, &output)});
-            AddImage(digest, result);
+            AddResult<T>(digest, kSmall, [&](ImageAttributes* output) {
+                return LogicalPixelOp(first.Attributes(), second.Attributes(), table, output);
+            });
         }
     });
 }
@@ -170,10 +161,9 @@ void Inversions(Digest& digest) {
             using T = typename decltype(type)::type;
             for (auto const operation : {InvertGray, InvertMaskImage}) {
                 auto image = Sample<T>(kSmall, 19);
-                TestImage<T> result(kSmall);
-                ImageAttributes output = result.Attributes();
-                digest.Add(int{operation(image.Attributes(), choice.Roi(), where, choice.Origin(), &output)});
-                AddImage(digest, result);
+                AddResult<T>(digest, kSmall, [&](ImageAttributes* output) {
+                    return operation(image.Attributes(), choice.Roi(), where, choice.Origin(), output);
+                });
             }
         });
     }

@@ -47,16 +47,13 @@ template <typename T> void Morph(Digest& digest, ZPA::Testing::Shape shape) {
     std::fill_n(rectangle.Pixels(), rectangle.Size(), static_cast<unsigned char>(1));
     for (ImageAttributes const element : {sparse.Attributes(), rectangle.Attributes()})
         for (auto const operation : {Dilate, Erode, ImOpen, ImClose}) {
-            TestImage<T> result(shape);
-            ImageAttributes output = result.Attributes();
-            digest.Add(int{operation(image.Attributes(), &output, element, 4, 2)});
-            AddImage(digest, result);
+            AddResult<T>(digest, shape, [&](ImageAttributes* output) {
+                return operation(image.Attributes(), output, element, 4, 2);
+            });
         }
     for (auto const operation : {Dilate3x3, Erode3x3}) {
-        TestImage<T> result(shape);
-        ImageAttributes output = result.Attributes();
-        digest.Add(int{operation(image.Attributes(), &output, 3)});
-        AddImage(digest, result);
+        AddResult<T>(digest, shape,
+                     [&](ImageAttributes* output) { return operation(image.Attributes(), output, 3); });
     }
 }
 

@@ -136,6 +136,8 @@ TEST_F(EventLogSteps, RegisterTheSourceOnce) {
                              L"register ZPA", L"close", L"report 1 4 C0010002 text"}));
     Fail(L"second");
     EXPECT_EQ(Taken(), kRead + Steps({L"report 1 4 C0010002 second"}));
+    Fail(std::wstring(600, L'm').c_str());
+    EXPECT_EQ(Taken(), kRead + Steps({L"report 1 4 C0010002 " + std::wstring(511, L'm')}));
     Warn();
     EXPECT_EQ(Taken(), kRead + Steps({L"report 2 4 40010001 5"}));
     UseEventLog(SystemEventLog());
@@ -171,10 +173,13 @@ TEST_F(EventLogSteps, ObeyTheFilter) {
         std::uint32_t types;
         bool missing, error, warning;
     };
-    Fail();  // registers
-    for (Case const& each :
-         {Case{0, false, false, false}, Case{1, false, true, false}, Case{2, false, false, true},
-          Case{3, false, true, true}, Case{4, false, false, false}, Case{0, true, true, true}}) {
+    recorder.types = 0;
+    recorder.keyExisted = true;
+    Fail();  // is filtered, but registers
+    EXPECT_EQ(Taken(), kRead + Steps({kCreate, L"register ZPA", L"close"}));
+    Case const cases[] = {{0, false, false, false}, {1, false, true, false},  {2, false, false, true},
+                          {3, false, true, true},   {4, false, false, false}, {0, true, true, true}};
+    for (Case const& each : cases) {
         recorder.types = each.types;
         recorder.typesAreMissing = each.missing;
         Taken();
@@ -183,13 +188,6 @@ TEST_F(EventLogSteps, ObeyTheFilter) {
         Warn();
         EXPECT_EQ(Taken().size(), each.warning ? 2U : 1U) << each.types;
     }
-}
-
-TEST_F(EventLogSteps, RegisterEvenForWhatIsFiltered) {
-    recorder.types = 0;
-    recorder.keyExisted = true;
-    Fail();
-    EXPECT_EQ(Taken(), kRead + Steps({kCreate, L"register ZPA", L"close"}));
 }
 
 TEST_F(EventLogSteps, AreNoneForInformationDebuggingAndNoFormat) {
@@ -220,22 +218,9 @@ TEST_F(EventLogSteps, HoldTheLockFromRegistrationOn) {
     ZPA_Logging::SetInfoCallback([](wchar_t const*, int, wchar_t const*) {});
     ZPA_Logging::EnableLog(eLogImage, true);
     Fail();
-    Steps const steps = Taken();
-    ASSERT_EQ(steps.size(), 5U);
-    EXPECT_EQ(steps[0], kRead[0] + L" free");
-    EXPECT_EQ(steps[1], kCreate + L" locked");
-    EXPECT_EQ(steps[2], L"register ZPA locked");
-    EXPECT_EQ(steps[3], L"close locked");
-    EXPECT_EQ(steps[4], L"report 1 4 C0010002 text locked");
+    EXPECT_EQ(Taken(), Steps({kRead[0] + L" free", kCreate + L" locked", L"register ZPA locked",
+                              L"close locked", L"report 1 4 C0010002 text locked"}));
     ZPA_Logging::EnableLog(eLogImage, false);
-}
-
-TEST_F(EventLogSteps, CutTheMessage) {
-    recorder.keyExisted = true;
-    Warn();
-    Taken();
-    ZPA_Logging::LogError(nullptr, 0, 999, std::wstring(600, L'm').c_str());
-    EXPECT_EQ(Taken(), kRead + Steps({L"report 1 999 C0010002 " + std::wstring(511, L'm')}));
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace ZPA {
 namespace {
@@ -19,69 +21,19 @@ int Depth(TiXmlNode const& node) {
 }
 
 TEST(XmlLimits, HoldForWhateverTheParserMakesOfADocument) {
-    char const* const kPieces[] = {"<a",
-                                   ">",
-                                   "/>",
-                                   "</a>",
-                                   "<b",
-                                   "</b>",
-                                   "<a>",
-                                   "<a>",
-                                   "</a>",
-                                   "<a/>",
-                                   "<!--",
-                                   "-->",
-                                   "--",
-                                   "<![CDATA[",
-                                   "]]>",
-                                   "<?xml",
-                                   "<?XML",
-                                   "?>",
-                                   "version",
-                                   "encoding",
-                                   "standalone",
-                                   "=",
-                                   "\"",
-                                   "'",
-                                   " ",
-                                   "\n",
-                                   "&#",
-                                   "&#x",
-                                   "x",
-                                   "41;",
-                                   ";",
-                                   "&lt;",
-                                   "&",
-                                   "#",
-                                   "<!",
-                                   "<",
-                                   "/",
-                                   "<?",
-                                   "1",
-                                   "a",
-                                   "_",
-                                   "-",
-                                   ".",
-                                   ":",
-                                   "\xEF\xBB\xBF",
-                                   "\xEF\xBF\xBE",
-                                   "\xC3\xA9",
-                                   "\xE9",
-                                   "\xF0",
-                                   "\xEF",
-                                   "=\"v\"",
-                                   "='w'",
-                                   "b=\"<a>\"",
-                                   "UTF-8",
-                                   "\x7f",
-                                   "\t"};
+    std::istringstream words(
+        "<a > /> </a> <b </b> <a> <a> </a> <a/> <!-- --> -- <![CDATA[ ]]> <?xml <?XML ?> version encoding "
+        "standalone = \" ' &# &#x x 41; ; &lt; & # <! < / <? 1 a _ - . : \xEF\xBB\xBF \xEF\xBF\xBE \xC3\xA9 "
+        "\xE9 \xF0 \xEF =\"v\" ='w' b=\"<a>\" UTF-8 \x7f");
+    std::vector<std::string> pieces = {" ", "\n", "\t"};
+    for (std::string word; words >> word;) pieces.push_back(word);
     std::mt19937 random(1);
     int deep = 0;
     int refused = 0;
     for (int i = 0; i < 20000; ++i) {
         std::string text = i % 2 ? "<?xml version=\"1.0\" ?>" : "";
-        for (auto pieces = random() % 40; pieces > 0; --pieces) {
-            text += kPieces[random() % std::size(kPieces)];
+        for (auto count = random() % 40; count > 0; --count) {
+            text += pieces[random() % pieces.size()];
             if (random() % 16 == 0)
                 for (auto levels = random() % 200; levels > 0; --levels) text += "<a>";
         }

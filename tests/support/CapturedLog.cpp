@@ -70,6 +70,28 @@ std::wstring CapturedLog::Text() const {
     return heard.errors.empty() ? std::wstring() : heard.errors.back().message;
 }
 int CapturedLog::Code() const { return heard.errors.empty() ? 0 : heard.errors.back().category; }
+std::wstring CapturedLog::Texts() const {
+    std::wstring texts;
+    for (LogLine const& line : heard.errors) texts += line.message + L'\n';
+    return texts;
+}
+std::wstring CapturedLog::Scopes() const {
+    std::wstring const entering = L"Entering function ZPA::", leaving = L"Exiting function ZPA::";
+    std::wstring scopes;
+    std::vector<std::wstring> open;
+    for (LogLine const& line : heard.debug) {
+        if (line.message.find(entering) == 0) {
+            open.push_back(line.message.substr(entering.size()));
+            scopes += open.back() + L'{';
+        } else if (!open.empty() && line.message == leaving + open.back()) {
+            open.pop_back();
+            scopes += L'}';
+        } else if (line.message.find(L" function ") != line.message.npos) {
+            scopes += L'?' + line.message;
+        }
+    }
+    return scopes;
+}
 void CapturedLog::Clear() { heard = {}; }
 
 }  // namespace ZPA::Testing

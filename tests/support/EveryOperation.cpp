@@ -134,208 +134,161 @@ std::uint64_t Workplace::Digest() const {
     return digest;
 }
 
-std::vector<OperationCall> const& EveryOperation() {
+namespace {
+
+std::vector<OperationCall> MakeCalls() {
     using W = Workplace;
     constexpr int w = W::kWidth, h = W::kHeight;
-    static std::vector<OperationCall> const calls = {
-        {"ValidateImageBuffer", [](W& p) -> int { return ValidateImageBuffer(p.Words(), &p.made); }, {1}},
-        {"CopyPixels", [](W& p) -> int { return CopyPixels(p.Words(), &p.made); }, {999}},
-        {"SetPixels", [](W& p) -> int { return SetPixels(nullptr, nullptr, nullptr, -1, 3, p.Words()); }, {}},
-        {"copyImage", [](W& p) -> int { return copyImage(p.Words(), &p.made); }, {1}},
-        {"copyBuffer", [](W& p) -> int { return copyBuffer(W::Buffer(eUInt16, p.words), &p.counts); }, {1}},
-        {"ApplyMask", [](W& p) -> int { return ApplyMask(p.Words(), p.Mask()); }, {}},
-        {"compare", [](W& p) -> int { return compare(p.Words(), p.Words()); }, {}},
-        {"DecimateAndCompare",
-         [](W& p) -> int {
-             bool equal = false;
-             return DecimateAndCompare(p.Words(), p.Words(), nullptr, nullptr, nullptr, 2, 2, 1, &equal);
-         },
-         {}},
-        {"Add", [](W& p) -> int { return Add(p.Words(), p.Words(), &p.made); }, {5}},
-        {"Sub", [](W& p) -> int { return Sub(p.Words(), p.Words(), &p.made); }, {5}},
-        {"MulP", [](W& p) -> int { return MulP(p.Words(), p.Words(), &p.made); }, {5}},
-        {"DivP", [](W& p) -> int { return DivP(p.Words(), p.Words(), &p.made); }, {5}},
-        {"Mul",
-         [](W& p) -> int {
-             ImageAttributes right = p.Doubles();
-             right.width = right.stride = h;
-             right.height = w;
-             return Mul(p.Doubles(), right, &p.made);
-         },
-         {1, 5}},
-        {"AddC", [](W& p) -> int { return AddC(p.Words(), p.moreWords, &p.made); }, {5}},
-        {"DivC", [](W& p) -> int { return DivC(p.Words(), p.moreWords, &p.made); }, {5}},
-        {"Abs", [](W& p) -> int { return Abs(p.Doubles(), &p.made); }, {5}},
-        {"LogicalPixelOp",
-         [](W& p) -> int {
-             unsigned char table[] = {0, 1, 1, 0};
-             return LogicalPixelOp(p.Words(), p.Bytes(), table, &p.made);
-         },
-         {999}},
-        {"CalculateImageStats",
-         [](W& p) -> int {
-             ImageAttributes const mask = p.Mask();
-             return CalculateImageStats(p.Words(), nullptr, &mask, nullptr, p.doubles, p.doubles + 1,
-                                        p.doubles + 2, p.doubles + 3);
-         },
-         {}},
-        {"RowCountOfN",
-         [](W& p) -> int { return RowCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, &p.counts, nullptr); },
-         {999}},
-        {"ColumnCountOfN",
-         [](W& p) -> int {
-             return ColumnCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, nullptr, &p.counts);
-         },
-         {999}},
-        {"NormalizeImage",
-         [](W& p) -> int {
-             ImageAttributes output = p.Doubles();
-             return NormalizeImage(p.Doubles(), nullptr, nullptr, nullptr, &output);
-         },
-         {}},
-        {"InvertGray",
-         [](W& p) -> int {
-             ImageAttributes output = p.Words();
-             return InvertGray(p.Words(), nullptr, nullptr, nullptr, &output);
-         },
-         {}},
-        {"GetIntegerHistogram",
-         [](W& p) -> int {
-             return GetIntegerHistogram(p.Bytes(), nullptr, nullptr, nullptr, nullptr, nullptr, &p.counts);
-         },
-         {5, 999}},
-        {"GetRealHistogram",
-         [](W& p) -> int {
-             return GetRealHistogram(p.Doubles(), nullptr, nullptr, nullptr, 9, 0, 99, &p.counts);
-         },
-         {999}},
-        {"smoothHistogram",
-         [](W& p) -> int { return smoothHistogram(p.floats, W::kPixels, 2, 2); },
-         {1, 999}},
-        {"rectFlatTopFilter",
-         [](W& p) -> int { return rectFlatTopFilter(p.words, p.moreWords, w, h, 3, 5); },
-         {1}},
-        {"rect_flat_top_filtering_double",
-         [](W& p) -> int { return rect_flat_top_filtering_double(p.doubles, p.moreDoubles, w, h, 3, 5); },
-         {1}},
-        {"rectFlatTopFilteringWithMask_ushort",
-         [](W& p) -> int {
-             char weights[W::kPixels] = {1, 0, 1};
-             return rectFlatTopFilteringWithMask_ushort(p.words, p.moreWords, weights, w, h, 3, 3);
-         },
-         {1}},
-        {"blockAverageDownSample_ushort",
-         [](W& p) -> int {
-             return blockAverageDownSample_ushort(p.words, p.moreWords, w, h, w / 2, h / 2, 2);
-         },
-         {}},
-        {"subsample",
-         [](W& p) -> int {
-             ImageAttributes const source = p.Words();
-             return subsample(&source, &p.made, 2, 0, 1);
-         },
-         {1}},
-        {"AnisotropicGaussian",
-         [](W& p) -> int { return AnisotropicGaussian(p.Words(), &p.made, 3, 2, 30, 1, 1); },
-         {999}},
-        {"HomoFilter", [](W& p) -> int { return HomoFilter(p.Words(), 3, &p.made); }, {999}},
-        {"Filter2D an image of integers",
-         [](W& p) -> int {
-             int weights[9] = {1, 2, 1, 2, 4, 2, 1, 2, 1}, divisor = 16;
-             return Filter2D(p.Words(), nullptr, &p.made, nullptr, {eInt32, weights, 3, 3, 3, 32, 0},
-                             &divisor);
-         },
-         {1, 5, 999}},
-        {"Filter2D a real image",
-         [](W& p) -> int {
-             return Filter2D(p.Doubles(), nullptr, &p.made, nullptr, {eDouble, p.moreDoubles, 5, 5, 5, 64, 0},
-                             nullptr);
-         },
-         {1, 5, 999}},
-        {"FilterBufferSimple",
-         [](W& p) -> int {
-             return FilterBufferSimple(W::Buffer(eUInt16, p.words), {eSingle, p.floats, 3}, &p.counts);
-         },
-         {1, 999}},
-        {"fspecial", [](W& p) -> int { return fspecial(p.Doubles(), "gaussian", 2); }, {}},
-        {"TransposeImage",
-         [](W& p) -> int {
-             ImageAttributes to(eUInt16, p.moreWords, h, w, h, 16, 0);
-             return TransposeImage(p.Words(), &to);
-         },
-         {}},
-        {"strel",
-         [](W& p) -> int {
-             double center[2];
-             double const angle = 0;
-             ImageAttributes const mask(eByte, p.bytes, 7, 1, 7, 8, 0);
-             return strel(mask, center, "line", 5, &angle, 0);
-         },
-         {999}},
-        {"Dilate", [](W& p) -> int { return Dilate(p.Words(), &p.made, p.Element(), 1, 1); }, {1, 5}},
-        {"ImOpen", [](W& p) -> int { return ImOpen(p.Bytes(), &p.made, p.Element(), 1, 1); }, {1, 5}},
-        {"Erode3x3", [](W& p) -> int { return Erode3x3(p.Words(), nullptr, 2); }, {1, 5}},
-        {"FloodFill", [](W& p) -> int { return FloodFill(p.Bytes(), 2, 2, 9, 4); }, {1, 5}},
-        {"FillHoles", [](W& p) -> int { return FillHoles(p.Mask(), 4); }, {5}},
-        {"LabelMarkers", [](W& p) -> int { return LabelMarkers(p.Mask(), 8, p.numbers); }, {1, 5}},
-        {"LabelMarkers2",
-         [](W& p) -> int { return LabelMarkers2(p.Mask(), 4, p.numbers, &p.made); },
-         {0, 999}},
-        {"alloc_vector",
-         [](W&) -> int {
-             float* const v = alloc_vector(1, 9);
-             delete_vector(v, 1);
-             return v ? 0 : 1;
-         },
-         {1}},
-        {"ludcmp",
-         [](W& p) -> int {
-             double sign = 0;
-             ludcmp(p.doubles, 9, p.numbers, &sign);
-             return sign == 0;
-         },
-         {1}},
-        {"svdcmp",
-         [](W& p) -> int {
-             OffsetMatrix<float, 5, 3> a(p.floats);
-             OffsetMatrix<float, 3, 3> v(p.floats + 50);
-             return svdcmp(a, 5, 3, p.floats + 99, v);
-         },
-         {1, 5}},
-        {"dsvdcmp_DBL",
-         [](W& p) -> int {
-             OffsetMatrix<double, 5, 3> a(p.doubles);
-             OffsetMatrix<double, 3, 3> v(p.doubles + 50);
-             return dsvdcmp_DBL(a, 5, 3, p.doubles + 99, v);
-         },
-         {999}},
-        {"realFFT_DBL", [](W& p) -> int { return realFFT_DBL(p.doubles, 256, 1), 0; }, {0}},
-        {"correl_DBL",
-         [](W& p) -> int { return correl_DBL(p.doubles, p.doubles + 128, 128, p.moreDoubles), 0; },
-         {0}},
-        {"ZPA_Create an image", [](W&) -> int { return Create("image.8.5.4.0.12.0"); }, {999}},
-        {"ZPA_Create a buffer", [](W&) -> int { return Create("buffer.14.9"); }, {999}},
-        {"GetHistogram",
-         [](W& p) -> int {
-             try {
-                 ZPA_Image<unsigned char> const image(p.bytes, w, h, w, 8, 0, false, false);
-                 auto const histogram = image.GetHistogram();
-                 if (!histogram.GetPointer() || !histogram->GetBufferPtr()) return 999;
-                 return static_cast<int>(
-                            std::accumulate(histogram->GetBufferPtr(), histogram->GetBufferPtr() + 256, 0u)) -
-                        W::kPixels;
-             } catch (std::runtime_error const&) {  // of a callback
-                 return 999;
-             }
-         },
-         {0, 999}},
-        {"ReadRawFile", [](W& p) -> int { return ReadRawFile(p.scan.c_str(), &p.made); }, {1, 999}},
-        {"DumpRawImage", [](W& p) -> int { return DumpRawImage(p.words, w, h, 3, p.dump.c_str()); }, {999}},
-        {"dumpPgm8bit", [](W& p) -> int { return dumpPgm8bit(p.words, w, h, p.picture.c_str()); }, {999}},
-        {"LoadBag", Load, {0, 1, 5, kWithoutDocument}},
-        {"SaveBag", Save, {0, 1, 5}},
-        {"Bag", UseBags, {0, 1}},
+    std::vector<OperationCall> calls;
+    auto const add = [&](char const* name, std::vector<int> const& withoutMemory,
+                         std::function<int(W&)> const& call) {
+        calls.push_back({name, withoutMemory, call});
     };
+    add("ValidateImageBuffer", {1}, [](W& p) { return ValidateImageBuffer(p.Words(), &p.made); });
+    add("CopyPixels", {999}, [](W& p) { return CopyPixels(p.Words(), &p.made); });
+    add("SetPixels", {}, [](W& p) { return SetPixels(nullptr, nullptr, nullptr, -1, 3, p.Words()); });
+    add("copyImage", {1}, [](W& p) { return copyImage(p.Words(), &p.made); });
+    add("copyBuffer", {1}, [](W& p) { return copyBuffer(W::Buffer(eUInt16, p.words), &p.counts); });
+    add("ApplyMask", {}, [](W& p) { return ApplyMask(p.Words(), p.Mask()); });
+    add("compare", {}, [](W& p) { return compare(p.Words(), p.Words()); });
+    add("DecimateAndCompare", {}, [](W& p) {
+        bool equal = false;
+        return DecimateAndCompare(p.Words(), p.Words(), nullptr, nullptr, nullptr, 2, 2, 1, &equal);
+    });
+    add("Add", {5}, [](W& p) { return Add(p.Words(), p.Words(), &p.made); });
+    add("Sub", {5}, [](W& p) { return Sub(p.Words(), p.Words(), &p.made); });
+    add("MulP", {5}, [](W& p) { return MulP(p.Words(), p.Words(), &p.made); });
+    add("DivP", {5}, [](W& p) { return DivP(p.Words(), p.Words(), &p.made); });
+    add("Mul", {1, 5}, [](W& p) {
+        ImageAttributes right = p.Doubles();
+        right.width = right.stride = h;
+        right.height = w;
+        return Mul(p.Doubles(), right, &p.made);
+    });
+    add("AddC", {5}, [](W& p) { return AddC(p.Words(), p.moreWords, &p.made); });
+    add("DivC", {5}, [](W& p) { return DivC(p.Words(), p.moreWords, &p.made); });
+    add("Abs", {5}, [](W& p) { return Abs(p.Doubles(), &p.made); });
+    add("LogicalPixelOp", {999}, [](W& p) {
+        unsigned char table[] = {0, 1, 1, 0};
+        return LogicalPixelOp(p.Words(), p.Bytes(), table, &p.made);
+    });
+    add("CalculateImageStats", {}, [](W& p) {
+        ImageAttributes const mask = p.Mask();
+        return CalculateImageStats(p.Words(), nullptr, &mask, nullptr, p.doubles, p.doubles + 1,
+                                   p.doubles + 2, p.doubles + 3);
+    });
+    add("RowCountOfN", {999},
+        [](W& p) { return RowCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, &p.counts, nullptr); });
+    add("ColumnCountOfN", {999},
+        [](W& p) { return ColumnCountOfN(p.Bytes(), nullptr, nullptr, nullptr, 3, nullptr, &p.counts); });
+    add("NormalizeImage", {}, [](W& p) {
+        ImageAttributes output = p.Doubles();
+        return NormalizeImage(p.Doubles(), nullptr, nullptr, nullptr, &output);
+    });
+    add("InvertGray", {}, [](W& p) {
+        ImageAttributes output = p.Words();
+        return InvertGray(p.Words(), nullptr, nullptr, nullptr, &output);
+    });
+    add("GetIntegerHistogram", {5, 999}, [](W& p) {
+        return GetIntegerHistogram(p.Bytes(), nullptr, nullptr, nullptr, nullptr, nullptr, &p.counts);
+    });
+    add("GetRealHistogram", {999},
+        [](W& p) { return GetRealHistogram(p.Doubles(), nullptr, nullptr, nullptr, 9, 0, 99, &p.counts); });
+    add("smoothHistogram", {1, 999}, [](W& p) { return smoothHistogram(p.floats, W::kPixels, 2, 2); });
+    add("rectFlatTopFilter", {1}, [](W& p) { return rectFlatTopFilter(p.words, p.moreWords, w, h, 3, 5); });
+    add("rect_flat_top_filtering_double", {1},
+        [](W& p) { return rect_flat_top_filtering_double(p.doubles, p.moreDoubles, w, h, 3, 5); });
+    add("rectFlatTopFilteringWithMask_ushort", {1}, [](W& p) {
+        char weights[W::kPixels] = {1, 0, 1};
+        return rectFlatTopFilteringWithMask_ushort(p.words, p.moreWords, weights, w, h, 3, 3);
+    });
+    add("blockAverageDownSample_ushort", {},
+        [](W& p) { return blockAverageDownSample_ushort(p.words, p.moreWords, w, h, w / 2, h / 2, 2); });
+    add("subsample", {1}, [](W& p) {
+        ImageAttributes const source = p.Words();
+        return subsample(&source, &p.made, 2, 0, 1);
+    });
+    add("AnisotropicGaussian", {999},
+        [](W& p) { return AnisotropicGaussian(p.Words(), &p.made, 3, 2, 30, 1, 1); });
+    add("HomoFilter", {999}, [](W& p) { return HomoFilter(p.Words(), 3, &p.made); });
+    add("Filter2D an image of integers", {1, 5, 999}, [](W& p) {
+        int weights[9] = {1, 2, 1, 2, 4, 2, 1, 2, 1}, divisor = 16;
+        return Filter2D(p.Words(), nullptr, &p.made, nullptr, {eInt32, weights, 3, 3, 3, 32, 0}, &divisor);
+    });
+    add("Filter2D a real image", {1, 5, 999}, [](W& p) {
+        return Filter2D(p.Doubles(), nullptr, &p.made, nullptr, {eDouble, p.moreDoubles, 5, 5, 5, 64, 0},
+                        nullptr);
+    });
+    add("FilterBufferSimple", {1, 999}, [](W& p) {
+        return FilterBufferSimple(W::Buffer(eUInt16, p.words), {eSingle, p.floats, 3}, &p.counts);
+    });
+    add("fspecial", {}, [](W& p) { return fspecial(p.Doubles(), "gaussian", 2); });
+    add("TransposeImage", {}, [](W& p) {
+        ImageAttributes to(eUInt16, p.moreWords, h, w, h, 16, 0);
+        return TransposeImage(p.Words(), &to);
+    });
+    add("strel", {999}, [](W& p) {
+        double center[2];
+        double const angle = 0;
+        ImageAttributes const mask(eByte, p.bytes, 7, 1, 7, 8, 0);
+        return strel(mask, center, "line", 5, &angle, 0);
+    });
+    add("Dilate", {1, 5}, [](W& p) { return Dilate(p.Words(), &p.made, p.Element(), 1, 1); });
+    add("ImOpen", {1, 5}, [](W& p) { return ImOpen(p.Bytes(), &p.made, p.Element(), 1, 1); });
+    add("Erode3x3", {1, 5}, [](W& p) { return Erode3x3(p.Words(), nullptr, 2); });
+    add("FloodFill", {1, 5}, [](W& p) { return FloodFill(p.Bytes(), 2, 2, 9, 4); });
+    add("FillHoles", {5}, [](W& p) { return FillHoles(p.Mask(), 4); });
+    add("LabelMarkers", {1, 5}, [](W& p) { return LabelMarkers(p.Mask(), 8, p.numbers); });
+    add("LabelMarkers2", {0, 999}, [](W& p) { return LabelMarkers2(p.Mask(), 4, p.numbers, &p.made); });
+    add("alloc_vector", {1}, [](W&) {
+        float* const v = alloc_vector(1, 9);
+        delete_vector(v, 1);
+        return v ? 0 : 1;
+    });
+    add("ludcmp", {1}, [](W& p) {
+        double sign = 0;
+        ludcmp(p.doubles, 9, p.numbers, &sign);
+        return sign == 0;
+    });
+    add("svdcmp", {1, 5}, [](W& p) {
+        OffsetMatrix<float, 5, 3> a(p.floats);
+        OffsetMatrix<float, 3, 3> v(p.floats + 50);
+        return svdcmp(a, 5, 3, p.floats + 99, v);
+    });
+    add("dsvdcmp_DBL", {999}, [](W& p) {
+        OffsetMatrix<double, 5, 3> a(p.doubles);
+        OffsetMatrix<double, 3, 3> v(p.doubles + 50);
+        return dsvdcmp_DBL(a, 5, 3, p.doubles + 99, v);
+    });
+    add("realFFT_DBL", {0}, [](W& p) { return realFFT_DBL(p.doubles, 256, 1), 0; });
+    add("correl_DBL", {0},
+        [](W& p) { return correl_DBL(p.doubles, p.doubles + 128, 128, p.moreDoubles), 0; });
+    add("ZPA_Create an image", {999}, [](W&) { return Create("image.8.5.4.0.12.0"); });
+    add("ZPA_Create a buffer", {999}, [](W&) { return Create("buffer.14.9"); });
+    add("GetHistogram", {0, 999}, [](W& p) -> int {
+        try {
+            ZPA_Image<unsigned char> const image(p.bytes, w, h, w, 8, 0, false, false);
+            auto const histogram = image.GetHistogram();
+            if (!histogram.GetPointer() || !histogram->GetBufferPtr()) return 999;
+            auto const* const bins = histogram->GetBufferPtr();
+            return static_cast<int>(std::accumulate(bins, bins + 256, 0u)) - W::kPixels;
+        } catch (std::runtime_error const&) {  // of a callback
+            return 999;
+        }
+    });
+    add("ReadRawFile", {1, 999}, [](W& p) { return ReadRawFile(p.scan.c_str(), &p.made); });
+    add("DumpRawImage", {999}, [](W& p) { return DumpRawImage(p.words, w, h, 3, p.dump.c_str()); });
+    add("dumpPgm8bit", {999}, [](W& p) { return dumpPgm8bit(p.words, w, h, p.picture.c_str()); });
+    add("LoadBag", {0, 1, 5, kWithoutDocument}, Load);
+    add("SaveBag", {0, 1, 5}, Save);
+    add("Bag", {0, 1}, UseBags);
+    return calls;
+}
+
+}  // namespace
+
+std::vector<OperationCall> const& EveryOperation() {
+    static std::vector<OperationCall> const calls = MakeCalls();
     return calls;
 }
 

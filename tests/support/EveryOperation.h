@@ -5,6 +5,7 @@
 #include <Basics/CoreTypes.h>
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -55,9 +56,9 @@ inline constexpr int kWithoutDocument = -1;
 
 struct OperationCall {
     char const* name;
-    int (*call)(Workplace&);
     // What the call returns if one of its allocations fails; 0 among them if it knows another way.
     std::vector<int> withoutMemory;
+    std::function<int(Workplace&)> call;
 };
 std::vector<OperationCall> const& EveryOperation();
 

@@ -4,12 +4,14 @@
 
 #include <Basics/CoreTypes.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <ostream>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "Source/Internal/Dispatch.h"
@@ -49,6 +51,12 @@ template <typename T> struct TestImage {
     T& At(int x, int y) { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
     T const& At(int x, int y) const { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
 
+    // Each pixel is value(x, y); the padding stays.
+    template <typename Value> void Fill(Value const& value) {
+        for (int y = 0; y < shape.height; ++y)
+            for (int x = 0; x < shape.width; ++x) At(x, y) = static_cast<T>(value(x, y));
+    }
+
     ImageAttributes Attributes(int bitsperpixel = 8 * static_cast<int>(sizeof(T)), int pixelspacing = 0) {
         return {TypeCodeOf<T>, Pixels(), shape.width, shape.height, shape.stride, bitsperpixel, pixelspacing};
     }
@@ -82,6 +90,29 @@ inline TestImage<unsigned char> RandomMask(Shape shape, unsigned seed) {
     for (std::size_t i = 0; i < mask.Size(); ++i)
         if (mask.Pixels()[i] & 1) mask.Pixels()[i] = 0;
     return mask;
+}
+
+// All elements of the block alike, padding included.
+template <typename T> TestImage<T> Uniform(Shape shape, T value) {
+    TestImage<T> image(shape);
+    std::fill_n(image.Pixels(), image.Size(), value);
+    return image;
+}
+
+// Calls visit(T()) for each T.
+template <typename... T, typename Visit> void ForEachType(Visit const& visit) { (visit(T()), ...); }
+
+// All that an image tells of itself but where its pixels are.
+inline std::string Description(ImageAttributes const& image) {
+    std::string text = "type " + std::to_string(image.type);
+    for (int const each : {image.width, image.height, image.stride, image.bitsperpixel, image.pixelspacing})
+        text += ", " + std::to_string(each);
+    return text;
+}
+
+// 16 bits a pixel, whatever the type.
+inline ImageAttributes Over(void* pixels, eTypeCode type, int width, int height, int stride) {
+    return {type, pixels, width, height, stride, 16, 0};
 }
 
 // A description without pixels: getting past the checks would crash.

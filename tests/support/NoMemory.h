@@ -13,6 +13,11 @@ public:
     NoMemory& operator=(NoMemory const&) = delete;
 };
 
+template <typename Call> auto WithoutMemory(Call const& call) {
+    NoMemory const none;
+    return call();
+}
+
 }  // namespace ZPA::Testing
 
 #endif

@@ -19,12 +19,29 @@ struct Choice {
 
     Rectangle const* Roi() const { return givesRectangle ? &area : nullptr; }
     APOINT const* Origin() const { return givesOrigin ? &origin : nullptr; }
+    ImageAttributes const* Mask(ImageAttributes const& mask) const { return masked ? &mask : nullptr; }
     // Whether the mask, if there is one, selects the pixel (x, y) of the rectangle.
     template <typename Mask> bool Selects(TestImage<Mask> const& mask, int x, int y) const {
         return !masked || mask.At(origin.x + x, origin.y + y) != 0;
     }
+    // Calls visit(x, y), from the image's corner, for the pixels that are chosen.
+    template <typename Mask, typename Visit>
+    void ForEach(TestImage<Mask> const& mask, Visit const& visit) const {
+        for (int y = 0; y < area.height; ++y)
+            for (int x = 0; x < area.width; ++x)
+                if (Selects(mask, x, y)) visit(area.x + x, area.y + y);
+    }
 };
 inline std::ostream& operator<<(std::ostream& out, Choice const& choice) { return out << choice.name; }
+
+// What operations on regions say of those that they refuse.
+inline constexpr auto kByteMask = L"The mask must be of type eByte.";
+inline constexpr auto kNullImage = L"The input image had a NULL buffer pointer.";
+inline constexpr auto kEmptyRegion = L"The rectangular ROI was empty.";
+inline constexpr auto kOutsideImage = L"The rectangular ROI was out of bounds in the input image.";
+inline constexpr auto kNullMask = L"The mask had a NULL buffer pointer.";
+inline constexpr auto kOutsideMask = L"The rectangular ROI was out of bounds in the mask.";
+inline constexpr auto kRowsOverlap = L"The image's rows overlap.";
 
 // The whole image and an inner part, each with and without a mask of the shape that MaskShape gives.
 inline std::vector<Choice> Choices(Shape shape) {
