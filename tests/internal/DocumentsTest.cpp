@@ -76,7 +76,7 @@ std::vector<Block> Shown() {
 
 std::vector<Block> Compiled() {
     std::vector<Block> blocks;
-    for (char const* folder : {"examples", "tests/consumer", "tests/samples"})
+    for (char const* folder : {"examples", "tests/consumer"})
         for (fs::path const& file : Files(folder, {".h", ".cpp", ".c", ".txt"})) {
             auto const isMark = [](std::string const& line) {
                 auto const text = line.find_first_not_of(' ');

@@ -1,9 +1,9 @@
 // [sample]
 // The kernel of Threshold.
-#include "tests/samples/operation/ThresholdRow.h"
+#include "examples/samples/operation/ThresholdRow.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "tests/samples/operation/ThresholdRow.cpp"
+#define HWY_TARGET_INCLUDE "examples/samples/operation/ThresholdRow.cpp"
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
 

@@ -1,12 +1,12 @@
 // [sample]
 // Threshold: a mask of the pixels that are bright enough.
-#include "tests/samples/operation/Threshold.h"
+#include "examples/samples/operation/Threshold.h"
 
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
 #include "Source/Internal/OutputImage.h"
-#include "tests/samples/operation/ThresholdRow.h"
+#include "examples/samples/operation/ThresholdRow.h"
 
 namespace ZPA {
 

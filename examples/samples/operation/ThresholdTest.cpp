@@ -1,6 +1,6 @@
 // [sample]
 // Threshold against the comparison that it is.
-#include "tests/samples/operation/Threshold.h"
+#include "examples/samples/operation/Threshold.h"
 
 #include <gtest/gtest.h>
 
