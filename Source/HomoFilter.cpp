@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <new>
+#include <stdexcept>
 
 #include "primitives/ContrastRow.h"
 #include "primitives/RecursiveGaussian.h"
 #include "Source/Internal/AnisotropicFilterPlan.h"
 #include "Source/Internal/DoubleImage.h"
+#include "Source/Internal/Memory.h"
 #include "Source/Internal/Overlap.h"
 
 namespace ZPA {
@@ -25,7 +28,6 @@ void MakeLike(ImageAttributes const& image, ZPA_Image<double>& made) {
 struct Images {
     double const* pixels;
     double* means;
-    double* meanSquares;
     Size size;
 };
 
@@ -45,19 +47,21 @@ void MakeMean(AnisotropicFilterPlan const& plan, Of what, double const* pixels, 
         SmoothRows(MakeRecursiveGaussian(plan.sigmaX), mean, mean, size.width, size, work);
 }
 
-void MakeMeans(double sigma, Images const& images) {
-    AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
-    auto const elements = RecursiveGaussianWork(images.size);
-    auto const work = std::unique_ptr<double[]>(new double[static_cast<std::size_t>(elements)]);
-    MakeMean(plan, Of::kPixels, images.pixels, images.means, images.size, work.get());
-    MakeMean(plan, Of::kSquares, images.pixels, images.meanSquares, images.size, work.get());
-}
-
+// The means of the squares and the work memory are one block: of several blocks, allocators tend to give back what
+// is freed to the system, and to be given it anew takes as long as the filter.
 void Filter(double sigma, Images const& images) {
-    MakeMeans(sigma, images);
     std::ptrdiff_t const count = std::ptrdiff_t{images.size.width} * images.size.height;
+    std::unique_ptr<double[]> const memory(
+        AllocateElements<double>(static_cast<std::uint64_t>(count) + RecursiveGaussianWork(images.size)));
+    if (!memory) throw std::bad_alloc();
+    double* const meanSquares = memory.get();
+    double* const work = meanSquares + count;
+
+    AnisotropicFilterPlan const plan(sigma, sigma, 0, 0, 0);
+    MakeMean(plan, Of::kPixels, images.pixels, images.means, images.size, work);
+    MakeMean(plan, Of::kSquares, images.pixels, meanSquares, images.size, work);
     Sums sums{};
-    ContrastRow(images.pixels, images.means, images.meanSquares, images.means, count, sums);
+    ContrastRow(images.pixels, images.means, meanSquares, images.means, count, sums);
     double const mean = sums.values / static_cast<double>(count);
     double const deviation = std::sqrt(sums.squares / static_cast<double>(count) - mean * mean);
     StandardizeRow(images.means, count, mean, deviation);
@@ -84,11 +88,11 @@ SOLVANE_RETURNCODE HomoFilter(ImageAttributes input, double sigma, ImageAttribut
         if (!outputServes) MakeLike(input, made);
         ImageAttributes const result = outputServes ? *output : ImageAttributes(made);
 
-        ZPA_Image<double> meanSquares;
-        MakeLike(input, meanSquares);
+        std::uint64_t const pixels = ElementsSpanned(input.width, input.height, input.width);
+        if (pixels == 0 || BlockBytes(pixels, sizeof(double)) == kNoSize)
+            throw std::invalid_argument("not a size that an image has");
         Filter(sigma, {static_cast<double const*>(working.buffer),
                        static_cast<double*>(result.buffer),
-                       meanSquares.GetBufferPtr(),
                        {input.width, input.height}});
         if (outputServes) return SOLVANE_OK;
         if (output->buffer) return Convert(result, *output);

@@ -40,8 +40,9 @@ std::vector<double> Numbers(std::size_t count) {
 
 TEST(StandardizeRow, DividesToTheBitOnEverySimdTarget) {
     std::vector<double> const numbers = Numbers(30003);
-    for (double const deviation : {1.0, 3.0, 0.7, 0x1.fffffffffffffp0, 0x1.0000000000001p0, 0x1.fffffffffffffp-7,
-                                   1e-99, 1e99, 1e-310, 1e300, kLeast, kMost, 0.0, -2.0, kInfinity, kNoNumber})
+    for (double const deviation :
+         {1.0, 3.0, 0.7, 0x1.fffffffffffffp0, 0x1.0000000000001p0, 0x1.fffffffffffffp-7, 1e-99, 1e99, 1e-310,
+          1e300, kLeast, kMost, 0.0, -2.0, kInfinity, kNoNumber})
         for (double const mean : {0.0, 0.3, 1e-80}) {
             SCOPED_TRACE(testing::Message() << "mean " << mean << ", deviation " << deviation);
             ForEachSimdTarget([&] {
