@@ -50,7 +50,7 @@ build_dependencies() {
 
 # Gives Wine a home of its own, without the parts that it would offer to fetch.
 prepare_wine() {
-    export WINEPREFIX=$PWD/$platforms/$1/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe='
+    export WINEPREFIX=$PWD/$platforms/$1/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe='
     export LC_ALL=C.UTF-8 # else files could have no national names
     [[ ! -e $WINEPREFIX/complete ]] || return 0
     say "Preparing Wine in $WINEPREFIX"
