@@ -2,11 +2,11 @@
 // Threshold: a mask of the pixels that are bright enough.
 #include "examples/samples/operation/Threshold.h"
 
+#include "examples/samples/operation/ThresholdRow.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
 #include "Source/Internal/OutputImage.h"
-#include "examples/samples/operation/ThresholdRow.h"
 
 namespace ZPA {
 
