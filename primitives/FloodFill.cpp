@@ -41,15 +41,15 @@ struct Place {
 // The working buffer, cut into its parts: two rows of words for each row of the image, the stack of places
 // that have pending pixels, and for each row whether its words have been made.
 struct Parts {
-    std::ptrdiff_t words, stack, rows, all;
+    std::int64_t words, stack, rows, all;
     explicit Parts(Size size) {
-        std::ptrdiff_t const count = WordsOf(size.width) * size.height;
+        std::int64_t const count = std::int64_t{WordsOf(size.width)} * size.height;
         words = 0;
-        stack = words + 2 * count * static_cast<std::ptrdiff_t>(sizeof(std::uint64_t));
-        rows = stack + count * static_cast<std::ptrdiff_t>(sizeof(Place));
+        stack = words + 2 * count * std::int64_t{sizeof(std::uint64_t)};
+        rows = stack + count * std::int64_t{sizeof(Place)};
         all = rows + size.height + kAlignment;
     }
-    static constexpr std::ptrdiff_t kAlignment = alignof(std::uint64_t);
+    static constexpr int kAlignment = alignof(std::uint64_t);
 };
 
 // A search from its starting pixels through all that are open and connected with them. find(y, bits) sets the
@@ -223,12 +223,10 @@ Status FillHolesOf(T* image, std::ptrdiff_t step, Size size, bool eightNeighbour
 
 }  // namespace
 
-Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept {
+Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
     if (!bytes) return kNullPointer;
     if (size.width < 1 || size.height < 1) return kBadSize;
-    // A word of 64 pixels takes at least 64 bytes of image, so this cannot overflow where the image exists.
-    if (WordsOf(size.width) > PTRDIFF_MAX / 64 / size.height) return kBadSize;
-    *bytes = static_cast<std::size_t>(Parts(size).all);
+    *bytes = static_cast<std::uint64_t>(Parts(size).all);
     return kDone;
 }
 

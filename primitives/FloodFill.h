@@ -7,7 +7,7 @@
 namespace ZPA {
 
 // Bytes of the working buffer for an image of a size: three eighths of a byte a pixel.
-Status ippiFloodFillGetSize(Size size, std::size_t* bytes) noexcept;
+Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept;
 
 // Replace the pixel at the seed, and those of its value that are connected with it, by `value`. The buffer
 // may have any alignment and content. Rows that the region does not reach are not read.

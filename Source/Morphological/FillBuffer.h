@@ -14,7 +14,7 @@ class FillBuffer {
 public:
     // Makes room for a fill of the image, or logs why there is none.
     [[nodiscard]] SOLVANE_RETURNCODE Allocate(ImageAttributes const& image) {
-        std::size_t bytes = 0;
+        std::uint64_t bytes = 0;
         Status const status = ippiFloodFillGetSize({image.width, image.height}, &bytes);
         if (status != kDone)
             return Fail(SOLVANE_OPERATION_FAILED, L"ippiFloodFillGetSize failed. code %d", int{status});
