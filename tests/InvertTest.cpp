@@ -41,7 +41,7 @@ TYPED_TEST(InversionOf, IsThatOfTheModelOnEverySimdTarget) {
                 ImageAttributes const* const chosen = choice.Mask(maskAttributes);
                 ForEachSimdTarget([&] {
                     for (auto const& [invert, expected] :
-                         {std::pair(InvertGray, &gray), {InvertMaskImage, &negated}}) {
+                         {std::pair{&InvertGray, &gray}, {&InvertMaskImage, &negated}}) {
                         auto output = before;
                         ImageAttributes to = output.Attributes();
                         EXPECT_EQ(invert(image.Attributes(bits), choice.Roi(), chosen, choice.Origin(), &to),
