@@ -76,10 +76,11 @@ void Gaussian(Digest& digest) {
     ForTypes<unsigned char, short, unsigned short, double>([&](auto type) {
         using T = typename decltype(type)::type;
         auto image = Sample<T>(kSmall, 34);
-        for (auto const& [u, v] : {std::pair{1.0, 1.0}, {3.0, 2.0}, {0.3, 8.0}, {20.0, 5.0}})
+        for (auto const& sigmas : {std::pair{1.0, 1.0}, {3.0, 2.0}, {0.3, 8.0}, {20.0, 5.0}})
             for (unsigned char order = 0; order < 3; ++order) {
                 AddResult<double>(digest, kSmall, [&](ImageAttributes* output) {
-                    return AnisotropicGaussian(image.Attributes(), output, u, v, 0, order, order);
+                    return AnisotropicGaussian(image.Attributes(), output, sigmas.first, sigmas.second, 0,
+                                               order, order);
                 });
             }
     });
