@@ -99,7 +99,7 @@ ZPA_C_API SOLVANE_RETURNCODE copyImage(ImageAttributes source, ImageAttributes* 
 ZPA_C_API SOLVANE_RETURNCODE copyBuffer(BufferAttributes source, BufferAttributes* destination);
 
 /// The core of copyImage, for T of `unsigned char`, `unsigned short` and `double`. It frees nothing on
-/// failure, and refuses elements of another size than T with 7.
+/// failure, and refuses elements of another size than T with 7. What a log callback throws passes through.
 template <typename T>
 ZPA_TEMPLATE_API SOLVANE_RETURNCODE template_copy(ImageAttributes source, ImageAttributes* destination);
 
@@ -132,7 +132,8 @@ ZPA_C_API SOLVANE_RETURNCODE ApplyMask(ImageAttributes image, ImageAttributes ma
 /// @retval 4  Widths or heights differ; nothing is logged.
 ZPA_C_API SOLVANE_RETURNCODE compare(ImageAttributes first, ImageAttributes second);
 
-/// The core of compare, for T of `unsigned short`; narrower elements are refused with 7.
+/// The core of compare, for T of `unsigned short`; narrower elements are refused with 7. What a log callback
+/// throws passes through.
 template <typename T>
 ZPA_TEMPLATE_API SOLVANE_RETURNCODE template_compare(ImageAttributes first, ImageAttributes second);
 
