@@ -30,25 +30,6 @@ void SetWhere(std::uint16_t* row, std::ptrdiff_t width, std::uint16_t value, std
 void SetToPixelBefore(std::uint8_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
 void SetToPixelBefore(std::uint16_t* row, std::ptrdiff_t width, std::uint64_t const* bits);
 
-// Calls work(first, end) for every run of set bits, from the lowest on. No bit beyond `width` may be set.
-template <typename Work> void ForEachRun(std::uint64_t const* bits, std::ptrdiff_t width, Work const& work) {
-    std::ptrdiff_t first = -1;  // of a run that has not ended yet
-    for (std::ptrdiff_t x = 0; x < width; x += 64, ++bits) {
-        // Set where a run begins or ends.
-        std::uint64_t edges = *bits ^ (*bits << 1 | std::uint64_t{first >= 0});
-        for (; edges != 0; edges &= edges - 1) {
-            std::ptrdiff_t const edge = x + __builtin_ctzll(edges);
-            if (first < 0) {
-                first = edge;
-            } else {
-                work(first, edge);
-                first = -1;
-            }
-        }
-    }
-    if (first >= 0) work(first, width);
-}
-
 }  // namespace ZPA
 
 #endif
