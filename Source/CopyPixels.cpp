@@ -62,7 +62,7 @@ template <> SOLVANE_RETURNCODE Copy(ImageView<float const> const& source, ImageV
 template <>
 SOLVANE_RETURNCODE Copy(ImageView<double const> const& source, ImageView<double> const& destination) {
     ForEachRowPair(source, destination, [](double const* from, double* to, std::ptrdiff_t count) {
-        std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof *to);
+        std::memmove(to, from, static_cast<std::size_t>(count) * sizeof *to);
     });
     return SOLVANE_OK;
 }

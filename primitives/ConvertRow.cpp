@@ -282,10 +282,10 @@ ZPA_CONVERSION_OF_ITS_OWN(Run64fTo32f, double, float)
 
 // The same bits.
 template <> void ConvertRow(s16 const* source, u16* destination, std::ptrdiff_t count) {
-    if (count > 0) std::memcpy(destination, source, static_cast<std::size_t>(count) * sizeof *source);
+    if (count > 0) std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof *source);
 }
 template <> void ConvertRow(u16 const* source, s16* destination, std::ptrdiff_t count) {
-    if (count > 0) std::memcpy(destination, source, static_cast<std::size_t>(count) * sizeof *source);
+    if (count > 0) std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof *source);
 }
 
 }  // namespace ZPA

@@ -1,4 +1,5 @@
-// Copies of a region of pixels. The C library's copy of a row is as fast as memory.
+// Copies of a region of pixels. The C library's copy of a row is as fast as memory. It is the one for rows that
+// may share memory, since images are what callers make of them, and costs nothing more.
 #include "primitives/Copy.h"
 
 #include <algorithm>
@@ -24,15 +25,15 @@ Status CopyRows(void const* source, std::ptrdiff_t sourceStep, void* destination
     bool const withoutGaps = sourceStep == rowSize && destinationStep == rowSize;
     if (!withoutGaps) {
         ForEachRow(size.height, rowSize,
-                   [&](int y) noexcept { std::memcpy(to[y], from[y], static_cast<std::size_t>(rowSize)); });
+                   [&](int y) noexcept { std::memmove(to[y], from[y], static_cast<std::size_t>(rowSize)); });
         return kDone;
     }
     std::int64_t const bytes = rowSize * size.height;
     auto const blocks = static_cast<int>((bytes + kBlock - 1) / kBlock);
     ForEachRow(blocks, std::min(bytes, kBlock), [&](int block) noexcept {
         std::int64_t const start = block * kBlock;
-        std::memcpy(to.first + start, from.first + start,
-                    static_cast<std::size_t>(std::min(bytes - start, kBlock)));
+        std::memmove(to.first + start, from.first + start,
+                     static_cast<std::size_t>(std::min(bytes - start, kBlock)));
     });
     return kDone;
 }

@@ -6,7 +6,8 @@
 
 namespace ZPA {
 
-// Copy `size` pixels, rows `sourceStep` and `destinationStep` bytes apart. The two must not overlap.
+// Copy `size` pixels, rows `sourceStep` and `destinationStep` bytes apart. Where the two overlap, what comes
+// out depends on the order that the rows are done in.
 Status ippiCopy_8u_C1R(std::uint8_t const* source, std::ptrdiff_t sourceStep, std::uint8_t* destination,
                        std::ptrdiff_t destinationStep, Size size) noexcept;
 Status ippiCopy_16s_C1R(std::int16_t const* source, std::ptrdiff_t sourceStep, std::int16_t* destination,

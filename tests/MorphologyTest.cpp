@@ -258,6 +258,8 @@ TEST(Morphology, RefusesInItsOrder) {
         {"destination rows", good, to(4, 3, 3), se, middle, 7, L"The destination image's rows overlap."},
         {"in place, far rows", good, from(eUInt16, 0, 0, 5), se, middle, 7,
          L"The destination image's rows lead out of its memory."},
+        {"in place, room in the last row's padding", good, from(eUInt16, 3, 3, 6), se, middle, 7,
+         L"The destination image's rows lead out of its memory."},
     };
     for (Refusal const& each : refusals) {
         SCOPED_TRACE(each.name);

@@ -319,6 +319,7 @@ TEST(ScoresOfImages, RefuseOutputsWithoutRoom) {
         {"too short a stride", {eUInt16, scores, 4, 3, 5, 16, 0}, nullptr, 7},
         {"negative", {eUInt16, scores, 4, -3, -6, 16, 0}, nullptr, 7},
         {"another shape with room", {eUInt16, scores, 16, 1, 16, 16, 0}, nullptr, 0},
+        {"room in the last row's padding", {eUInt16, scores, 3, 3, 6, 16, 0}, nullptr, 7},
         {"room for the region", {eUInt16, scores, 4, 2, 6, 16, 0}, &top, 0},
     };
     for (Case each : cases) {

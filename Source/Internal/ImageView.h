@@ -44,6 +44,15 @@ template <typename T> bool ElementsTooNarrow(ImageAttributes const& image) {
     return SizeOfTypeCode(image.type) < static_cast<int>(sizeof(T));
 }
 
+// Elements from the first pixel to the last one. The padding of the last row is none of the image's: where it is a
+// window of a larger one, its memory may end before.
+inline std::uint64_t ElementsDescribed(ImageAttributes const& image) {
+    if (image.width < 1 || image.height < 1) return 0;
+    if (image.height == 1) return static_cast<std::uint64_t>(image.width);
+    if (image.stride < 0) return 0;
+    return static_cast<std::uint64_t>((std::int64_t{image.height} - 1) * image.stride + image.width);
+}
+
 // True if rows of the image would share memory, or lie before its first pixel: no operation writes such an
 // image.
 inline bool RowsOverlap(ImageAttributes const& image) {

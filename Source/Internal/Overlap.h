@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "Source/Internal/ImageView.h"
 #include "Source/Internal/Memory.h"
 
 namespace ZPA {
@@ -14,10 +15,8 @@ namespace ZPA {
 // readable.
 inline bool ShareMemory(ImageAttributes const& a, ImageAttributes const& b) {
     auto const end = [](ImageAttributes const& image) {
-        int const stride = image.height > 1 ? image.stride : image.width;  // one row has none that counts
-        std::uint64_t const elements = ElementsSpanned(image.width, image.height, stride);
         return static_cast<char const*>(image.buffer) +
-               BlockBytes(elements, static_cast<std::size_t>(SizeOfTypeCode(image.type)));
+               BlockBytes(ElementsDescribed(image), static_cast<std::size_t>(SizeOfTypeCode(image.type)));
     };
     std::less<void const*> const before;
     return before(a.buffer, end(b)) && before(b.buffer, end(a));

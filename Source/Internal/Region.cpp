@@ -2,7 +2,6 @@
 #include "Source/Internal/Region.h"
 
 #include "Source/Internal/Frame.h"
-#include "Source/Internal/Memory.h"
 
 namespace ZPA {
 
@@ -42,8 +41,7 @@ bool Region::FitsInto(ImageAttributes const& output, ImageAttributes const& imag
     if (SizeOfTypeCode(output.type) < SizeOfTypeCode(image.type)) return false;
     std::int64_t const lastRow = std::int64_t{area_.y} + area_.height - 1;
     std::uint64_t const needed = static_cast<std::uint64_t>(lastRow * image.stride + area_.x + area_.width);
-    std::uint64_t const room = ElementsSpanned(output.width, output.height, output.stride);
-    return room != kNoSize && needed <= room;
+    return needed <= ElementsDescribed(output);
 }
 
 }  // namespace ZPA

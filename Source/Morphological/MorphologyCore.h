@@ -84,9 +84,8 @@ SOLVANE_RETURNCODE RefuseShapes(ImageAttributes const& source, ImageAttributes d
     if (!inPlace && elementSize < sizeof(T))
         return refuse(L"The destination image's elements are narrower than the source's.");
     // In place the destination's own size is not looked at, and may be any.
-    std::uint64_t const described = std::max(
-        BlockBytes(ElementsSpanned(source.width, source.height, source.stride), sizeof(T)),
-        BlockBytes(ElementsSpanned(destination.width, destination.height, destination.stride), elementSize));
+    std::uint64_t const described = std::max(BlockBytes(ElementsDescribed(source), sizeof(T)),
+                                             BlockBytes(ElementsDescribed(destination), elementSize));
     destination.width = source.width;
     destination.height = source.height;
     if (RowsOverlap(destination)) return refuse(L"The destination image's rows overlap.");

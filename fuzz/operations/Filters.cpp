@@ -74,12 +74,10 @@ void CallFilter2D(Scene& scene) {
     bool const isReal = source.type == eSingle || source.type == eDouble;
     if (!scene.input.Seldom(16)) {
         kernel.type = isReal ? source.type : eInt32;
-        std::int64_t const elements = (std::int64_t{kernel.height} - 1) * kernel.stride + kernel.width;
-        bool const isSane = kernel.width > 0 && kernel.height > 0 && kernel.stride >= 0;
-        kernel.buffer = kernel.type == eSingle ? scene.Elements<float>(isSane ? elements : 0)
-                        : kernel.type == eDouble
-                            ? static_cast<void*>(scene.Elements<double>(isSane ? elements : 0))
-                            : scene.Elements<int>(isSane ? elements : 0);
+        std::int64_t const elements = scene.Span(kernel);
+        kernel.buffer = kernel.type == eSingle   ? scene.Elements<float>(elements)
+                        : kernel.type == eDouble ? static_cast<void*>(scene.Elements<double>(elements))
+                                                 : scene.Elements<int>(elements);
     }
     auto* const divisor = scene.input.Choice(2) ? scene.Value<int>(scene.input.Number(0, 40)) : nullptr;
     scene.Answer(Filter2D(source, roi, destination, origin, kernel, divisor));
@@ -139,7 +137,7 @@ std::vector<Operation> const& Filters() {
          CallCodedBlockAverage<short, blockAverageDownSampleCodedMask_short>, kPlain},
         {"blockAverageDownSampleCodedMask_double",
          CallCodedBlockAverage<double, blockAverageDownSampleCodedMask_double>, kPlain},
-        {"subsample", CallSubsample, kPlain},
+        {"subsample", CallSubsample, kTakesUnset},
         {"AnisotropicGaussian", Call<AnisotropicGaussian>, kPlain},
         {"HomoFilter", Call<HomoFilter>, kPlain},
         {"Filter2D", CallFilter2D, kOneInstructionSet},

@@ -81,9 +81,7 @@ void CallStrel(Scene& scene) {
     se.stride = scene.input.Seldom(4) ? scene.input.Number(0, 40) : se.width;
     constexpr eTypeCode kBytes[] = {eByte, eByte, eUInt16, eSByte};
     if (!scene.input.Seldom(8)) se.type = scene.input.OneOf(kBytes);
-    std::int64_t const elements = se.height > 0 && se.width > 0 && se.stride >= 0
-                                      ? std::max(std::int64_t{se.height} * se.stride, std::int64_t{se.width})
-                                      : 0;
+    std::int64_t const elements = scene.Span(se);
     // The pattern of a wide disk is one block of 242 bytes, whatever the mask is.
     std::int64_t const bytes = std::max(elements * SizeOfTypeCode(se.type), std::int64_t{242});
     se.buffer = se.type == eUInt16
@@ -116,7 +114,7 @@ std::vector<Operation> const& RegionOperations() {
         {"template_FloodBorderAreas<8>", CallFloodBorder<unsigned char>, kPassesExceptions},
         {"template_FloodBorderAreas<16>", CallFloodBorder<unsigned short>, kPassesExceptions},
         {"strel_GetBufferSize", CallStrelSize, kPlain},
-        {"strel", CallStrel, kPlain},
+        {"strel", CallStrel, kWholeRows},
     };
     return operations;
 }

@@ -9,22 +9,22 @@ namespace {
 constexpr eTypeCode kTypes[] = {eByte, eUInt16, eInt16, eSByte, eInt32, eUInt32, eSingle, eDouble};
 constexpr std::int64_t kMostBytes = 1 << 17;
 
-std::size_t SizeOf(eTypeCode type) {
+}  // namespace
+
+std::size_t Scene::SizeOf(eTypeCode type) const {
     // Something to point at, for a type that no operation may look at.
     int const size = SizeOfTypeCode(type);
-    return size > 0 ? static_cast<std::size_t>(size) : 1;
+    return size > 0 ? static_cast<std::size_t>(size) : traits_ & kTakesUnset ? 2 : 1;
 }
 
-// Elements from the first pixel to the last one; with `whole`, to the end of the last row's padding.
-std::int64_t Span(ImageAttributes const& image, bool whole) {
-    if (image.width < 1 || image.height < 1) return 0;
-    std::int64_t const width = image.width, height = image.height, stride = image.stride;
-    if (height > 1 && stride < 0) return 0;
-    std::int64_t const span = height > 1 ? (height - 1) * stride + width : width;
-    return whole ? std::max(span, height * std::max<std::int64_t>(stride, 0)) : span;
+std::int64_t Scene::Span(ImageAttributes const& image) const {
+    std::int64_t const width = image.width, height = image.height;
+    std::int64_t const stride = image.stride == 0 && traits_ & kTakesUnset ? width : image.stride;
+    std::int64_t span = 0;
+    if (width > 0 && height == 1) span = width;
+    if (width > 0 && height > 1 && stride >= 0) span = (height - 1) * stride + width;
+    return traits_ & kWholeRows && height > 0 && stride > 0 ? std::max(span, height * stride) : span;
 }
-
-}  // namespace
 
 Scene::Scene(Input& itsInput, unsigned traits) : input(itsInput), traits_(traits) {
     first_.type = input.OneOf(kTypes);
@@ -102,7 +102,7 @@ void Scene::Describe(ImageAttributes& image) {
 }
 
 void* Scene::Pixels(ImageAttributes const& image) {
-    std::int64_t const span = Span(image, traits_ & kWholeRows);
+    std::int64_t const span = Span(image);
     std::size_t const elementSize = SizeOf(image.type);
     // Memory of an earlier image, from any of its elements on.
     if (!(traits_ & kDivides) && !blocks_.empty() && input.Seldom(24)) {
@@ -215,7 +215,8 @@ void Scene::Answer(int code) {
         for (int const field : {made.width, made.height, made.stride, made.bitsperpixel, made.pixelspacing})
             Take(&field, sizeof field, eInt32);
         if (!outputIsMade_[i] || !made.buffer || code != SOLVANE_OK || made.width < 1) continue;
-        auto const elementSize = static_cast<std::int64_t>(SizeOf(made.type));
+        // No bytes for a type that the operation does not know.
+        std::int64_t const elementSize = SizeOfTypeCode(made.type);
         for (std::int64_t y = 0; y < made.height; ++y)
             Take(static_cast<char const*>(made.buffer) + y * made.stride * elementSize,
                  static_cast<std::size_t>(made.width * elementSize), made.type);
@@ -224,7 +225,7 @@ void Scene::Answer(int code) {
         BufferAttributes const& made = bufferOutputs_[i];
         Take(&made.size, sizeof made.size, eInt32);
         if (bufferIsMade_[i] && made.buffer && code == SOLVANE_OK && made.size > 0)
-            Take(made.buffer, static_cast<std::size_t>(made.size) * SizeOf(made.type), made.type);
+            Take(made.buffer, static_cast<std::size_t>(made.size * SizeOfTypeCode(made.type)), made.type);
     }
 }
 

@@ -20,6 +20,7 @@ enum Trait : unsigned {
     kDivides = 2,            // no element may be zero
     kOneInstructionSet = 4,  // results depend on it
     kPassesExceptions = 8,   // those of callbacks
+    kTakesUnset = 16,        // a stride of 0 is the width, and elements without a type have 16 bits
 };
 
 // Memory that no operator new has a part in: allocations that fail are the library's alone.
@@ -75,6 +76,8 @@ public:
         if (at) *at = value;
         return at;
     }
+    // The elements that an image describes, from the first pixel to the last one.
+    std::int64_t Span(ImageAttributes const& image) const;
     // The size of the first image's elements, 1 if it has none.
     int ElementSize() const;
 
@@ -100,6 +103,7 @@ private:
         if (std::is_same_v<T, double>) return eDouble;
         return eUnknown;
     }
+    std::size_t SizeOf(eTypeCode type) const;
     void* Bytes(std::int64_t count, eTypeCode type, std::size_t elementSize, bool mayBeNull);
     void Fill(Block const& block, eTypeCode type);
     void Describe(ImageAttributes& image);
