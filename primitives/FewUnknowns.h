@@ -1,5 +1,6 @@
-// Systems with so few unknowns that starting on vectors takes longer than the work: plain loops of a known length, which
-// compilers unroll. Each element takes the steps of TriangularFactors.cpp in their order, and so gets the same bits.
+// Systems with so few unknowns that starting on vectors takes longer than the work: plain loops of a known length,
+// which compilers unroll. Each element takes the steps of TriangularFactors.cpp in their order, and so gets the
+// same bits.
 #ifndef ZPA_PRIMITIVES_FEWUNKNOWNS_H
 #define ZPA_PRIMITIVES_FEWUNKNOWNS_H
 
