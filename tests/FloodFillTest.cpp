@@ -238,6 +238,8 @@ TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
         EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
         EXPECT_EQ(log.Text(), each.message);
         EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
+        EXPECT_EQ(log.Errors().front().location.find(L"FloodFill.cpp("), 0u);
+        EXPECT_EQ(log.Errors().back().location.find(L"FillHoles.cpp("), 0u);
     }
     EXPECT_TRUE(std::equal(before.begin(), before.end(), pixels));
 }

@@ -1,6 +1,7 @@
 // FillHoles, and fills from the border.
 #include <Basics/Regions.h>
 
+#include "primitives/FloodFill.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"

@@ -1,9 +1,11 @@
 // FloodFill: a connected region in another value.
 #include <Basics/Regions.h>
 
+#include "primitives/FloodFill.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
+#include "Source/Internal/Memory.h"
 #include "Source/Morphological/FillBuffer.h"
 
 namespace ZPA {
@@ -22,6 +24,15 @@ SOLVANE_RETURNCODE FillNothing(ImageAttributes const& image) {
 }
 
 }  // namespace
+
+SOLVANE_RETURNCODE FillBuffer::Allocate(ImageAttributes const& image) {
+    std::uint64_t bytes = 0;
+    Status const status = ippiFloodFillGetSize({image.width, image.height}, &bytes);
+    if (status != kDone)
+        return Fail(SOLVANE_OPERATION_FAILED, L"ippiFloodFillGetSize failed. code %d", int{status});
+    memory_.reset(AllocateElements<unsigned char>(bytes));
+    return memory_ ? SOLVANE_OK : FailMemory(L"template_FloodFill", bytes);
+}
 
 template <typename T>
 SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seedY, T newValue,
