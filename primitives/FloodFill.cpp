@@ -221,6 +221,17 @@ Status FillHolesOf(T* image, std::ptrdiff_t step, Size size, bool eightNeighbour
     return FillFromBorder(image, step, size, kMarker, T{0}, eightNeighbours, buffer);
 }
 
+template <typename T> void CloseZerosOf(Rows<T> const& rows, Size size) {
+    constexpr std::ptrdiff_t kAtOnce = 4096;
+    std::uint64_t bits[WordsOf(kAtOnce)];
+    for (int y = 0; y < size.height; ++y)
+        for (std::ptrdiff_t x = 0; x < size.width; x += kAtOnce) {
+            std::ptrdiff_t const count = std::min(size.width - x, kAtOnce);
+            FindZeros(rows[y] + x, count, bits);
+            SetToPixelBefore(rows[y] + x, count, bits);
+        }
+}
+
 }  // namespace
 
 Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
@@ -246,6 +257,9 @@ Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
     Status FloodHoles(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours,                  \
                       void* buffer) noexcept {                                                         \
         return FillHolesOf(image, step, size, eightNeighbours, buffer);                                \
+    }                                                                                                  \
+    void CloseZeros(T* image, std::ptrdiff_t step, Size size) noexcept {                               \
+        CloseZerosOf(Rows<T>{image, step}, size);                                                      \
     }
 ZPA_FILL(std::uint8_t)
 ZPA_FILL(std::uint16_t)

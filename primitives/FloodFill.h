@@ -35,6 +35,10 @@ Status FloodHoles(std::uint8_t* image, std::ptrdiff_t step, Size size, bool eigh
 Status FloodHoles(std::uint16_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
                   void* buffer) noexcept;
 
+// The same for an image with no zero on its border, so that all zeros are holes, and without the clearing.
+void CloseZeros(std::uint8_t* image, std::ptrdiff_t step, Size size) noexcept;
+void CloseZeros(std::uint16_t* image, std::ptrdiff_t step, Size size) noexcept;
+
 }  // namespace ZPA
 
 #endif

@@ -125,10 +125,11 @@ TYPED_TEST(Filling, HolesAsThreeStagesDo) {
     T const marker = std::numeric_limits<T>::max();
     for (Shape const shape : kSizes)
         for (double const share : {0.0, 0.3, 0.5, 0.6, 1.0})
-            for (int const connectivity : {4, 8}) {
+            for (int const connectivity : {4, 8, 6}) {
                 // Foreground of one value, of two labels, and of the marker's value.
                 for (T const other : {T{1}, T{200}, marker}) {
-                    auto const image = Porous<T>(shape, 4, share, 0, other, 3);
+                    auto image = Porous<T>(shape, 4, share, 0, other, 3);
+                    if (connectivity == 6) ModelFillBorder(image, T{0}, other, 4);  // only holes are left
                     auto expected = image;
                     ModelFillHoles(expected, connectivity);
                     ForEachSimdTarget([&] {
@@ -242,6 +243,21 @@ TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
         EXPECT_EQ(log.Errors().back().location.find(L"FillHoles.cpp("), 0u);
     }
     EXPECT_TRUE(std::equal(before.begin(), before.end(), pixels));
+    EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, 0, 5, 4), 0);  // from no pixel
+}
+
+TEST(FillHoles, NeedsNoMemoryWhereNothingIsFilledFromTheBorder) {
+    for (int const atCorner : {5, 255, 0}) {
+        auto image = Uniform<unsigned char>({5, 5, 6}, 5);
+        image.At(4, 4) = static_cast<unsigned char>(atCorner);
+        image.At(2, 1) = image.At(3, 1) = 0;
+        auto expected = image;
+        if (atCorner != 0) expected.At(2, 1) = expected.At(3, 1) = 5;
+        CapturedLog const log;
+        EXPECT_EQ(WithoutMemory([&] { return FillHoles(image.Attributes(), 4); }), atCorner == 5 ? 0 : 5);
+        EXPECT_EQ(log.Text(), atCorner == 5 ? L"" : L"template_FloodBorderAreas to % failed.");
+        EXPECT_TRUE(image == expected);
+    }
 }
 
 }  // namespace
