@@ -175,9 +175,8 @@ template <typename T> auto Sets(Rows<T> const& image, Size size, T value) {
 template <typename T>
 Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int seedY, T value,
                     bool eightNeighbours, void* buffer) {
-    if (!image || !buffer) return kNullPointer;
-    if (size.width < 1 || size.height < 1) return kBadSize;
-    if (seedX < 0 || seedY < 0 || seedX >= size.width || seedY >= size.height) return kBadIndex;
+    Status const status = CheckSeed(image, size, seedX, seedY, buffer);
+    if (status != kDone) return status;
     Rows<T> const rows{image, step};
     T const wanted = rows[seedY][seedX];
     if (wanted == value) return kDone;
@@ -238,6 +237,13 @@ Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
     if (!bytes) return kNullPointer;
     if (size.width < 1 || size.height < 1) return kBadSize;
     *bytes = static_cast<std::uint64_t>(Parts(size).all);
+    return kDone;
+}
+
+Status CheckSeed(void const* image, Size size, int seedX, int seedY, void const* buffer) noexcept {
+    if (!image || !buffer) return kNullPointer;
+    if (size.width < 1 || size.height < 1) return kBadSize;
+    if (seedX < 0 || seedY < 0 || seedX >= size.width || seedY >= size.height) return kBadIndex;
     return kDone;
 }
 

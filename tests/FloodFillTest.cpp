@@ -187,9 +187,9 @@ TEST(FloodFill, RefusesInItsOrder) {
     EXPECT_REFUSAL(5, kSize, fill({eDouble, pixels, 2, -2, 2, 8, 0}, 0, 0));  // negative height, other type
     EXPECT_REFUSAL(5, failed(-12), fill({eDouble, pixels, 2, 2, 2, 64, 0}, 0, 0));  // other type
     EXPECT_REFUSAL(5, failed(-12), fill({eSByte, pixels, 2, 2, 2, 64, 0}, 0, 0));   // signed bytes
-    EXPECT_REFUSAL(5, failed(-8), fill({eByte, nullptr, 2, 2, 2, 8, 0}, 5, 0));     // null
-    EXPECT_REFUSAL(5, failed(-11), fill({eByte, pixels, 2, 2, 2, 8, 0}, -1, 0));    // seed before
-    EXPECT_REFUSAL(5, failed(-11), fill({eUInt16, pixels, 2, 2, 2, 8, 0}, 0, 2));   // seed beyond
+    EXPECT_REFUSAL(5, failed(-8), fill({eByte, nullptr, 2, 2, 1, 8, 0}, 5, 0));     // null
+    EXPECT_REFUSAL(5, failed(-11), fill({eByte, pixels, 2, 2, 1, 8, 0}, -1, 0));    // seed before
+    EXPECT_REFUSAL(5, failed(-11), fill({eUInt16, pixels, 2, 2, 1, 8, 0}, 0, 2));   // seed beyond
     EXPECT_REFUSAL(7, L"The image's rows overlap.",
                    fill({eByte, pixels, 4, 2, 2, 8, 0}, 0, 0));                                // rows overlap
     EXPECT_REFUSAL(1, kMemory, fill({eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}, 0, 0));  // huge

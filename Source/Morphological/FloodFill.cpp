@@ -40,11 +40,13 @@ SOLVANE_RETURNCODE template_FloodFill(ImageAttributes image, int seedX, int seed
     FillBuffer buffer;
     SOLVANE_RETURNCODE const code = buffer.Allocate(image);
     if (code != SOLVANE_OK) return code;
+    Size const size{image.width, image.height};
+    Status const status = CheckSeed(image.buffer, size, seedX, seedY, buffer.Get());
+    if (status != kDone) return Report(status);
     if (RowsOverlap(image)) return Fail(SOLVANE_SIZE_MISMATCH, L"The image's rows overlap.");
     if (ElementsTooNarrow<T>(image))
         return Fail(SOLVANE_SIZE_MISMATCH, L"The image's elements are too narrow.");
     std::ptrdiff_t const step = std::ptrdiff_t{image.stride} * static_cast<std::ptrdiff_t>(sizeof(T));
-    Size const size{image.width, image.height};
     auto* const pixels = static_cast<T*>(image.buffer);
     return Report(connectivity == 4
                       ? ippiFloodFill_4Con(pixels, step, size, seedX, seedY, newValue, buffer.Get())
