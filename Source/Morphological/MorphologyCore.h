@@ -105,8 +105,7 @@ template <typename Operation> SOLVANE_RETURNCODE Report(Status status) {
     return Fail(SOLVANE_OPERATION_FAILED, Operation::Located(Operation::kFailure), int{status});
 }
 
-// Both steps at once where that gives the same: each row within its border is gone from the cache otherwise
-// by the time that it is read.
+// The checks of the two steps, border copy and primitive, and then the steps.
 template <typename T, typename Operation>
 SOLVANE_RETURNCODE CopyAndMorph(ImageAttributes const& source, ImageAttributes const& destination,
                                 ImageAttributes const& se, int anchorX, int anchorY, int border,
@@ -129,6 +128,8 @@ SOLVANE_RETURNCODE CopyAndMorph(ImageAttributes const& source, ImageAttributes c
     if (code != SOLVANE_OK) return code;
 
     bool const inPlace = source.buffer == destination.buffer && source.stride == destination.stride;
+    // Both steps at once where that gives the same: each row within its border is gone from the cache otherwise
+    // by the time that it is read.
     if (inPlace || LieApart<T>(source, destination))
         return Report<Operation>(Operation::WithinBorder(from.Row(0), from.Stride() * kBytes, to.Row(0),
                                                          to.Stride() * kBytes, size, element.elements,
