@@ -296,6 +296,7 @@ TEST(AnisotropicGaussian, RefusesInItsOrder) {
     };
     constexpr auto kInputType = L"The input image must be of type eByte, eUInt16, or eDouble.";
     ImageAttributes const none, huge = input(eByte, INT_MAX, INT_MAX, INT_MAX);
+    ImageAttributes const hugeInput = input(eDouble, INT_MAX, INT_MAX, INT_MAX);
     constexpr auto kOutputType = L"The output image must be of type eByte, eUInt16, or eDouble.";
     constexpr auto kException = L"Unexpected exception.";
     auto const filter = [](ImageAttributes from, ImageAttributes const& destination) {
@@ -316,6 +317,7 @@ TEST(AnisotropicGaussian, RefusesInItsOrder) {
     EXPECT_REFUSAL(999, kException, filter(input(eDouble, 0, 4, 0), output(eDouble, 0, 4, 0)));  // empty
     EXPECT_REFUSAL(999, kException, filter(input(eDouble, 4, -4), none));                        // negative
     EXPECT_REFUSAL(999, kException, filter(huge, none));                                         // no memory
+    EXPECT_REFUSAL(999, kException, filter(hugeInput, output(eDouble, INT_MAX, INT_MAX, INT_MAX)));
     ExpectRefusal([&] { return AnisotropicGaussian(input(eByte), nullptr, 1, 1, 0, 0, 0); }, 2,
                   L"The output ImageAttributes pointer was NULL.");
 }
