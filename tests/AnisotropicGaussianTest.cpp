@@ -149,6 +149,31 @@ TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
         }
 }
 
+// Forth to the lines and back to the columns: all that is left of the pass where a line has one pixel.
+TestImage<double> Interpolated(TestImage<double> image, double shear) {
+    int const width = image.shape.width;
+    for (int y = 0; y < image.shape.height; ++y) {
+        double const fraction = shear * y - std::floor(shear * y);
+        for (int x = 0; x + 1 < width; ++x)
+            image.At(x, y) += fraction * (image.At(x + 1, y) - image.At(x, y));
+        for (int x = width - 1; x > 0; --x)
+            image.At(x, y) -= fraction * (image.At(x, y) - image.At(x - 1, y));
+    }
+    return image;
+}
+
+TEST(AnisotropicGaussian, InterpolatesWhereTheShearPassesTheWidth) {
+    for (Shape const shape : {Shape{1, 40, 1}, {2, 40, 2}, {20, 31, 20}, {310, 9, 310}})
+        for (int const widths : {1, -2, 7, -40}) {
+            auto input = RandomImage<double>(shape, 4);
+            double const shear = widths * shape.width + 0.0314, u = 3 * shear;
+            double const angle = std::atan(1 / shear) * 180 / 3.14159265358979323846;
+            // So narrow across that there is no pass along x.
+            auto const result = Filtered(input, u, 1e-8, angle);
+            EXPECT_LT(Largest(result, Interpolated(input, shear)), 1) << shape << ", " << shear;
+        }
+}
+
 TEST(AnisotropicGaussian, SeesTheImageGoOnBeyondItsEnds) {
     constexpr int kLength = 40, kMore = 400;
     std::mt19937 random(2);
