@@ -307,7 +307,10 @@ TEST(AnisotropicGaussian, EndsWhateverItsNumbersAre) {
                 Filtered(input, u, v, angle, 1, 1);
     auto plain = RandomImage<double>({45, 33, 45}, 8);
     EXPECT_TRUE(Filtered(plain, 0.45, -0.3, 45) == plain);
+    for (int angle = 0; angle < 360; ++angle)
+        EXPECT_TRUE(Filtered(plain, 0.45, 0.45, angle) == plain) << angle;
     EXPECT_TRUE(Filtered(plain, kNan, 3, 45) == plain);
+    EXPECT_TRUE(Filtered(plain, 3, kNan, 45) == plain);
     EXPECT_TRUE(Filtered(plain, -3, 2, 45) == Filtered(plain, 3, -2, 45));
 }
 
