@@ -128,8 +128,14 @@ TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
     constexpr int kMiddle = 100;
     auto input = Uniform<double>({kSide, kSide, kSide}, 0);
     input.At(kMiddle, kMiddle) = 1;
-    for (auto const& [u, v] :
-         {std::tuple(3.0, 3.0), {4.0, 4.0}, {6.0, 3.0}, {3.0, 9.0}, {12.0, 3.0}, {3.0, 12.0}, {5.0, 15.0}})
+    for (auto const& [u, v] : {std::tuple(3.0, 3.0),
+                               {3.0, 4.0},
+                               {4.0, 4.0},
+                               {5.0, 3.0},
+                               {3.0, 9.0},
+                               {12.0, 3.0},
+                               {3.0, 12.0},
+                               {5.0, 15.0}})
         for (int angle = -90; angle <= 195; angle += 15) {
             double const radians = angle * 3.14159265358979323846 / 180;
             double const peak = 1 / (2 * 3.14159265358979323846 * u * v);
@@ -143,8 +149,8 @@ TEST(AnisotropicGaussian, SpreadsAPixelAsTheTrueGaussianDoes) {
                     double const exact = peak * std::exp(-(alongU * alongU + alongV * alongV) / 2);
                     worst = std::max(worst, std::abs(response.At(x, y) - exact));
                 }
-            // The recursion itself is off by 6 % where both passes have a sigma of 3.
-            EXPECT_LT(worst, (u * v < 10 ? 0.065 : 0.05) * peak)
+            // Most of it is the recursion's, which is off by 6 % where both passes have a sigma of 3.
+            EXPECT_LT(worst, (std::max(u, v) < 5 ? 0.062 : 0.05) * peak)
                 << u << ", " << v << ", " << angle << ": " << worst / peak;
         }
 }
