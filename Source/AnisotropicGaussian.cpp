@@ -28,16 +28,14 @@ void SmoothAlongSlant(AnisotropicFilterPlan const& plan, Pixels const& image, do
     auto const [source, destination, size] = image;
     bool const upright = !(std::abs(plan.shear) * size.height >= 0.5) || !std::isfinite(plan.shear);
     if (upright) return SmoothColumns(weights, Of::kPixels, source, destination, size.width, size, work);
-    if (std::abs(plan.shear) >= size.width) {
-        // A line has one pixel in the image, and nothing to share it with.
-        if (destination != source) std::copy_n(source, std::ptrdiff_t{size.width} * size.height, destination);
-        return;
-    }
+    // Where the shear passes the width, a line has one pixel in the image. Its row still says how far the line is
+    // from that pixel, but lines need not lie further apart than this.
+    double const apart = std::clamp<double>(plan.shear, -size.width, size.width);
     std::vector<std::ptrdiff_t> shift(static_cast<std::size_t>(size.height));
     std::vector<double> fraction(shift.size());
     for (std::size_t y = 0; y < shift.size(); ++y) {
         double const column = plan.shear * static_cast<double>(y);
-        shift[y] = static_cast<std::ptrdiff_t>(std::floor(column));
+        shift[y] = static_cast<std::ptrdiff_t>(std::floor(apart * static_cast<double>(y)));
         fraction[y] = column - std::floor(column);
     }
     SmoothSlant(weights, {shift.data(), fraction.data()}, source, destination, size.width, size, work);

@@ -2,6 +2,7 @@
 #ifndef ZPA_SOURCE_INTERNAL_ANISOTROPICFILTERPLAN_H
 #define ZPA_SOURCE_INTERNAL_ANISOTROPICFILTERPLAN_H
 
+#include <algorithm>
 #include <cmath>
 
 #include "Source/Internal/Direction.h"
@@ -12,6 +13,7 @@ struct AnisotropicFilterPlan {
     double sigmaSlant;  // along (shear, 1)
     double sigmaX;      // along x
     double shear;       // columns a row
+    bool smooths;
     double cosine, sine;
     int derivativeOrderU, derivativeOrderV;
 
@@ -24,6 +26,8 @@ struct AnisotropicFilterPlan {
         sigmaSlant = std::sqrt(d);
         sigmaX = std::abs(u * v) / sigmaSlant;
         shear = d <= 1e-06 ? 0 : (v * v - u * u) * s * c / d;
+        // Rounding may lift the passes' sigmas above both of these.
+        smooths = std::max(std::abs(u), std::abs(v)) > kLeastSigma;
         cosine = -s;
         sine = c;
     }
@@ -31,8 +35,8 @@ struct AnisotropicFilterPlan {
     // A pass with this sigma or less would change nothing worth the name.
     static constexpr double kLeastSigma = 0.45;
 
-    bool RunsAlongSlant() const { return sigmaSlant > kLeastSigma; }
-    bool RunsAlongX(int width) const { return sigmaX > kLeastSigma && width >= 2; }
+    bool RunsAlongSlant() const { return smooths && sigmaSlant > kLeastSigma; }
+    bool RunsAlongX(int width) const { return smooths && sigmaX > kLeastSigma && width >= 2; }
 };
 
 }  // namespace ZPA

@@ -6,6 +6,7 @@
 
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
+#include "Source/Internal/Memory.h"
 
 namespace ZPA {
 
@@ -13,7 +14,8 @@ inline bool IsContiguousDouble(ImageAttributes const& image) {
     return image.type == eDouble && image.stride == image.width;
 }
 
-// Refuses an input or output whose type isServed(type) denies, and outputs of another size than the input's.
+// Refuses an input or output whose type isServed(type) denies, outputs of another size than the input's, and sizes
+// that no double image has.
 template <typename IsServed>
 [[nodiscard]] SOLVANE_RETURNCODE CheckFilterImages(ImageAttributes const& input,
                                                    ImageAttributes const* output, IsServed const& isServed) {
@@ -29,8 +31,9 @@ template <typename IsServed>
     if (RowsUnreadable(input)) return Fail(SOLVANE_SIZE_MISMATCH, L"The input image's rows overlap.");
     if (output->buffer && RowsOverlap(*output))
         return Fail(SOLVANE_SIZE_MISMATCH, L"The output image's rows overlap.");
-    // No image can be made of this size.
-    if (input.width < 1 || input.height < 1) return Fail(SOLVANE_UNEXPECTED, kUnexpected);
+    bool const tooLarge =
+        BlockBytes(ElementsSpanned(input.width, input.height, input.width), sizeof(double)) == kNoSize;
+    if (input.width < 1 || input.height < 1 || tooLarge) return Fail(SOLVANE_UNEXPECTED, kUnexpected);
     return SOLVANE_OK;
 }
 

@@ -23,11 +23,12 @@ namespace ZPA {
 /// direction (shear, 1), which interpolates linearly between neighbouring columns, and one along x. With
 /// d = u^2 sin^2 + v^2 cos^2 of the angle, their sigmas are sqrt(d) and u v / sqrt(d), and the shear is
 /// (u^2 - v^2) sin cos / d columns a row. A pass whose sigma is 0.45 or less, or is not a number, is left
-/// out. A sigma of exactly 0 takes the pass along x away, whatever the other sigma: TO SMOOTH ALONG ONE AXIS
-/// ONLY, give the other one 0.01. Where the whole shear over the image's height is below half a column, the first pass runs plainly
-/// along y. The image goes on beyond its borders as its outermost pixels do; a uniform image stays uniform up
-/// to rounding. For sigmas of 3 and more, and ratios up to 4, the response to one bright pixel is that of the
-/// true Gaussian within 5 % of its peak.
+/// out; both are where neither `sigmaU` nor `sigmaV` is above 0.45. A sigma of exactly 0 takes the pass along
+/// x away, whatever the other sigma: TO SMOOTH ALONG ONE AXIS ONLY, give the other one 0.01. Where the whole
+/// shear over the image's height is below half a column, the first pass runs plainly along y. The image goes on
+/// beyond its borders as its outermost pixels do; a uniform image stays uniform up to rounding. For sigmas of 3
+/// and more, and ratios up to 4, the response to one bright pixel is that of the true Gaussian within 5 % of its
+/// peak, or 6.2 % where both are below 5.
 ///
 /// Then the central difference along u is taken `derivativeOrderU` times, and that along v `derivativeOrderV`
 /// times: half of what the next pixel has more than the one before, across and down, weighted with the axis'
