@@ -146,6 +146,9 @@ constexpr Operation kOperations[] = {{'+', "Add", Add, "AddC", AddC},
                                      {'-', "Sub", Sub, "SubC", SubC},
                                      {'*', "MulP", MulP, "MulC", MulC},
                                      {'/', "DivP", DivP, "DivC", DivC}};
+constexpr WithImage kCoreOfAdd = [](ImageAttributes first, ImageAttributes second, ImageAttributes* output) {
+    return ipp_add(first, second, output, false);
+};
 
 using Types = std::tuple<signed char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
 
@@ -169,6 +172,10 @@ Registration const arithmetic([] {
         ForEachType([&](auto element) {
             using T = decltype(element);
             constexpr double kSize = sizeof(T);
+            if constexpr (std::is_same_v<T, unsigned char> || sizeof(T) == 2 || std::is_same_v<T, float>)
+                Register({"ipp_add", kTypeName<T>, side, side, {2 * kSize, kSize}, [=] {
+                              return Combine<T>('+', kCoreOfAdd, side);
+                          }});
             if constexpr (std::is_signed_v<T>)
                 Register(
                     {"Abs", kTypeName<T>, side, side, {kSize, kSize}, [=] { return Absolute<T>(side); }});
