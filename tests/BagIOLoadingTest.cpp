@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <filesystem>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>

@@ -7,7 +7,6 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 
 #include "support/BagDocuments.h"

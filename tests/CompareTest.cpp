@@ -65,7 +65,7 @@ TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     hole.At(1, 2) = 0;
     ImageAttributes const maskImage = mask.Attributes();
     ImageAttributes const holeImage = hole.Attributes();
-    Rectangle const around(4, 3, 3, 3), beside(0, 0, 5, 7), partlyOutside(-2, -2, 20, 20);
+    Rectangle const around(4, 3, 3, 3), odd(3, 2, 5, 5), beside(0, 0, 5, 7), partlyOutside(-2, -2, 20, 20);
     APOINT const over(4, 2), apart(0, 0);
     struct Case {
         char const* name;
@@ -83,7 +83,7 @@ TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
         {"rectangle around", &around, nullptr, nullptr, 1, 1, 1.0, false},
         {"rectangle beside", &beside, nullptr, nullptr, 1, 1, 1.0, true},
         {"sampled past it", nullptr, nullptr, nullptr, 2, 2, 1.0, true},
-        {"sampled on it", &around, nullptr, nullptr, 1, 1, 1.0, false},
+        {"sampled on it", &odd, nullptr, nullptr, 2, 2, 1.0, false},
         {"steps beyond the image", nullptr, nullptr, nullptr, INT_MAX, INT_MAX, 1.0, true},
         {"mask over", nullptr, &maskImage, &over, 1, 1, 1.0, false},
         {"mask with a hole", nullptr, &holeImage, &over, 1, 1, 1.0, true},

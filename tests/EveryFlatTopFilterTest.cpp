@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <climits>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "support/CapturedLog.h"
 #include "support/NoMemory.h"

@@ -175,11 +175,6 @@ TEST(LogDump, TellsNothingWithoutLabelPixelsOrListener) {
     EXPECT_TRUE(log.DebugLines().empty());
 }
 
-std::vector<std::wstring> Messages(std::vector<LogLine> const& lines) {
-    std::vector<std::wstring> messages;
-    for (LogLine const& line : lines) messages.push_back(line.message);
-    return messages;
-}
 using Lines = std::vector<std::wstring>;
 
 // The flag is looked at at both ends.

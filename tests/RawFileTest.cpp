@@ -6,7 +6,6 @@
 #include <cwchar>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>

@@ -6,7 +6,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <string>
 
 #include "support/TemporaryFolder.h"
 
