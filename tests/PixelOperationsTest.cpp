@@ -152,40 +152,28 @@ TEST(ApplyMask, RefusesInItsOrder) {
     EXPECT_REFUSAL(3, L"ApplyMask(): The image's size is negative.", ApplyMask(negative, negative));
 }
 
-TEST(DiffBuffer, SubtractsWhatTheOutputHeld) {
-    unsigned char const bytes[] = {10, 250, 3, 3};
-    unsigned char output[] = {10, 250, 3, 3, 99};
-    BufferAttributes result(eByte, output, 4);
-    ASSERT_EQ(DiffBuffer({eByte, const_cast<unsigned char*>(bytes), 4}, &result), SOLVANE_OK);
-    unsigned char const expected[] = {240, 9, 0, 0, 99};
-    EXPECT_TRUE(std::equal(expected, expected + 5, output));
-
-    int inPlace[] = {INT_MIN, INT_MAX, 5};
-    BufferAttributes same(eInt32, inPlace, 3);
-    ASSERT_EQ(DiffBuffer(same, &same), SOLVANE_OK);
-    EXPECT_EQ(inPlace[0], -1);
-    EXPECT_EQ(inPlace[1], INT_MIN + 6);
-    EXPECT_EQ(inPlace[2], 0);
+template <typename T> void ExpectDifferences(int offset) {
+    SCOPED_TRACE(testing::Message() << "type " << TypeCodeOf<T> << ", " << offset);
+    constexpr int kCount = 150, kStart = 50;
+    auto memory = RandomImage<T>({600, 1, 600}, 3);
+    auto expected = memory;
+    T* const to = expected.Pixels() + kStart + offset;
+    for (int i = 0; i + 1 < kCount; ++i)
+        to[i] = static_cast<T>(std::int64_t{expected.Pixels()[kStart + i + 1]} - to[i]);
+    to[kCount - 1] = 0;
+    BufferAttributes output(TypeCodeOf<T>, memory.Pixels() + kStart + offset, kCount);
+    EXPECT_EQ(DiffBuffer({TypeCodeOf<T>, memory.Pixels() + kStart, kCount}, &output), SOLVANE_OK);
+    EXPECT_TRUE(memory == expected);
 }
 
 TEST(DiffBuffer, GoesFromTheFirstElementToTheLastOnEverySimdTarget) {
     // Where the output begins in the memory that also holds the source: apart, the same, ahead of it and
     // behind.
-    for (int const offset : {300, 0, -1, -3, 1, 2, 5, 40}) {
+    for (int const offset : {300, 0, -1, -3, 1, 2, 5, 40})
         ForEachSimdTarget([&] {
-            SCOPED_TRACE(offset);
-            constexpr int kCount = 150, kStart = 50;
-            auto memory = RandomImage<short>({600, 1, 600}, 3);
-            auto expected = memory;
-            short* const to = expected.Pixels() + kStart + offset;
-            for (int i = 0; i + 1 < kCount; ++i)
-                to[i] = static_cast<short>(expected.Pixels()[kStart + i + 1] - to[i]);
-            to[kCount - 1] = 0;
-            BufferAttributes output(eInt16, memory.Pixels() + kStart + offset, kCount);
-            EXPECT_EQ(DiffBuffer({eInt16, memory.Pixels() + kStart, kCount}, &output), SOLVANE_OK);
-            EXPECT_TRUE(memory == expected);
+            ForEachType<std::uint8_t, short, int>(
+                [&](auto element) { ExpectDifferences<decltype(element)>(offset); });
         });
-    }
 }
 
 TEST(DiffBuffer, RefusesInItsOrder) {
