@@ -79,7 +79,8 @@ template <typename T> Contenders Combine(char name, WithImage operation, int sid
     return contenders;
 }
 
-template <typename T> Contenders CombineConstant(char name, WithConstant operation, int side) {
+template <typename T>
+Contenders CombineConstant([[maybe_unused]] char name, WithConstant operation, int side) {
     auto const scene = MakeScene<T>(side, ' ');
     Contenders contenders{[=, output = scene->ours.Attributes()]() mutable {
                               Require(operation(scene->first.Attributes(), &scene->constant, &output));
