@@ -9,6 +9,7 @@
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
+#include "Source/Platform/ExtendedPrecision.h"
 
 namespace ZPA {
 namespace {
@@ -29,6 +30,7 @@ template <typename T> T FilteredElement(T const* newest, float const* weights, s
 
 template <typename T>
 void FilterInto(T* output, T const* input, std::ptrdiff_t count, float const* weights, std::ptrdiff_t taps) {
+    [[maybe_unused]] ExtendedPrecision const precision;  // the core is called without the frame too
     std::ptrdiff_t const ramp = std::min(count, taps - 1);
     std::ptrdiff_t i = 0;
     for (; i < ramp; ++i) output[i] = FilteredElement(input + i, weights, i + 1);

@@ -29,21 +29,29 @@ constexpr auto kTypesSupported = L"TypesSupported";
 using Flags = std::atomic<bool>[kCategories];
 using Callback = std::atomic<LogCallback>;
 
-// All state of this file. It begins as zeros when the library loads, and ends when it is unloaded.
+// Where events go, and the source that is registered there.
+struct Events {
+    EventLog* log = &SystemEventLog();
+    EventLog::Source source = nullptr;
+
+    ~Events() { Deregister(); }
+    void Deregister() {
+        if (source) log->Deregister(source);
+        source = nullptr;
+    }
+};
+
+// All state of this file. It begins as zeros when the library loads. When it is unloaded the lock goes first,
+// then the source.
 struct State {
     Flags logFlags = {};
     Flags debugFlags = {};
+    Events events;
     CriticalSection lock;
     Callback info{nullptr};
     Callback warning{nullptr};
     Callback error{nullptr};
     Callback debug{nullptr};
-    EventLog* events = &SystemEventLog();
-    EventLog::Source source = nullptr;
-
-    ~State() {
-        if (source) events->Deregister(source);
-    }
 };
 State state;
 
@@ -112,20 +120,21 @@ void Deliver(LogCallback callback, Line const& text, int category) {
 }
 
 // Called with the lock held.
-void RegisterSource(EventLog& events) {
+void RegisterSource(Events& events) {
+    EventLog& log = *events.log;
     bool existed = false;
-    EventLog::Key const key = events.CreateKey(kSourceKey, existed);
+    EventLog::Key const key = log.CreateKey(kSourceKey, existed);
     if (key && !existed) {
         constexpr std::uint32_t kPathLimit = 0x1FFF;
         constexpr std::uint32_t kAllTypes = 7;
         wchar_t path[kPathLimit + 1];
-        std::uint32_t const size = events.ModulePath(path, kPathLimit);
+        std::uint32_t const size = log.ModulePath(path, kPathLimit);
         // Characters where bytes are meant, which stores half the path; readers are used to it.
-        events.SetText(key, L"EventMessageFile", path, size + 1);
-        events.SetNumber(key, kTypesSupported, kAllTypes);
+        log.SetText(key, L"EventMessageFile", path, size + 1);
+        log.SetNumber(key, kTypesSupported, kAllTypes);
     }
-    if (!state.source) state.source = events.RegisterSource(L"ZPA");
-    if (key) events.CloseKey(key);
+    if (!events.source) events.source = log.RegisterSource(L"ZPA");
+    if (key) log.CloseKey(key);
 }
 
 struct Event {
@@ -137,13 +146,14 @@ constexpr Event kError{EventType::Error, 1, 0xC0010002};
 constexpr Event kWarning{EventType::Warning, 2, 0x40010001};
 
 void WriteEvent(Event const& event, int category, wchar_t const* message) {
+    Events& events = state.events;
     std::uint32_t types = 3;
-    state.events->ReadValue(kFilterKey, kTypesSupported, types);
+    events.log->ReadValue(kFilterKey, kTypesSupported, types);
     AutoCriticalSection const guard(&state.lock);
-    if (!state.source) RegisterSource(*state.events);
-    if ((types & event.filterBit) != 0 && state.source)
-        state.events->Report(state.source, event.type, static_cast<std::uint16_t>(category), event.id,
-                             message);
+    if (!events.source) RegisterSource(events);
+    if ((types & event.filterBit) != 0 && events.source)
+        events.log->Report(events.source, event.type, static_cast<std::uint16_t>(category), event.id,
+                           message);
 }
 
 // Errors and warnings: to the callback, else to the event log.
@@ -171,9 +181,8 @@ void Tell(Callback const& callback, Flags const& flags, LogCategory category, wc
 }  // namespace
 
 void UseEventLog(EventLog& log) {
-    if (state.source) state.events->Deregister(state.source);
-    state.source = nullptr;
-    state.events = &log;
+    state.events.Deregister();
+    state.events.log = &log;
 }
 
 SOLVANE_RETURNCODE ZPA_Logging::LogError(wchar_t const* source, int line, int code, wchar_t const* format,

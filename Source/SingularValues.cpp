@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <memory>
 
 #include "primitives/Vectors.h"
@@ -43,6 +45,10 @@ public:
     }
 
 private:
+    // What is below counts as zero: quotients by it could lose their digits or pass the range. Beside the matrix's
+    // largest element, which is far above, it is less than a rounding.
+    static constexpr T kNothing = std::numeric_limits<T>::min() / std::numeric_limits<T>::epsilon();
+
     // Makes x a reflection's direction that leaves only its first element, and gives that element. `half`
     // becomes half the square of the direction's length, negative; 0 where there is nothing to reflect. The
     // direction is scaled by `scale`.
@@ -50,7 +56,10 @@ private:
         scale = 0;
         half = 0;
         for (std::ptrdiff_t i = 0; i < count; ++i) scale += std::abs(x[i]);
-        if (scale == 0) return 0;
+        if (scale < kNothing) {
+            scale = 0;
+            return 0;
+        }
         for (std::ptrdiff_t i = 0; i < count; ++i) x[i] /= scale;
         T const length = std::sqrt(InnerProduct(x, x, count));
         T const left = x[0] < 0 ? length : -length;
@@ -232,13 +241,33 @@ private:
     T norm_;
 };
 
+template <typename T> void TimesPowerOfTwo(int exponent, T* elements, std::ptrdiff_t count) {
+    if (exponent != 0)
+        for (std::ptrdiff_t i = 0; i < count; ++i) elements[i] = std::scalbn(elements[i], exponent);
+}
+
+// Of the largest element if its square is out of range, else 0. Divided by this power of two, a matrix keeps its bits,
+// its norm stays in range, and what rounding leaves of its rows and columns has all its digits.
+template <typename T> int ExponentOutOfRange(T largest) {
+    if (largest == 0 || !std::isfinite(largest)) return 0;
+    int const exponent = std::ilogb(largest);
+    return std::abs(exponent) >= std::numeric_limits<T>::max_exponent / 2 ? exponent : 0;
+}
+
 // From and to offset matrices. False if a singular value did not converge.
 template <typename T>
 bool Decompose(T** a, std::ptrdiff_t m, std::ptrdiff_t n, T* w, T** v, T* above, T* work) {
     Decomposition<T> matrix(m, n, w + 1, above, work);
+    T largest = 0;
     for (std::ptrdiff_t y = 0; y < m; ++y)
-        for (std::ptrdiff_t x = 0; x < n; ++x) matrix.U(x)[y] = a[y + 1][x + 1];
+        for (std::ptrdiff_t x = 0; x < n; ++x) {
+            matrix.U(x)[y] = a[y + 1][x + 1];
+            largest = std::max(largest, std::abs(a[y + 1][x + 1]));
+        }
+    int const exponent = ExponentOutOfRange(largest);
+    TimesPowerOfTwo(-exponent, matrix.U(0), m * n);
     bool const converged = matrix.Run();
+    TimesPowerOfTwo(exponent, w + 1, n);
     for (std::ptrdiff_t y = 0; y < m; ++y)
         for (std::ptrdiff_t x = 0; x < n; ++x) a[y + 1][x + 1] = matrix.U(x)[y];
     for (std::ptrdiff_t y = 0; y < n; ++y)

@@ -366,7 +366,7 @@ Contenders SingularValuesBesideLapack(int n) {
 #endif
 
 Registration const rows([] {
-    for (int const n : {2, 4, 8, 16, 24, 32, 40, 41, 64, 100, 200, 500})
+    for (int const n : {1, 2, 3, 4, 5, 6, 8, 16, 24, 32, 40, 41, 64, 100, 200, 500})
         Register({"sollequ", "64f", n, n, {0, 0}, [=] { return Solve(n); }});
     for (int const n : {8, 40, 200, 500})
         Register({"invmatrix_DBL", "64f", n, n, {0, 0}, [=] { return Invert(n); }});

@@ -160,7 +160,10 @@ int main(int count, char** words) {
             return 0;
         }
         auto const rows = Chosen(options.filter);
-        if (!options.list) return RunAll(options, rows);
+        if (!options.list) {
+            StartWithThreads(options.threads, words);
+            return RunAll(options, rows);
+        }
         for (Row const* row : rows) std::cout << NameOf(*row) << "\n";
         return 0;
     } catch (std::regex_error const&) {

@@ -34,12 +34,14 @@ fetch_sources() {
     touch -- "$sources/complete"
 }
 
-# Builds the dependencies for a platform, unless that was done.
+# Builds the dependencies for a platform, unless that was done since how they are built changed. Then all that was built
+# before goes, the library too: compilers' settings count only when a folder is first configured.
 build_dependencies() {
     local platform=$1 prefix=$platforms/$1/prefix
-    [[ ! $prefix/complete -nt cmake/dependencies/CMakeLists.txt ]] || return 0
+    [[ ! -e $prefix/complete || $(find cmake/dependencies cmake/toolchains -type f -newer "$prefix/complete") ]] ||
+        return 0
     say "Building GoogleTest, Highway, TinyXML and libpng for $platform into $prefix"
-    rm -rf -- "$prefix"
+    rm -rf -- "$prefix" "$platforms/$platform/build" "build/$platform"
     cmake -S cmake/dependencies -B "$platforms/$platform/build" -G Ninja \
         --toolchain "$PWD/cmake/toolchains/$platform.cmake" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_INSTALL_PREFIX="$PWD/$prefix" -DZPA_SOURCES="$PWD/$platforms/sources"

@@ -14,6 +14,8 @@
 #include <limits>
 #include <utility>
 
+#include "primitives/DivideBy.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
 namespace {
@@ -71,19 +73,6 @@ std::ptrdiff_t RowOf(double largest, double const* sizes, std::ptrdiff_t j, std:
     return j;
 }
 
-// Division by one number: by its reciprocal, if that has all its digits.
-class DivideBy {
-public:
-    DivideBy() = default;
-    explicit DivideBy(double divisor)
-        : divisor_(divisor), reciprocal_(1 / divisor), multiplies_(std::isnormal(reciprocal_)) {}
-    double operator()(double value) const { return multiplies_ ? value * reciprocal_ : value / divisor_; }
-
-private:
-    double divisor_, reciprocal_;
-    bool multiplies_;
-};
-
 // Step j on the rows below it, in the cells from its own on. Returns the largest size in the next column.
 template <int cells> double Eliminate(Panel const& panel, std::ptrdiff_t j, RowNotes const& notes) {
     CellTag const d;
@@ -95,15 +84,14 @@ template <int cells> double Eliminate(Panel const& panel, std::ptrdiff_t j, RowN
 
     // In its own cell the step leaves the columns before j alone, and puts the factor into column j.
     hn::Vec<CellTag> taken[kVectors];
-    hn::Mask<CellTag> factorHere[kOwn];
+    hn::Mask<CellTag> factorHere[kOwn], done[kOwn];
     for (std::ptrdiff_t v = 0; v < kVectors; ++v) {
         taken[v] = hn::LoadU(d, pivotRow + v * kStep);
         if (v >= kOwn) continue;
-        auto const before =
-            hn::FirstN(d, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lane - v * kStep, 0)));
+        done[v] = hn::FirstN(d, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lane - v * kStep, 0)));
         auto const through =
             hn::FirstN(d, static_cast<std::size_t>(std::max<std::ptrdiff_t>(lane + 1 - v * kStep, 0)));
-        factorHere[v] = hn::Xor(before, through);
+        factorHere[v] = hn::Xor(done[v], through);
         taken[v] = hn::IfThenZeroElse(through, taken[v]);
     }
 
@@ -113,8 +101,10 @@ template <int cells> double Eliminate(Panel const& panel, std::ptrdiff_t j, RowN
         double* const row = panel.Row(y) + at;
         auto const factor = hn::Set(d, divide(row[lane]));
         for (std::ptrdiff_t v = 0; v < kVectors; ++v) {
-            auto left = hn::Sub(hn::LoadU(d, row + v * kStep), hn::Mul(factor, taken[v]));
-            if (v < kOwn) left = hn::IfThenElse(factorHere[v], factor, left);
+            auto const old = hn::LoadU(d, row + v * kStep);
+            auto left = hn::Sub(old, hn::Mul(factor, taken[v]));
+            // selected, not subtracted: an infinite factor would leave no number of its zeros
+            if (v < kOwn) left = hn::IfThenElse(done[v], old, hn::IfThenElse(factorHere[v], factor, left));
             hn::StoreU(left, d, row + v * kStep);
         }
         if (!measures) continue;

@@ -175,9 +175,8 @@ template <typename T> auto Sets(Rows<T> const& image, Size size, T value) {
 template <typename T>
 Status FillFromSeed(T* image, std::ptrdiff_t step, Size size, int seedX, int seedY, T value,
                     bool eightNeighbours, void* buffer) {
-    if (!image || !buffer) return kNullPointer;
-    if (size.width < 1 || size.height < 1) return kBadSize;
-    if (seedX < 0 || seedY < 0 || seedX >= size.width || seedY >= size.height) return kBadIndex;
+    Status const status = CheckSeed(image, size, seedX, seedY, buffer);
+    if (status != kDone) return status;
     Rows<T> const rows{image, step};
     T const wanted = rows[seedY][seedX];
     if (wanted == value) return kDone;
@@ -221,12 +220,30 @@ Status FillHolesOf(T* image, std::ptrdiff_t step, Size size, bool eightNeighbour
     return FillFromBorder(image, step, size, kMarker, T{0}, eightNeighbours, buffer);
 }
 
+template <typename T> void CloseZerosOf(Rows<T> const& rows, Size size) {
+    constexpr std::ptrdiff_t kAtOnce = 4096;
+    std::uint64_t bits[WordsOf(kAtOnce)];
+    for (int y = 0; y < size.height; ++y)
+        for (std::ptrdiff_t x = 0; x < size.width; x += kAtOnce) {
+            std::ptrdiff_t const count = std::min(size.width - x, kAtOnce);
+            FindZeros(rows[y] + x, count, bits);
+            SetToPixelBefore(rows[y] + x, count, bits);
+        }
+}
+
 }  // namespace
 
 Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
     if (!bytes) return kNullPointer;
     if (size.width < 1 || size.height < 1) return kBadSize;
     *bytes = static_cast<std::uint64_t>(Parts(size).all);
+    return kDone;
+}
+
+Status CheckSeed(void const* image, Size size, int seedX, int seedY, void const* buffer) noexcept {
+    if (!image || !buffer) return kNullPointer;
+    if (size.width < 1 || size.height < 1) return kBadSize;
+    if (seedX < 0 || seedY < 0 || seedX >= size.width || seedY >= size.height) return kBadIndex;
     return kDone;
 }
 
@@ -246,6 +263,9 @@ Status ippiFloodFillGetSize(Size size, std::uint64_t* bytes) noexcept {
     Status FloodHoles(T* image, std::ptrdiff_t step, Size size, bool eightNeighbours,                  \
                       void* buffer) noexcept {                                                         \
         return FillHolesOf(image, step, size, eightNeighbours, buffer);                                \
+    }                                                                                                  \
+    void CloseZeros(T* image, std::ptrdiff_t step, Size size) noexcept {                               \
+        CloseZerosOf(Rows<T>{image, step}, size);                                                      \
     }
 ZPA_FILL(std::uint8_t)
 ZPA_FILL(std::uint16_t)

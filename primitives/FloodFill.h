@@ -20,6 +20,9 @@ Status ippiFloodFill_8Con(std::uint8_t* image, std::ptrdiff_t step, Size size, i
 Status ippiFloodFill_8Con(std::uint16_t* image, std::ptrdiff_t step, Size size, int seedX, int seedY,
                           std::uint16_t value, void* buffer) noexcept;
 
+// What these refuse, in this order, before they read a pixel: null pointers, no size, a seed outside.
+Status CheckSeed(void const* image, Size size, int seedX, int seedY, void const* buffer) noexcept;
+
 // Replaces the pixels of value `background` on the image's border, and those connected with them, by `value`:
 // what a fill from each of them in turn would do.
 Status FloodFillFromBorder(std::uint8_t* image, std::ptrdiff_t step, Size size, std::uint8_t background,
@@ -34,6 +37,10 @@ Status FloodHoles(std::uint8_t* image, std::ptrdiff_t step, Size size, bool eigh
                   void* buffer) noexcept;
 Status FloodHoles(std::uint16_t* image, std::ptrdiff_t step, Size size, bool eightNeighbours,
                   void* buffer) noexcept;
+
+// The same for an image with no zero on its border, so that all zeros are holes, and without the clearing.
+void CloseZeros(std::uint8_t* image, std::ptrdiff_t step, Size size) noexcept;
+void CloseZeros(std::uint16_t* image, std::ptrdiff_t step, Size size) noexcept;
 
 }  // namespace ZPA
 

@@ -50,10 +50,9 @@ constexpr int kTallRectangle = 8;
 
 // What the mask asks to be done for every row.
 struct Plan {
-    // Throws std::bad_alloc.
+    // Of a mask with a set element. Throws std::bad_alloc.
     explicit Plan(Mask const& itsMask) : mask(itsMask) {
         FindRuns();
-        if (runs.empty()) return;
         isTallRectangle = mask.size.height >= kTallRectangle &&
                           runs.size() == static_cast<std::size_t>(mask.size.height) &&
                           std::all_of(runs.begin(), runs.end(), [&](Run const& run) {
@@ -349,20 +348,27 @@ void WorkOnRows(Plan const& plan, Region<T> const& region, RowExtremes<T> const&
 template <typename T>
 Status Morph(RowExtremes<T> const& extremes, Region<T> const& region, Mask const& mask, T* scratch) noexcept
     try {
-    if (!region.source.first || !region.destination.first || !mask.elements) return kNullPointer;
+    if (!region.source.first || !region.destination.first) return kNullPointer;
     if (region.size.width < 1 || region.size.height < 1) return kBadSize;
-    if (mask.size.width < 1 || mask.size.height < 1) return kBadSize;
-    Plan const plan(mask);
-    if (plan.runs.empty()) return kEmptyMask;
-    if (mask.anchorX < 0 || mask.anchorX >= mask.size.width) return kAnchorOutside;
-    if (mask.anchorY < 0 || mask.anchorY >= mask.size.height) return kAnchorOutside;
-    WorkOnRows(plan, region, extremes, scratch);
+    Status const status = CheckMask(mask.elements, mask.size, mask.anchorX, mask.anchorY);
+    if (status != kDone) return status;
+    WorkOnRows(Plan(mask), region, extremes, scratch);
     return kDone;
 } catch (...) {
     return kNoMemory;
 }
 
 }  // namespace
+
+Status CheckMask(std::uint8_t const* mask, Size maskSize, int anchorX, int anchorY) noexcept {
+    if (!mask) return kNullPointer;
+    if (maskSize.width < 1 || maskSize.height < 1) return kBadSize;
+    std::ptrdiff_t const count = std::ptrdiff_t{maskSize.width} * maskSize.height;
+    if (std::all_of(mask, mask + count, [](std::uint8_t element) { return element == 0; })) return kEmptyMask;
+    if (anchorX < 0 || anchorX >= maskSize.width) return kAnchorOutside;
+    if (anchorY < 0 || anchorY >= maskSize.height) return kAnchorOutside;
+    return kDone;
+}
 
 #define ZPA_MORPHOLOGY(name, suffix, T, extreme)                                                            \
     Status ippi##name##_##suffix##_C1R(T const* source, std::ptrdiff_t sourceStep, T* destination,          \

@@ -6,10 +6,13 @@
 
 namespace ZPA {
 
+// What is refused of a mask, in this order: null elements, no size, no set element, an anchor outside.
+Status CheckMask(std::uint8_t const* mask, Size maskSize, int anchorX, int anchorY) noexcept;
+
 // Dilation and erosion give every pixel (x, y) of the region the largest or smallest of source(x + i -
 // anchorX, y + j - anchorY), for all elements (i, j) of the mask that are not zero. The mask has no padding.
-// Refused are, in this order: null pointers, a region or a mask of no size, a mask without a set element, an
-// anchor outside the mask, and work for which there is no memory.
+// Refused are, in this order: null images, a region of no size, what CheckMask refuses, and work for which there
+// is no memory.
 //
 // Here the source has surroundings: all that the mask reaches from the region is in memory. The destination
 // must not overlap it.

@@ -10,10 +10,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "primitives/FactorPanel-inl.h"
+#include "primitives/FewUnknowns.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
@@ -203,8 +203,7 @@ std::ptrdiff_t ScaleRows(double const* matrix, std::ptrdiff_t n, double* scales)
         double const* const row = matrix + y * n;
         double const largest = LargestSize(row, n);
         if (largest == 0 && std::all_of(row, row + n, [](double element) { return element == 0; })) return y;
-        // the smallest numbers have no reciprocal
-        scales[y] = std::min(1 / largest, std::numeric_limits<double>::max());
+        scales[y] = ScaleOf(largest);
     }
     return n;
 }
@@ -318,13 +317,19 @@ HWY_EXPORT(Solve);
 HWY_EXPORT(Invert);
 
 std::ptrdiff_t RowScales(double const* matrix, std::ptrdiff_t n, double* scales) {
+    if (n <= kFewUnknowns) return WithFewUnknowns(n, [&](auto few) { return few.RowScales(matrix, scales); });
     return HWY_DYNAMIC_DISPATCH(ScaleRows)(matrix, n, scales);
 }
 double Factorise(double* matrix, std::ptrdiff_t n, double tinyPivot, double* scales, double* sizes,
                  int* exchanges) {
+    if (n <= kFewUnknowns)
+        return WithFewUnknowns(n,
+                               [&](auto few) { return few.Factorise(matrix, tinyPivot, scales, exchanges); });
     return HWY_DYNAMIC_DISPATCH(FactorMatrix)(matrix, n, tinyPivot, scales, sizes, exchanges);
 }
 void SolveFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* rightHandSide) {
+    if (n <= kFewUnknowns)
+        return WithFewUnknowns(n, [&](auto few) { few.Solve(factors, exchanges, rightHandSide); });
     HWY_DYNAMIC_DISPATCH(Solve)(factors, n, exchanges, rightHandSide);
 }
 void InvertFactorised(double const* factors, std::ptrdiff_t n, int const* exchanges, double* inverse) {

@@ -6,7 +6,7 @@
 
 namespace ZPA {
 
-// Matrices are n rows of n elements, one behind the other. The same bits on every instruction set.
+// Matrices are n rows of n elements, one behind the other; n is at least 1. The same bits on every instruction set.
 
 // scales[y] = 1 / the size of row y's largest element; what is not a number does not count. Returns the first
 // row that is all zeros, at which it stops, or n if there is none.

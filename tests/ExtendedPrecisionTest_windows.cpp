@@ -1,4 +1,5 @@
 // Sums in extended precision on threads that Windows made, which begin with less.
+#include <Basics/LinearFilters.h>
 #include <Basics/Statistics.h>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -15,7 +16,7 @@ unsigned short Control() {
 }
 
 struct Measured {
-    double mean = 0;
+    double mean = 0, filtered = 0;
     unsigned short before = 0, after = 0;
 };
 
@@ -29,6 +30,13 @@ DWORD WINAPI Measure(void* result) {
     EXPECT_EQ(
         CalculateImageStats(image, nullptr, nullptr, nullptr, nullptr, nullptr, &measured.mean, nullptr),
         SOLVANE_OK);
+    // The core alone, which no operation stands around.
+    double rising[] = {1, 1, 9007199254740992};
+    float ones[] = {1, 1, 1};
+    BufferAttributes input(eDouble, rising, 3);
+    EXPECT_EQ(template_FilterBufferSimple<double>(input, BufferAttributes(eSingle, ones, 3), &input),
+              SOLVANE_OK);
+    measured.filtered = rising[2];
     measured.after = Control();
     return 0;
 }
@@ -44,6 +52,8 @@ TEST(ExtendedPrecision, HoldsOnEveryThread) {
     EXPECT_EQ(there.after, there.before);
     EXPECT_EQ(here.mean, 9007199254742016 / 1025.0);
     EXPECT_EQ(there.mean, here.mean);
+    EXPECT_EQ(here.filtered, 9007199254740994);
+    EXPECT_EQ(there.filtered, here.filtered);
 }
 
 }  // namespace

@@ -125,10 +125,11 @@ TYPED_TEST(Filling, HolesAsThreeStagesDo) {
     T const marker = std::numeric_limits<T>::max();
     for (Shape const shape : kSizes)
         for (double const share : {0.0, 0.3, 0.5, 0.6, 1.0})
-            for (int const connectivity : {4, 8}) {
+            for (int const connectivity : {4, 8, 6}) {
                 // Foreground of one value, of two labels, and of the marker's value.
                 for (T const other : {T{1}, T{200}, marker}) {
-                    auto const image = Porous<T>(shape, 4, share, 0, other, 3);
+                    auto image = Porous<T>(shape, 4, share, 0, other, 3);
+                    if (connectivity == 6) ModelFillBorder(image, T{0}, other, 4);  // only holes are left
                     auto expected = image;
                     ModelFillHoles(expected, connectivity);
                     ForEachSimdTarget([&] {
@@ -186,9 +187,9 @@ TEST(FloodFill, RefusesInItsOrder) {
     EXPECT_REFUSAL(5, kSize, fill({eDouble, pixels, 2, -2, 2, 8, 0}, 0, 0));  // negative height, other type
     EXPECT_REFUSAL(5, failed(-12), fill({eDouble, pixels, 2, 2, 2, 64, 0}, 0, 0));  // other type
     EXPECT_REFUSAL(5, failed(-12), fill({eSByte, pixels, 2, 2, 2, 64, 0}, 0, 0));   // signed bytes
-    EXPECT_REFUSAL(5, failed(-8), fill({eByte, nullptr, 2, 2, 2, 8, 0}, 5, 0));     // null
-    EXPECT_REFUSAL(5, failed(-11), fill({eByte, pixels, 2, 2, 2, 8, 0}, -1, 0));    // seed before
-    EXPECT_REFUSAL(5, failed(-11), fill({eUInt16, pixels, 2, 2, 2, 8, 0}, 0, 2));   // seed beyond
+    EXPECT_REFUSAL(5, failed(-8), fill({eByte, nullptr, 2, 2, 1, 8, 0}, 5, 0));     // null
+    EXPECT_REFUSAL(5, failed(-11), fill({eByte, pixels, 2, 2, 1, 8, 0}, -1, 0));    // seed before
+    EXPECT_REFUSAL(5, failed(-11), fill({eUInt16, pixels, 2, 2, 1, 8, 0}, 0, 2));   // seed beyond
     EXPECT_REFUSAL(7, L"The image's rows overlap.",
                    fill({eByte, pixels, 4, 2, 2, 8, 0}, 0, 0));                                // rows overlap
     EXPECT_REFUSAL(1, kMemory, fill({eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}, 0, 0));  // huge
@@ -238,8 +239,25 @@ TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
         EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
         EXPECT_EQ(log.Text(), each.message);
         EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
+        EXPECT_EQ(log.Errors().front().location.find(L"FloodFill.cpp("), 0u);
+        EXPECT_EQ(log.Errors().back().location.find(L"FillHoles.cpp("), 0u);
     }
     EXPECT_TRUE(std::equal(before.begin(), before.end(), pixels));
+    EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, 0, 5, 4), 0);  // from no pixel
+}
+
+TEST(FillHoles, NeedsNoMemoryWhereNothingIsFilledFromTheBorder) {
+    for (int const atCorner : {5, 255, 0}) {
+        auto image = Uniform<unsigned char>({5, 5, 6}, 5);
+        image.At(4, 4) = static_cast<unsigned char>(atCorner);
+        image.At(2, 1) = image.At(3, 1) = 0;
+        auto expected = image;
+        if (atCorner != 0) expected.At(2, 1) = expected.At(3, 1) = 5;
+        CapturedLog const log;
+        EXPECT_EQ(WithoutMemory([&] { return FillHoles(image.Attributes(), 4); }), atCorner == 5 ? 0 : 5);
+        EXPECT_EQ(log.Text(), atCorner == 5 ? L"" : L"template_FloodBorderAreas to % failed.");
+        EXPECT_TRUE(image == expected);
+    }
 }
 
 }  // namespace

@@ -132,6 +132,23 @@ TEST(Decomposition, EndsWithoutNumbers) {
     EXPECT_TRUE(b[0] == 3 && b[1] == 1);
 }
 
+TEST(Decomposition, KeepsWhatStandsBesideAnInfiniteFactor) {
+    for (int const n : {3, 9}) {
+        auto const size = static_cast<std::size_t>(n);
+        std::vector<double> a(size * size);
+        for (std::size_t i = 0; i < size; ++i) a[i * size + i] = 1;
+        a[size + 1] = 1e-300;
+        double* const row = &a[2 * size];
+        row[0] = 0.5;
+        row[1] = 1e9;
+        row[2] = 1e10;
+        std::vector<int> indx(size);
+        double d = 0;
+        ludcmp(a.data(), n, indx.data(), &d);
+        EXPECT_TRUE(row[0] == 0.5 && std::isinf(row[1])) << n;
+    }
+}
+
 // a x - b, relative to the sizes in it.
 double Residual(std::vector<double> const& a, std::vector<double> const& x, std::vector<double> const& b) {
     std::size_t const n = x.size();
@@ -214,6 +231,24 @@ TEST(Systems, RefuseExchangesOutsideOfTheMatrix) {
         ExpectRefusal([&] { return lubksb(a, 2, indx, b), 3; }, 3, L"lubksb(): Row index out of range.");
         EXPECT_EQ(b[1], 4);
     }
+}
+
+TEST(Systems, OfFewUnknownsAreWorkedAsTheFirstOfMany) {
+    constexpr std::size_t kMany = 16;
+    for (std::size_t few = 1; few <= 9; ++few)
+        ForEachSimdTarget([&] {
+            auto a = UnevenMatrix(static_cast<int>(few), 23), x = Random(static_cast<int>(few), 24);
+            std::vector<double> many(kMany * kMany), rightHandSide(kMany);
+            for (std::size_t i = 0; i < kMany; ++i) many[i * kMany + i] = 1;
+            for (std::size_t y = 0; y < few; ++y) std::copy_n(&a[y * few], few, &many[y * kMany]);
+            std::copy(x.begin(), x.end(), rightHandSide.begin());
+            sollequ(many.data(), kMany, rightHandSide.data());
+            sollequ(a.data(), static_cast<int>(few), x.data());
+            for (std::size_t y = 0; y < few; ++y) {
+                EXPECT_EQ(x[y], rightHandSide[y]);
+                for (std::size_t i = 0; i < few; ++i) EXPECT_EQ(a[y * few + i], many[y * kMany + i]);
+            }
+        });
 }
 
 }  // namespace

@@ -224,6 +224,7 @@ TEST(Morphology, RefusesInItsOrder) {
     ImageAttributes const good = from(eUInt16), output = to(), se = element(3, 3, 3);
     ImageAttributes const noPixels = Over(nullptr, eUInt16, 4, 3, 4), noElements = element(3, 3, 3, nullptr);
     ImageAttributes const signedElement = Over(ones, eSByte, 3, 3, 3);
+    ImageAttributes const folded = from(eUInt16, 4, 3, 3), foldedElement = element(3, 3, -3);
     APOINT const middle(1, 1), outside(3, 1), above(1, -1);
     auto const border = [](int status) {
         return L"ippiCopyReplicateBorder failed. code " + std::to_wstring(status);
@@ -240,20 +241,20 @@ TEST(Morphology, RefusesInItsOrder) {
         {"signed", Over(nullptr, eInt16, 4, 3, 4), output, se, middle, 5, border(-12)},
         {"float", from(eSingle), output, se, middle, 5, border(-12)},
         {"no source", noPixels, output, noElements, middle, 5, border(-8)},
-        {"no source, unreadable element", noPixels, output, element(3, 3, -3), middle, 5, border(-8)},
+        {"no source, unreadable element", noPixels, output, foldedElement, middle, 5, border(-8)},
         {"no source at all", noPixels, noPixels, se, middle, 5, border(-8)},
         {"no width", from(eUInt16, 0), to(0), noElements, middle, 5, border(-5)},
         {"negative height", from(eUInt16, 4, -9), to(4, -9), se, middle, 5, border(-5)},
-        {"negative element", good, output, element(-3, -3, 3), middle, 5, border(-5)},
-        {"no element", good, output, noElements, outside, 5, dilate(-8)},
-        {"empty element", good, output, element(3, 0, 3), outside, 5, dilate(-5)},
-        {"clear element", good, output, element(3, 3, 3, zeros), outside, 5, dilate(-33)},
-        {"anchor beyond", good, output, se, outside, 5, dilate(-34)},
-        {"anchor before", good, output, se, above, 5, dilate(-34)},
-        {"source rows", from(eUInt16, 4, 3, 3), output, se, middle, 7, L"The source image's rows overlap."},
-        {"element rows", good, output, element(3, 3, -3), middle, 7,
+        {"negative element", folded, output, element(-3, -3, 3), middle, 5, border(-5)},
+        {"no element", folded, output, noElements, outside, 5, dilate(-8)},
+        {"empty element", folded, output, element(3, 0, 3), outside, 5, dilate(-5)},
+        {"clear element", folded, output, element(3, 3, 3, zeros), outside, 5, dilate(-33)},
+        {"anchor beyond", folded, output, foldedElement, outside, 5, dilate(-34)},
+        {"anchor before", folded, to(4, 3, 3), se, above, 5, dilate(-34)},
+        {"source rows", folded, output, foldedElement, middle, 7, L"The source image's rows overlap."},
+        {"element rows", good, to(4, 3, 3), foldedElement, middle, 7,
          L"The structuring element's rows overlap."},
-        {"narrow destination", good, to(4, 3, 4, eByte), se, middle, 7,
+        {"narrow destination", good, to(4, 3, 3, eByte), se, middle, 7,
          L"The destination image's elements are narrower than the source's."},
         {"destination rows", good, to(4, 3, 3), se, middle, 7, L"The destination image's rows overlap."},
         {"in place, far rows", good, from(eUInt16, 0, 0, 5), se, middle, 7,

@@ -28,14 +28,17 @@ TYPED_TEST(SingularValues, TakeAMatrixApart) {
     double const tolerance = 60 * static_cast<double>(std::numeric_limits<T>::epsilon());
     struct Case {
         int m, n, rank;
-        double range;  // of the element type's, as a power of its largest number
+        double range;     // of the element type's, as a power of its largest number
+        double rest = 0;  // of all but the first element, which then stands alone in its row and column
     };
-    Case const cases[] = {{1, 1, 1, 0},    {1, 6, 1, 0},    {6, 1, 1, 0},    {5, 5, 5, 0},
-                          {40, 17, 17, 0}, {17, 40, 17, 0}, {33, 33, 33, 0}, {12, 12, 4, 0},
-                          {20, 9, 3, 0},   {4, 4, 0, 0},    {8, 6, 6, -0.8}, {8, 6, 6, 0.8}};
+    Case const cases[] = {{1, 1, 1, 0},        {1, 6, 1, 0},        {6, 1, 1, 0},    {5, 5, 5, 0},
+                          {40, 17, 17, 0},     {17, 40, 17, 0},     {33, 33, 33, 0}, {12, 12, 4, 0},
+                          {20, 9, 3, 0},       {4, 4, 0, 0},        {8, 6, 6, -0.8}, {8, 6, 6, 0.8},
+                          {20, 20, 20, 0, -1}, {3, 33, 3, 0, -1.04}};
     for (Case const& each : cases) {
         SCOPED_TRACE(testing::Message() << each.m << " by " << each.n << ", rank " << each.rank);
-        double const scale = std::pow(static_cast<double>(std::numeric_limits<T>::max()), each.range);
+        double const most = static_cast<double>(std::numeric_limits<T>::max()),
+                     scale = std::pow(most, each.range), restScale = std::pow(most, each.rest);
         OffsetMatrix<T> matrix(each.m, each.n);
         auto const left = Random(each.m * each.rank, 30), right = Random(each.rank * each.n, 31);
         for (int y = 0; y < each.m; ++y)
@@ -44,6 +47,7 @@ TYPED_TEST(SingularValues, TakeAMatrixApart) {
                 for (int k = 0; k < each.rank; ++k)
                     sum += left[static_cast<std::size_t>(y * each.rank + k)] *
                            right[static_cast<std::size_t>(k * each.n + x)];
+                if (each.rest != 0) sum = x + y == 0 ? 1 : x * y == 0 ? 0 : sum * restScale;
                 matrix.elements[static_cast<std::size_t>(y * each.n + x)] = static_cast<T>(scale * sum);
             }
         std::vector<T> first;
@@ -99,6 +103,31 @@ TEST(SingularValues, GiveUpAfterThirtySteps) {
     EXPECT_EQ(dsvdcmp_DBL(aOfDouble.pointers.data(), 3, 3, wOfDouble.data(), vOfDouble.pointers.data()), 999);
     EXPECT_EQ(log.Text(), L"svdcmp(): no convergence in 30 svdcmp iterations.");
     EXPECT_TRUE(std::isnan(wOfDouble[1]));
+}
+
+TYPED_TEST(SingularValues, KeepTheirDigitsAtBothEndsOfTheRange) {
+    using T = TypeParam;
+    using Limits = std::numeric_limits<T>;
+    constexpr int kLeast = Limits::min_exponent - Limits::digits, kMost = Limits::max_exponent;
+    for (auto const& [m, n] : {std::pair{3, 3}, {5, 10}, {33, 10}, {3, 33}, {1, 5}, {7, 1}})
+        for (int const exponent :
+             {kLeast + 1, kLeast + 9, Limits::min_exponent, kLeast / 2, kMost - 9, kMost}) {
+            SCOPED_TRACE(testing::Message() << m << " by " << n << " times 2^" << exponent);
+            OffsetMatrix<T> ordinary(m, n), extreme(m, n), v(n, n), vOfExtreme(n, n);
+            std::vector<T> w(static_cast<std::size_t>(n) + 1), wOfExtreme(w);
+            auto const random = Random(m * n, 32);
+            for (std::size_t i = 0; i < random.size(); ++i) {
+                extreme.elements[i] = std::scalbn(static_cast<T>(random[i]), exponent);
+                ordinary.elements[i] = std::scalbn(extreme.elements[i], -exponent);
+            }
+            EXPECT_EQ(Decompose(ordinary.pointers.data(), m, n, w.data(), v.pointers.data()), 0);
+            EXPECT_EQ(Decompose(extreme.pointers.data(), m, n, wOfExtreme.data(), vOfExtreme.pointers.data()),
+                      0);
+            for (T& value : w) value = std::scalbn(value, exponent);
+            EXPECT_EQ(w, wOfExtreme);
+            EXPECT_EQ(ordinary.elements, extreme.elements);
+            EXPECT_EQ(v.elements, vOfExtreme.elements);
+        }
 }
 
 TEST(SingularValues, SolveLeastSquares) {

@@ -137,6 +137,7 @@ TEST(StructuringElement, SizesThatNoMaskCanHave) {
     EXPECT_EQ(log.Text(), L"DiskStrel_GetBufferSize::radius = 7 is not supported.");
     EXPECT_EQ(strel_GetBufferSize("line", 3, nullptr, 0, &height, &width), SOLVANE_NULL_POINTER);
     EXPECT_EQ(log.Text(), L"strel_GetBufferSize: Null pointer.");
+    for (LogLine const& error : log.Errors()) EXPECT_EQ(error.location.find(L"strel.cpp("), 0u);
 }
 
 struct Refusal {

@@ -30,18 +30,19 @@ inline Status CopyReplicateBorder(std::uint16_t const* source, std::ptrdiff_t so
                                            destinationSize, top, left);
 }
 
-// A structuring element as the primitives take it. One whose rows cannot be read is not looked at: over an image
-// without pixels nothing refuses it.
+// A structuring element as the primitives take it. One whose rows cannot be read is not looked at, and counts as
+// a whole block until it is refused.
 class PackedElement {
 public:
     explicit PackedElement(ImageAttributes const& se)
         : elements(static_cast<std::uint8_t const*>(se.buffer)), size{se.width, se.height} {
-        if (!se.buffer || se.width < 1 || se.height < 2 || se.stride == se.width || RowsUnreadable(se))
-            return;
+        if (!se.buffer || se.width < 1 || se.height < 2 || se.stride == se.width) return;
         ImageView<std::uint8_t const> const view(se);
-        for (std::ptrdiff_t y = 0; y < view.Height(); ++y)
-            copy_.insert(copy_.end(), view.Row(y), view.Row(y) + view.Width());
+        copy_.assign(static_cast<std::size_t>(view.Width() * view.Height()), 1);
         elements = copy_.data();
+        if (RowsUnreadable(se)) return;
+        for (std::ptrdiff_t y = 0; y < view.Height(); ++y)
+            std::copy_n(view.Row(y), view.Width(), copy_.data() + y * view.Width());
     }
     PackedElement(PackedElement const&) = delete;
     PackedElement& operator=(PackedElement const&) = delete;
@@ -68,16 +69,15 @@ template <typename T> bool LieApart(ImageAttributes const& source, ImageAttribut
     return from < to ? to - from >= read : from - to >= written;
 }
 
-// Refuses what cannot be read or written row by row. What has no pixels or no size is left to the primitives.
+// Refuses what cannot be read or written row by row, of images and elements with pixels.
 template <typename T, typename Operation>
 SOLVANE_RETURNCODE RefuseShapes(ImageAttributes const& source, ImageAttributes destination,
                                 ImageAttributes const& se) {
     auto const refuse = [](wchar_t const* text) {
         return Fail(SOLVANE_SIZE_MISMATCH, Operation::Located(text));
     };
-    if (!source.buffer || source.width < 1 || source.height < 1) return SOLVANE_OK;
     if (RowsUnreadable(source)) return refuse(L"The source image's rows overlap.");
-    if (se.buffer && RowsUnreadable(se)) return refuse(L"The structuring element's rows overlap.");
+    if (RowsUnreadable(se)) return refuse(L"The structuring element's rows overlap.");
 
     bool const inPlace = destination.buffer == source.buffer;
     auto const elementSize = static_cast<std::size_t>(SizeOfTypeCode(destination.type));
@@ -94,11 +94,21 @@ SOLVANE_RETURNCODE RefuseShapes(ImageAttributes const& source, ImageAttributes d
     return SOLVANE_OK;
 }
 
-// Both steps at once where that gives the same: each row within its border is gone from the cache otherwise
-// by the time that it is read.
+template <typename Operation> SOLVANE_RETURNCODE ReportCopy(Status status) {
+    if (status == kDone) return SOLVANE_OK;
+    return Fail(SOLVANE_OPERATION_FAILED, Operation::Located(L"ippiCopyReplicateBorder failed. code %d"),
+                int{status});
+}
+
+template <typename Operation> SOLVANE_RETURNCODE Report(Status status) {
+    if (status == kDone) return SOLVANE_OK;
+    return Fail(SOLVANE_OPERATION_FAILED, Operation::Located(Operation::kFailure), int{status});
+}
+
+// The checks of the two steps, border copy and primitive, and then the steps.
 template <typename T, typename Operation>
 SOLVANE_RETURNCODE CopyAndMorph(ImageAttributes const& source, ImageAttributes const& destination,
-                                PackedElement const& element, int anchorX, int anchorY, int border,
+                                ImageAttributes const& se, int anchorX, int anchorY, int border,
                                 Size bordered, T* scratch) {
     constexpr auto kBytes = static_cast<std::ptrdiff_t>(sizeof(T));
     ImageView<T const> const from(source);
@@ -106,25 +116,30 @@ SOLVANE_RETURNCODE CopyAndMorph(ImageAttributes const& source, ImageAttributes c
     Size const size{source.width, source.height};
     std::ptrdiff_t const scratchStep = bordered.width * kBytes;
 
-    bool const isWork = source.buffer && size.width > 0 && size.height > 0 && border >= 0;
+    auto const copy = [&] {
+        return ReportCopy<Operation>(CopyReplicateBorder(from.Row(0), from.Stride() * kBytes, size, scratch,
+                                                         scratchStep, bordered, border, border));
+    };
+    // The border copy refuses these, and reads nothing.
+    if (!source.buffer || size.width < 1 || size.height < 1 || border < 0) return copy();
+    PackedElement const element(se);
+    SOLVANE_RETURNCODE code = Report<Operation>(CheckMask(element.elements, element.size, anchorX, anchorY));
+    if (code == SOLVANE_OK) code = RefuseShapes<T, Operation>(source, destination, se);
+    if (code != SOLVANE_OK) return code;
+
     bool const inPlace = source.buffer == destination.buffer && source.stride == destination.stride;
-    Status status = kDone;
-    if (isWork && (inPlace || LieApart<T>(source, destination))) {
-        status = Operation::WithinBorder(from.Row(0), from.Stride() * kBytes, to.Row(0), to.Stride() * kBytes,
-                                         size, element.elements, element.size, anchorX, anchorY, scratch);
-    } else {
-        status = CopyReplicateBorder(from.Row(0), from.Stride() * kBytes, size, scratch, scratchStep,
-                                     bordered, border, border);
-        if (status != kDone)
-            return Fail(SOLVANE_OPERATION_FAILED,
-                        Operation::Located(L"ippiCopyReplicateBorder failed. code %d"), int{status});
-        T const* const inner = scratch + std::ptrdiff_t{border} * bordered.width + border;
-        status = Operation::WithSurroundings(inner, scratchStep, to.Row(0), to.Stride() * kBytes, size,
-                                             element.elements, element.size, anchorX, anchorY);
-    }
-    if (status != kDone)
-        return Fail(SOLVANE_OPERATION_FAILED, Operation::Located(Operation::kFailure), int{status});
-    return SOLVANE_OK;
+    // Both steps at once where that gives the same: each row within its border is gone from the cache otherwise
+    // by the time that it is read.
+    if (inPlace || LieApart<T>(source, destination))
+        return Report<Operation>(Operation::WithinBorder(from.Row(0), from.Stride() * kBytes, to.Row(0),
+                                                         to.Stride() * kBytes, size, element.elements,
+                                                         element.size, anchorX, anchorY, scratch));
+    code = copy();
+    if (code != SOLVANE_OK) return code;
+    T const* const inner = scratch + std::ptrdiff_t{border} * bordered.width + border;
+    return Report<Operation>(Operation::WithSurroundings(inner, scratchStep, to.Row(0), to.Stride() * kBytes,
+                                                         size, element.elements, element.size, anchorX,
+                                                         anchorY));
 }
 
 template <typename T, typename Operation>
@@ -142,14 +157,11 @@ SOLVANE_RETURNCODE MorphTyped(ImageAttributes const& source, ImageAttributes con
     if (!scratch) return FailMemory(Operation::Located(Operation::kCore), count);
 
     if constexpr (std::is_same_v<T, std::uint8_t> || std::is_same_v<T, std::uint16_t>) {
-        SOLVANE_RETURNCODE const code = RefuseShapes<T, Operation>(source, destination, se);
-        if (code != SOLVANE_OK) return code;
         Size const bordered{static_cast<int>(width), static_cast<int>(height)};
-        return CopyAndMorph<T, Operation>(source, destination, PackedElement(se), anchorX, anchorY,
-                                          static_cast<int>(border), bordered, scratch.get());
+        return CopyAndMorph<T, Operation>(source, destination, se, anchorX, anchorY, static_cast<int>(border),
+                                          bordered, scratch.get());
     } else {
-        return Fail(SOLVANE_OPERATION_FAILED, Operation::Located(L"ippiCopyReplicateBorder failed. code %d"),
-                    int{kNoPrimitive});
+        return ReportCopy<Operation>(kNoPrimitive);
     }
 }
 

@@ -18,7 +18,8 @@ public:
 
     virtual ~EventLog() = default;
 
-    // Opens a key, reads a 32-bit value and closes the key; a missing key or value leaves `value` as it was.
+    // Opens a key, reads a 32-bit value and closes the key. What is missing, or is too large for one, leaves
+    // `value` as it was.
     virtual void ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) = 0;
     // Opens a key, and creates it if there is none; `existed` tells which.
     virtual Key CreateKey(wchar_t const* key, bool& existed) = 0;

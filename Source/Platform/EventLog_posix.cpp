@@ -15,6 +15,9 @@
 namespace ZPA {
 namespace {
 
+// Whether UTF-8 has it.
+bool IsCharacter(std::uint32_t code) { return code < 0xD800 || (code >= 0xE000 && code <= 0x10FFFF); }
+
 // As UTF-8, whatever the locale; what is no character becomes a question mark.
 template <typename Text> void AddWide(Text& bytes, wchar_t const* text, std::size_t limit = SIZE_MAX) {
     for (; limit > 0 && *text; --limit, ++text) {
@@ -27,7 +30,7 @@ template <typename Text> void AddWide(Text& bytes, wchar_t const* text, std::siz
         } else if (code < 0x800) {
             bytes.Add(static_cast<char>(0xC0 | (code >> 6)));
             continuation(0);
-        } else if ((code >= 0xD800 && code < 0xE000) || code > 0x10FFFF) {
+        } else if (!IsCharacter(code)) {
             bytes.Add('?');
         } else if (code < 0x10000) {
             bytes.Add(static_cast<char>(0xE0 | (code >> 12)));
@@ -40,6 +43,27 @@ template <typename Text> void AddWide(Text& bytes, wchar_t const* text, std::siz
             continuation(0);
         }
     }
+}
+
+struct Character {
+    std::uint32_t code;
+    std::uint32_t bytes;
+};
+
+// The one that `bytes`, which have not ended, begin with.
+Character FirstCharacter(char const* bytes) {
+    constexpr std::uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};  // of so many bytes
+    std::uint32_t const lead = static_cast<unsigned char>(bytes[0]);
+    std::uint32_t const size = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 1;
+    Character const byte{lead, 1};
+    if (size == 1) return byte;
+    std::uint32_t code = lead & (0x7FU >> size);
+    for (std::uint32_t i = 1; i < size; ++i) {
+        std::uint32_t const next = static_cast<unsigned char>(bytes[i]);
+        if ((next & 0xC0) != 0x80) return byte;
+        code = code << 6 | (next & 0x3F);
+    }
+    return code < kSmallest[size] || !IsCharacter(code) ? byte : Character{code, size};
 }
 
 using Path = FixedText<PATH_MAX>;
@@ -91,6 +115,17 @@ void Write(EventLog::Key key, wchar_t const* name, char const* content) {
 
 }  // namespace
 
+std::uint32_t Widen(char const* bytes, wchar_t* text, std::uint32_t limit) {
+    std::uint32_t size = 0;
+    for (; size < limit && *bytes; ++size) {
+        Character const character = FirstCharacter(bytes);
+        text[size] = static_cast<wchar_t>(character.code);
+        bytes += character.bytes;
+    }
+    text[size] = 0;
+    return size;
+}
+
 void PosixEventLog::ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) {
     Path path = FolderOf(root_, key);
     path.Add('/');
@@ -128,12 +163,8 @@ void PosixEventLog::CloseKey(Key key) { close(FolderOf(key)); }
 
 std::uint32_t PosixEventLog::ModulePath(wchar_t* path, std::uint32_t limit) {
     Dl_info library = {};
-    std::uint32_t size = 0;
-    if (dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) != 0 && library.dli_fname)
-        for (; size < limit && library.dli_fname[size]; ++size)
-            path[size] = static_cast<unsigned char>(library.dli_fname[size]);
-    path[size] = 0;
-    return size;
+    bool const known = dladdr(reinterpret_cast<void const*>(&SystemEventLog), &library) != 0;
+    return Widen(known && library.dli_fname ? library.dli_fname : "", path, limit);
 }
 
 EventLog::Source PosixEventLog::RegisterSource(wchar_t const* name) {

@@ -26,12 +26,11 @@ public:
     void ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) override {
         HKEY opened = nullptr;
         if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return;
-        DWORD number = 0;
+        DWORD number = value;
         DWORD size = sizeof number;
-        DWORD type = 0;
-        if (RegQueryValueExW(opened, name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) ==
-                ERROR_SUCCESS &&
-            type == REG_DWORD)
+        // A value of any type; the query fails for one that is larger.
+        if (RegQueryValueExW(opened, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&number), &size) ==
+            ERROR_SUCCESS)
             value = number;
         RegCloseKey(opened);
     }

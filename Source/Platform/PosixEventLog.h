@@ -22,6 +22,10 @@ private:
     std::size_t size_ = 0;
 };
 
+// Writes the characters of UTF-8, at most `limit` and a closing zero, and gives their number. Bytes that are no
+// UTF-8 become characters as they are.
+std::uint32_t Widen(char const* bytes, wchar_t* text, std::uint32_t limit);
+
 class PosixEventLog final : public EventLog {
 public:
     // The folder of all keys. It need not exist; the text must outlive this object.

@@ -2,9 +2,12 @@
 
 #include <hwy/highway.h>
 #include <omp.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
+#include <stdexcept>
 
 #include "support/Memory.h"
 #include "support/Quantile.h"
@@ -57,7 +60,7 @@ std::vector<Peer> PreparePeers([[maybe_unused]] int threads) {
     fftw.version = fftw_version;
 #endif
 #ifdef ZPA_PEER_LAPACK
-    openblas_set_num_threads(threads);
+    openblas_set_num_threads(threads);  // it starts with no more than there are processors
     lapack.version = openblas_get_config();
 #endif
 #ifdef ZPA_PEER_EIGEN
@@ -80,6 +83,18 @@ double BytesPerSecond(std::size_t read, std::size_t written) {
 }
 
 }  // namespace
+
+void StartWithThreads([[maybe_unused]] int threads, [[maybe_unused]] char** words) {
+#ifdef ZPA_PEER_LAPACK
+    constexpr char const* kVariable = "OPENBLAS_NUM_THREADS";
+    std::string const wanted = std::to_string(threads);
+    char const* const told = std::getenv(kVariable);
+    if (told && told == wanted) return;
+    setenv(kVariable, wanted.c_str(), 1);
+    execv("/proc/self/exe", words);
+    throw std::runtime_error("cannot start again with the number of threads in the environment");
+#endif
+}
 
 Machine PrepareMachine(int threads) {
     omp_set_num_threads(threads);

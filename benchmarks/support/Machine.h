@@ -25,6 +25,10 @@ struct Machine {
     double readBytesPerSecond;
 };
 
+// OpenBLAS takes its threads as it is loaded, and its calls stay slower when most of them are sent away later. So the
+// program starts again, with the same words, unless its environment tells the number already.
+void StartWithThreads(int threads, char** words);
+
 // Sets the number of threads of ours and of all peers, and looks at the machine.
 Machine PrepareMachine(int threads);
 

@@ -141,7 +141,7 @@ ZPA_C_API void invmatrix_DBL(double* a, double* inverse, int n);
 /// Takes a matrix apart into U diag(w) V-transposed, with columns of U and V that are orthogonal and of
 /// length 1 (G. H. Golub, C. Reinsch, "Singular value decomposition and least squares solutions", 1970):
 /// reduced to two diagonals by reflections, and then to one by implicit QR steps, at most 30 for each
-/// singular value.
+/// singular value. Very large and very small matrices are scaled by a power of two for that.
 ///
 /// Work space of m * n + n * n elements and a few more comes from the heap. Cost: about 4 m n^2 + 8 n^3
 /// operations.
@@ -150,16 +150,17 @@ ZPA_C_API void invmatrix_DBL(double* a, double* inverse, int n);
 /// @param m  Rows. With fewer rows than columns, columns of U and singular values that there is no rank for
 ///           are zero.
 /// @param n  Columns.
-/// @param w  Out: offset vector, 1 to n: the singular values, none below zero, in no order.
+/// @param w  Out: offset vector, 1 to n: the singular values, none below zero, in no order. One beyond the
+///           largest number, which elements near it may have, is infinite.
 /// @param v  Out: offset matrix, 1 to n both ways: V, not its transpose.
 ///
-/// @retval 0    Done, or nothing to do.
+/// @retval 0    Done, or nothing to do. A single column needs no steps, and is done whatever it holds.
 /// @retval 2    "svdcmp(): Null pointer."
 /// @retval 5    No memory for the work vector: "svdcmp():alloc_vector() for 'rv1' failed with params nl=%d,
 ///              nh=%d"
 /// @retval 1    No memory for the rest: "svdcmp(): Memory allocation failed for ... bytes."
-/// @retval 999  "svdcmp() - No convergence in 30 svdcmp iterations.", as with entries that are not numbers.
-///              What was reached is left in `a`, `w` and `v`.
+/// @retval 999  "svdcmp() - No convergence in 30 svdcmp iterations.", as with two columns or more in which an
+///              entry is infinite or not a number. What was reached is left in `a`, `w` and `v`.
 ZPA_C_API SOLVANE_RETURNCODE svdcmp(float** a, int m, int n, float* w, float** v);
 
 /// svdcmp in double precision.

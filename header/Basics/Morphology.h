@@ -35,10 +35,11 @@
 /// - 1, no work memory: the number of elements is logged as bytes.
 /// - 5, types other than eByte and eUInt16: "ippiCopyReplicateBorder failed. code -12"
 /// - 5, `src` without pixels or size: "ippiCopyReplicateBorder failed. code -8" or "... -5"
+/// - 5, "ippiDilate failed. code %d", or "ippiErode ...", with the reason: -8, no elements; -5, an element
+///   without a size; -33, one without a set pixel; -34, an anchor outside it.
 /// - 7, elements of `dst` that are narrower than those of `src`, rows that overlap, and working in place with
 ///   a stride of `dst` that leads out of both images.
-/// - 5, "ippiDilate failed. code %d", or "ippiErode ...", with the reason: -8, no elements; -5, an element
-///   without a size; -33, one without a set pixel; -34, an anchor outside it; -9, no work memory.
+/// - 5, "ippiDilate failed. code -9", or "ippiErode ...": no work memory.
 
 namespace ZPA {
 

@@ -47,8 +47,9 @@ ZPA_C_API SOLVANE_RETURNCODE FloodFill(ImageAttributes image, int seedX, int see
 /// @retval 6  "Unsupported image datatype."
 /// @retval 2  "The input image had a NULL buffer pointer."
 /// @retval 7  "The image's rows overlap."
-/// @retval 5  "template_FloodBorderAreas to % failed." (sic), after the messages of the fill that failed. It
-///            does without memory, and then the image is as it was.
+/// @retval 5  No memory to fill from the border: "template_FloodBorderAreas to % failed." (sic), after the
+///            messages of the fill that failed. With a zero on the border the image is as it was; with none
+///            the holes are closed, and only the clearing is left undone.
 ZPA_C_API SOLVANE_RETURNCODE FillHoles(ImageAttributes image, int connectivity);
 
 /// Numbers the connected regions of an image: every pixel of a region gets the region's label.
@@ -124,7 +125,7 @@ template <typename T> ZPA_API SOLVANE_RETURNCODE template_FillHoles(ImageAttribu
 /// @retval 0  Done, or the image has no width or height.
 /// @retval 2  "The input image had a NULL buffer pointer."
 /// @retval 7  "The image's rows overlap."
-/// @retval 5  No memory. The first pixel to fill from decides the message: "FloodFill top border background
+/// @retval 5  No memory, which is needed only where there is a pixel to fill from. The first such pixel to fill from decides the message: "FloodFill top border background
 ///            failed." at the top or left, "FloodFill bottom border background failed." at the bottom or right.
 template <typename T>
 ZPA_API SOLVANE_RETURNCODE template_FloodBorderAreas(ImageAttributes image, T background, T newValue,

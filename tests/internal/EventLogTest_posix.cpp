@@ -124,6 +124,31 @@ TEST_F(PosixRegistry, LosesWhatItCannotStore) {
     EXPECT_TRUE(fs::is_directory(root + "/key/folder"));
 }
 
+TEST_F(PosixRegistry, WidensPathsOfUtf8) {
+    struct Case {
+        char const* bytes;
+        std::wstring text;
+    };
+    for (Case const& each : {
+             Case{"", L""}, Case{"/opt/R\xC3\xB6ntgen", L"/opt/R\xF6ntgen"},
+             Case{"\xE2\x82\xAC\xF0\x9F\x98\x80/\x7F", L"\x20AC\x1F600/\x7F"},
+             Case{"\xC2\x80\xE0\xA0\x80\xF0\x90\x80\x80", L"\x80\x800\x10000"},  // the first of their sizes
+             Case{"\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF", L"\xD7FF\xE000\x10FFFF"},  // the last
+             Case{"R\xF6ntgen", L"R\xF6ntgen"}, Case{"\x80\xFFz", L"\x80\xFFz"},
+             Case{"\xE2\x82", L"\xE2\x82"}, Case{"\xF0\x9F\x98", L"\xF0\x9F\x98"},  // cut
+             Case{"\xC1\xBF\xE0\x9F\xBF", L"\xC1\xBF\xE0\x9F\xBF"},  // longer than they need be
+             Case{"\xED\xA0\x80", L"\xED\xA0\x80"},                  // half a character
+             Case{"\xF4\x90\x80\x80", L"\xF4\x90\x80\x80"},          // beyond the last
+         }) {
+        wchar_t text[32];
+        EXPECT_EQ(Widen(each.bytes, text, 31), each.text.size()) << each.bytes;
+        EXPECT_EQ(std::wstring(text), each.text) << each.bytes;
+    }
+    wchar_t cut[] = L"????";
+    EXPECT_EQ(Widen("\xC3\xB6\xC3\xA4\xC3\xBC", cut, 2), 2U);
+    EXPECT_EQ(std::wstring(cut, 4), std::wstring(L"\xF6\xE4\0?", 4));
+}
+
 TEST_F(PosixRegistry, KnowsTheModuleWithinTheLimit) {
     wchar_t path[4097];
     std::uint32_t const size = log.ModulePath(path, 4096);

@@ -98,8 +98,13 @@ TEST_F(WindowsEventLog, FiltersByTheRegistry) {
         SetFilter(REG_DWORD, &each.types, sizeof each.types);
         EXPECT_EQ(Reports(), each.reports) << each.types;
     }
-    SetFilter(REG_SZ, L"0", 4);
-    EXPECT_EQ(Reports(), (std::vector{error, warning}));  // a text is no filter
+    // Whatever else fits into the number counts as one; what is larger does not.
+    SetFilter(REG_SZ, L"1", 4);
+    EXPECT_EQ(Reports(), (std::vector{error}));
+    SetFilter(REG_BINARY, "\2", 1);
+    EXPECT_EQ(Reports(), (std::vector{warning}));
+    SetFilter(REG_BINARY, "\0\0\0\0", 5);
+    EXPECT_EQ(Reports(), (std::vector{error, warning}));
 }
 
 TEST_F(WindowsEventLog, LeavesAnExistingKeyAsItIs) {
