@@ -79,7 +79,8 @@ template <typename T> Contenders Combine(char name, WithImage operation, int sid
     return contenders;
 }
 
-template <typename T> Contenders CombineConstant(char name, WithConstant operation, int side) {
+template <typename T>
+Contenders CombineConstant([[maybe_unused]] char name, WithConstant operation, int side) {
     auto const scene = MakeScene<T>(side, ' ');
     Contenders contenders{[=, output = scene->ours.Attributes()]() mutable {
                               Require(operation(scene->first.Attributes(), &scene->constant, &output));
@@ -146,6 +147,9 @@ constexpr Operation kOperations[] = {{'+', "Add", Add, "AddC", AddC},
                                      {'-', "Sub", Sub, "SubC", SubC},
                                      {'*', "MulP", MulP, "MulC", MulC},
                                      {'/', "DivP", DivP, "DivC", DivC}};
+constexpr WithImage kCoreOfAdd = [](ImageAttributes first, ImageAttributes second, ImageAttributes* output) {
+    return ipp_add(first, second, output, false);
+};
 
 using Types = std::tuple<signed char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
 
@@ -169,6 +173,10 @@ Registration const arithmetic([] {
         ForEachType([&](auto element) {
             using T = decltype(element);
             constexpr double kSize = sizeof(T);
+            if constexpr (std::is_same_v<T, unsigned char> || sizeof(T) == 2 || std::is_same_v<T, float>)
+                Register({"ipp_add", kTypeName<T>, side, side, {2 * kSize, kSize}, [=] {
+                              return Combine<T>('+', kCoreOfAdd, side);
+                          }});
             if constexpr (std::is_signed_v<T>)
                 Register(
                     {"Abs", kTypeName<T>, side, side, {kSize, kSize}, [=] { return Absolute<T>(side); }});

@@ -1,6 +1,7 @@
-// What keys cost: a bag filled and read, of as many keys as a step has parameters, and of more. The peer
-// walks one list of keys and shared values, without sizes, flags or paths.
+// What keys cost: a bag filled, read, copied, picked from and merged, of as many keys as a step has parameters, and
+// of more. The peer walks one list of keys and shared values, without sizes, flags or paths.
 #include <Basics/Bag.h>
+#include <Basics/BagOperations.h>
 
 #include <algorithm>
 #include <any>
@@ -91,12 +92,64 @@ Contenders Read(int count) {
             [scene] { return scene->ours == scene->theirs; }};
 }
 
+struct Whole {
+    explicit Whole(int count) : keys(Keys(count)), bag(new Bag) {
+        SetAll(*bag, keys);
+        SetAll(pairs, keys);
+    }
+    std::vector<std::string> keys;
+    ZPA_Ptr<Bag> bag;
+    Pairs pairs;
+};
+
+Contenders Clone(int count) {
+    auto const scene = std::make_shared<Whole>(count);
+    return {[scene] { BagClone(scene->bag); },
+            "std::list of std::any",
+            [scene] {
+                Pairs copy;
+                for (auto const& [key, value] : scene->pairs)
+                    copy.emplace_back(key, std::make_shared<std::any const>(*value));
+            },
+            {}};
+}
+
+Contenders Pick(int count) {
+    auto const scene = std::make_shared<Whole>(count);
+    return {[scene] { BagQuery(scene->bag, scene->keys); },
+            "std::list of std::any",
+            [scene] {
+                Pairs picked;
+                for (std::string const& key : scene->keys)
+                    picked.push_back(*std::find_if(scene->pairs.begin(), scene->pairs.end(),
+                                                   [&](auto const& pair) { return pair.first == key; }));
+            },
+            {}};
+}
+
+// To a bag that has the keys already.
+Contenders Merge(int count) {
+    auto const scene = std::make_shared<Whole>(count), other = std::make_shared<Whole>(count);
+    return {[=] { BagAddition(scene->bag, other->bag); },
+            "std::list of std::any",
+            [=] {
+                for (auto const& [key, value] : other->pairs)
+                    std::find_if(scene->pairs.begin(), scene->pairs.end(), [&name = key](auto const& pair) {
+                        return pair.first == name;
+                    })->second = value;
+            },
+            {}};
+}
+
 // A row's "pixels" are keys.
 Registration const rows([] {
     for (int const count : {10, 100, 1000}) {
         Register({"Bag::Set new keys", "int", count, 1, {0, 0}, [count] { return Fill(count); }});
         Register({"Bag::Set known keys", "int", count, 1, {0, 0}, [count] { return Replace(count); }});
         Register({"Bag::Get", "int", count, 1, {0, 0}, [count] { return Read(count); }});
+        Register({"BagClone", "int", count, 1, {0, 0}, [count] { return Clone(count); }});
+        Register({"BagQuery", "int", count, 1, {0, 0}, [count] { return Pick(count); }});
+        Register({"BagAddition", "int", count, 1, {0, 0}, [count] { return Merge(count); }});
     }
 });
 

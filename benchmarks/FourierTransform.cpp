@@ -177,6 +177,21 @@ Contenders TwoReal(int n) {
     return contenders;
 }
 
+// And back, of which one spectrum is destroyed.
+Contenders TwoRealBack(int n) {
+    struct Scene {
+        Image<double> a, b, ofA, ofB, spent;
+    };
+    auto const scene =
+        std::make_shared<Scene>(Scene{Numbers<double>(n), Numbers<double>(n, 2), Image<double>(2 * n, 1),
+                                      Image<double>(2 * n, 1), Image<double>(2 * n, 1)});
+    realFFT2_DBL(scene->a.Row(0), scene->b.Row(0), scene->ofA.Row(0), scene->ofB.Row(0), n);
+    return {[=] {
+        std::copy_n(scene->ofA.Row(0), 2 * n, scene->spent.Row(0));
+        realIFFT2_DBL(scene->spent.Row(0), scene->ofB.Row(0), scene->a.Row(0), scene->b.Row(0), n);
+    }};
+}
+
 // With a filter that leaves all as it is, so that the values do not grow.
 Contenders Convolution(int n) {
     struct Scene {
@@ -254,6 +269,7 @@ Registration const rows([] {
         Register({"realFFT", "32f", n, 1, {0, 0}, [=] { return Real<float>(n); }});
         Register({"realFFT_DBL", "64f", n, 1, {0, 0}, [=] { return Real<double>(n); }});
         Register({"realFFT2_DBL", "64f", n, 1, {0, 0}, [=] { return TwoReal(n); }});
+        Register({"realIFFT2_DBL", "64f", n, 1, {0, 0}, [=] { return TwoRealBack(n); }});
         Register({"convlv_DBL", "64f", n, 1, {0, 0}, [=] { return Convolution(n); }});
         Register({"correl", "32f", n, 1, {0, 0}, [=] { return Correlation<float>(n); }});
         Register({"correl_DBL", "64f", n, 1, {0, 0}, [=] { return Correlation<double>(n); }});

@@ -1,4 +1,4 @@
-// Labels of connected regions, in place: of blobs, and of noise, which has the most and the smallest.
+// Labels of connected regions: of blobs, and of noise, which has the most and the smallest.
 #include <Basics/Logging.h>
 #include <Basics/Regions.h>
 
@@ -59,8 +59,9 @@ template <typename T> bool SameRegions(Scene<T> const& scene) {
     return labels[0] <= 0;
 }
 
-// Labels have the regions of the mask, so that labelling them once more is the same work.
-template <typename T> Contenders Labelling(Image<unsigned char> mask, int connectivity) {
+// In place, or to an image apart. Labels have the regions of the mask, so that labelling them once more is the
+// same work.
+template <typename T> Contenders Labelling(Image<unsigned char> mask, int connectivity, bool apart = false) {
     // More regions than labels are expected.
     ZPA_Logging::SetWarningCallback([](wchar_t const*, int, wchar_t const*) {});
     int const side = mask.Width();
@@ -69,7 +70,13 @@ template <typename T> Contenders Labelling(Image<unsigned char> mask, int connec
     for (std::size_t i = 0; i < scene->mask.Elements().size(); ++i)
         scene->ours.Elements()[i] = scene->mask.Elements()[i];
     Contenders contenders{
-        [=] { Require(LabelMarkers(scene->ours.Attributes(), connectivity, &scene->regions)); }, "", {}, {}};
+        [=, labels = scene->ours.Attributes()]() mutable {
+            Require(apart ? LabelMarkers2(scene->mask.Attributes(), connectivity, &scene->regions, &labels)
+                          : LabelMarkers(labels, connectivity, &scene->regions));
+        },
+        "",
+        {},
+        {}};
 #ifdef ZPA_PEER_OPENCV
     contenders.peer = "OpenCV connectedComponents";
     contenders.theirs = [=, source = MatView(scene->mask), labels = MatView(scene->theirs)]() mutable {
@@ -118,6 +125,13 @@ Registration const rows([] {
     for (int const side : {512, 2048}) {
         RegisterAll<unsigned char>(side);
         RegisterAll<unsigned short>(side);
+        auto const add = [=](char const* name, Image<unsigned char> (*mask)(int)) {
+            Register({name, "8u to 16u", side, side, {1, 2}, [=] {
+                          return Labelling<unsigned short>(mask(side), 8, true);
+                      }});
+        };
+        add("LabelMarkers2, blobs", Blobs);
+        add("LabelMarkers2, noise of 10 %", [](int size) { return Noise(size, 10); });
     }
 });
 

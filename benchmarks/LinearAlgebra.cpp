@@ -1,4 +1,4 @@
-// Linear systems, singular values and products beside LAPACK and Eigen, on one thread. LAPACK's matrices have their
+// Linear systems, singular values, products and differences beside LAPACK and Eigen, on one thread. LAPACK's matrices have their
 // columns one behind the other: it is given the transpose, so that both solve the same system.
 #include <Basics/LinearAlgebra.h>
 
@@ -15,6 +15,8 @@ extern "C" {
 void dgesv_(int const* n, int const* columns, double* a, int const* strideOfA, int* exchanges, double* b,
             int const* strideOfB, int* info);
 void dgetrf_(int const* rows, int const* columns, double* a, int const* stride, int* exchanges, int* info);
+void dgetrs_(char const* transposed, int const* n, int const* columns, double const* a, int const* strideOfA,
+             int const* exchanges, double* b, int const* strideOfB, int* info);
 void dgetri_(int const* n, double* a, int const* stride, int* exchanges, double* work, int const* workSize,
              int* info);
 void dgesvd_(char const* jobOfU, char const* jobOfV, int const* rows, int const* columns, double* a,
@@ -23,6 +25,10 @@ void dgesvd_(char const* jobOfU, char const* jobOfV, int const* rows, int const*
 void dgemv_(char const* transposed, int const* rows, int const* columns, double const* factor,
             double const* a, int const* stride, double const* x, int const* step, double const* factorOfY,
             double* y, int const* stepOfY);
+void sgemv_(char const* transposed, int const* rows, int const* columns, float const* factor, float const* a,
+            int const* stride, float const* x, int const* step, float const* factorOfY, float* y,
+            int const* stepOfY);
+double ddot_(int const* n, double const* x, int const* stepOfX, double const* y, int const* stepOfY);
 }
 #endif
 #ifdef ZPA_PEER_EIGEN
@@ -99,6 +105,60 @@ Contenders Solve(int n) {
     return contenders;
 }
 
+// The factors alone, which destroy the matrix too. The peer scales no rows, and so has others.
+Contenders Factor(int n) {
+    auto const scene = std::make_shared<System>(n);
+    Contenders contenders{[=] {
+                              System::Copy(scene->matrix, scene->ours);
+                              double sign;
+                              ludcmp(scene->ours.Row(0), n, scene->exchanges.data(), &sign);
+                          },
+                          "",
+                          {},
+                          {}};
+#ifdef ZPA_PEER_LAPACK
+    contenders.peer = "LAPACK dgetrf";
+    contenders.theirs = [=] {
+        System::Copy(scene->transposed, scene->theirs);
+        int info = 0;
+        dgetrf_(&n, &n, scene->theirs.Row(0), &n, scene->exchanges.data(), &info);
+    };
+#endif
+    return contenders;
+}
+
+// Of factors that are there.
+Contenders Substitute(int n) {
+    auto const scene = std::make_shared<System>(n);
+    System::Copy(scene->matrix, scene->ours);
+    double sign;
+    ludcmp(scene->ours.Row(0), n, scene->exchanges.data(), &sign);
+    Contenders contenders{[=] {
+                              std::fill(scene->x.begin(), scene->x.end(), 1.0);
+                              lubksb(scene->ours.Row(0), n, scene->exchanges.data(), scene->x.data());
+                          },
+                          "",
+                          {},
+                          {}};
+#ifdef ZPA_PEER_LAPACK
+    auto const exchanges = std::make_shared<std::vector<int>>(static_cast<std::size_t>(n));
+    System::Copy(scene->transposed, scene->theirs);
+    int failed = 0;
+    dgetrf_(&n, &n, scene->theirs.Row(0), &n, exchanges->data(), &failed);
+    contenders.peer = "LAPACK dgetrs";
+    contenders.theirs = [=] {
+        std::fill(scene->y.begin(), scene->y.end(), 1.0);
+        int const one = 1;
+        int info = 0;
+        dgetrs_("N", &n, &one, scene->theirs.Row(0), &n, exchanges->data(), scene->y.data(), &n, &info);
+    };
+    contenders.sameAnswer = [=] {
+        return scene->Residual(scene->x) <= 10 * scene->Residual(scene->y) + 1e-16;
+    };
+#endif
+    return contenders;
+}
+
 Contenders Invert(int n) {
     auto const scene = std::make_shared<System>(n);
     Contenders contenders{[=] {
@@ -144,6 +204,33 @@ Contenders Multiply(int n) {
     };
 #endif
     return contenders;
+}
+
+// Two vectors: their product, or their difference.
+struct Vectors {
+    explicit Vectors(int n)
+        : a(RandomImage<double>(n, 1, 0, -1, 1)),
+          b(RandomImage<double>(n, 1, 0, -1, 1, 2)),
+          difference(n, 1) {}
+    Image<double> a, b, difference;
+    double ours = 0, theirs = 0;
+};
+Contenders InnerProduct(int n) {
+    auto const scene = std::make_shared<Vectors>(n);
+    Contenders contenders{[=] { scene->ours = viprod(scene->a.Row(0), scene->b.Row(0), n); }, "", {}, {}};
+#ifdef ZPA_PEER_LAPACK
+    contenders.peer = "BLAS ddot";
+    contenders.theirs = [=] {
+        int const step = 1;
+        scene->theirs = ddot_(&n, scene->a.Row(0), &step, scene->b.Row(0), &step);
+    };
+    contenders.sameAnswer = [=] { return std::abs(scene->ours - scene->theirs) < 1e-9; };
+#endif
+    return contenders;
+}
+Contenders Difference(int n) {
+    auto const scene = std::make_shared<Vectors>(n);
+    return {[=] { vvdiff(scene->a.Row(0), scene->b.Row(0), n, scene->difference.Row(0)); }};
 }
 
 // An offset matrix. It may be moved, not copied: row pointers point to the elements.
@@ -196,6 +283,44 @@ template <typename T> struct Spectrum {
     int size;
 };
 
+// Least squares by singular values that are there.
+Contenders SubstituteSingularValues(int n) {
+    struct Scene : Spectrum<float> {
+        using Spectrum<float>::Spectrum;
+        std::vector<float> b = std::vector<float>(w.size(), 1.0F), x = b, y = b, product = b;
+    };
+    auto const scene = std::make_shared<Scene>(n);
+    scene->Find();
+    Contenders contenders{
+        [=] {
+            Require(svbksb(scene->u.pointers.data(), scene->w.data(), scene->v.pointers.data(), n, n,
+                           scene->b.data(), scene->x.data()));
+        },
+        "",
+        {},
+        {}};
+#ifdef ZPA_PEER_LAPACK
+    contenders.peer = "BLAS sgemv, twice";
+    contenders.theirs = [=] {
+        int const step = 1;
+        float const one = 1, zero = 0;
+        float* const product = scene->product.data();
+        sgemv_("N", &n, &n, &one, scene->u.elements.Row(0), &n, &scene->b[1], &step, &zero, product, &step);
+        for (int i = 0; i < n; ++i) product[i] /= scene->w[static_cast<std::size_t>(i) + 1];
+        sgemv_("T", &n, &n, &one, scene->v.elements.Row(0), &n, product, &step, &zero, &scene->y[1], &step);
+    };
+    contenders.sameAnswer = [=] {
+        float largest = 0, difference = 0;
+        for (std::size_t i = 1; i < scene->x.size(); ++i) {
+            largest = std::max(largest, std::abs(scene->y[i]));
+            difference = std::max(difference, std::abs(scene->x[i] - scene->y[i]));
+        }
+        return difference <= 1e-4F * largest;
+    };
+#endif
+    return contenders;
+}
+
 template <typename T> Contenders SingularValues(int n) {
     auto const scene = std::make_shared<Spectrum<T>>(n);
     Contenders contenders{[=] { scene->Find(); }, "", {}, {}};
@@ -245,8 +370,17 @@ Registration const rows([] {
         Register({"sollequ", "64f", n, n, {0, 0}, [=] { return Solve(n); }});
     for (int const n : {8, 40, 200, 500})
         Register({"invmatrix_DBL", "64f", n, n, {0, 0}, [=] { return Invert(n); }});
+    for (int const n : {40, 500}) {
+        Register({"ludcmp", "64f", n, n, {0, 0}, [=] { return Factor(n); }});
+        Register({"lubksb", "64f", n, n, {0, 0}, [=] { return Substitute(n); }});
+    }
+    for (int const n : {1000, 1 << 20}) {
+        Register({"viprod", "64f", n, 1, {16, 0}, [=] { return InnerProduct(n); }});
+        Register({"vvdiff", "64f", n, 1, {16, 8}, [=] { return Difference(n); }});
+    }
     for (int const n : {40, 500}) Register({"mvmul", "64f", n, n, {0, 0}, [=] { return Multiply(n); }});
     for (int const n : {20, 200}) {
+        Register({"svbksb", "32f", n, n, {0, 0}, [=] { return SubstituteSingularValues(n); }});
         Register({"svdcmp", "32f", n, n, {0, 0}, [=] { return SingularValues<float>(n); }});
         Register({"dsvdcmp_DBL", "64f", n, n, {0, 0}, [=] { return SingularValues<double>(n); }});
 #ifdef ZPA_PEER_LAPACK

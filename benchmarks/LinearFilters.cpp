@@ -125,6 +125,25 @@ template <typename T> Contenders BufferFiltering(int size) {
     }};
 }
 
+Contenders Kernel(char const* kind, int side, double parameter) {
+    struct Scene {
+        Image<double> ours, theirs;
+    };
+    auto const scene = std::make_shared<Scene>(Scene{Image<double>(side, side), Image<double>(side, side)});
+    Contenders contenders{
+        [=, kernel = scene->ours.Attributes()] { Require(fspecial(kernel, kind, parameter)); }, "", {}, {}};
+#ifdef ZPA_PEER_OPENCV
+    if (kind != std::string("gaussian")) return contenders;
+    contenders.peer = "OpenCV getGaussianKernel";
+    contenders.theirs = [=, kernel = MatView(scene->theirs)]() mutable {
+        cv::Mat const column = cv::getGaussianKernel(side, parameter, CV_64F);
+        cv::mulTransposed(column, kernel, false);
+    };
+    contenders.sameAnswer = [scene] { return LargestDifference(scene->ours, scene->theirs) < 1e-12; };
+#endif
+    return contenders;
+}
+
 Registration const rows([] {
     for (int const side : {512, 2048}) {
         RegisterAll<unsigned char>(side);
@@ -133,6 +152,15 @@ Registration const rows([] {
         RegisterAll<float>(side);
         RegisterAll<double>(side);
     }
+    auto const addKernel = [](char const* kind, int side, double parameter) {
+        Register({std::string("fspecial, ") + kind, "64f", side, side, {0, 0}, [=] {
+                      return Kernel(kind, side, parameter);
+                  }});
+    };
+    for (int const side : {5, 15, 61}) addKernel("gaussian", side, side / 6.0);
+    for (int const side : {15, 61}) addKernel("average", side, 0);
+    addKernel("laplacian", 3, 0.2);
+    addKernel("sobel", 3, 0);
     Register({"FilterBufferSimple, 16", "16u", 1 << 16, 1, {0, 0}, [] {
                   return BufferFiltering<unsigned short>(1 << 16);
               }});

@@ -23,20 +23,23 @@ void Gemm(int m, int n, int k, double const* a, double const* b, double* c) {
 }
 #endif
 
+using WithImage = SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes, ImageAttributes*);
+
 // A height x length matrix by a length x width one.
-template <typename T> Contenders Product(int height, int width, int length) {
+template <typename T> Contenders Product(int height, int width, int length, WithImage product = Mul) {
     struct Scene {
         Image<T> first, second, ours, theirs;
     };
     auto const scene = std::make_shared<Scene>(Scene{RandomImage<T>(length, height, 0, -1, 1),
                                                      RandomImage<T>(width, length, 0, -1, 1, 2),
                                                      Image<T>(width, height), Image<T>(width, height)});
-    Contenders contenders{[scene, output = scene->ours.Attributes()]() mutable {
-                              Require(Mul(scene->first.Attributes(), scene->second.Attributes(), &output));
-                          },
-                          "",
-                          {},
-                          {}};
+    Contenders contenders{
+        [=, output = scene->ours.Attributes()]() mutable {
+            Require(product(scene->first.Attributes(), scene->second.Attributes(), &output));
+        },
+        "",
+        {},
+        {}};
 #ifdef ZPA_PEER_OPENBLAS
     openblas_set_num_threads(omp_get_max_threads());
     // With the kernels that it chose: on a processor younger than itself it takes its slowest, unless
@@ -56,6 +59,10 @@ template <typename T> Contenders Product(int height, int width, int length) {
 template <typename T> void RegisterProducts() {
     for (int const side : {32, 128, 512, 1024})
         Register({"Mul", kTypeName<T>, side, side, {0, 0}, [=] { return Product<T>(side, side, side); }});
+    for (int const side : {32, 512})
+        Register({"ipp_mul", kTypeName<T>, side, side, {0, 0}, [=] {
+                      return Product<T>(side, side, side, ipp_mul);
+                  }});
     Register({"Mul, 2000 summed", kTypeName<T>, 100, 100, {0, 0}, [] { return Product<T>(100, 100, 2000); }});
 }
 

@@ -1,4 +1,4 @@
-// Dilation and erosion: elements of each kind that is treated in its own way.
+// Dilation, erosion, opening and closing: elements of each kind that is treated in its own way.
 #include <Basics/Morphology.h>
 
 #include <memory>
@@ -46,22 +46,40 @@ template <typename T> struct Scene {
     Element element;
 };
 
-template <typename T> Contenders Dilation(int side, Element const& element) {
+using WithElement = SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes*, ImageAttributes, int, int);
+using With3x3 = SOLVANE_RETURNCODE (*)(ImageAttributes, ImageAttributes*, int);
+
+// An operation beside OpenCV's of the same number.
+struct Operation {
+    char const* name;
+    WithElement run;
+    char const* peer;
+    int number;
+};
+constexpr Operation kDilate{"Dilate", Dilate, "OpenCV dilate", 1};
+constexpr Operation kErode{"Erode", Erode, "OpenCV erode", 0};
+constexpr Operation kOpen{"ImOpen", ImOpen, "OpenCV morphologyEx", 2};
+constexpr Operation kClose{"ImClose", ImClose, "OpenCV morphologyEx", 3};
+#ifdef ZPA_PEER_OPENCV
+static_assert(cv::MORPH_ERODE == 0 && cv::MORPH_DILATE == 1 && cv::MORPH_OPEN == 2 && cv::MORPH_CLOSE == 3);
+#endif
+
+template <typename T> Contenders WithAnElement(Operation operation, int side, Element const& element) {
     auto const scene = std::make_shared<Scene<T>>(
         Scene<T>{RandomImage<T>(side, side), Image<T>(side, side), Image<T>(side, side), element});
     int const x = element.Width() / 2, y = element.Height() / 2;
-    Contenders contenders{
-        [=, destination = scene->ours.Attributes()]() mutable {
-            Require(Dilate(scene->source.Attributes(), &destination, scene->element.Attributes(), x, y));
-        },
-        "",
-        {},
-        {}};
+    Contenders contenders{[=, destination = scene->ours.Attributes()]() mutable {
+                              Require(operation.run(scene->source.Attributes(), &destination,
+                                                    scene->element.Attributes(), x, y));
+                          },
+                          "",
+                          {},
+                          {}};
 #ifdef ZPA_PEER_OPENCV
-    contenders.peer = "OpenCV dilate";
+    contenders.peer = operation.peer;
     contenders.theirs = [=, source = MatView(scene->source), destination = MatView(scene->theirs),
                          kernel = MatView(scene->element)]() mutable {
-        cv::dilate(source, destination, kernel, {x, y}, 1, cv::BORDER_REPLICATE);
+        cv::morphologyEx(source, destination, operation.number, kernel, {x, y}, 1, cv::BORDER_REPLICATE);
     };
     contenders.sameAnswer = [scene] { return LargestDifference(scene->ours, scene->theirs) == 0; };
 #endif
@@ -69,38 +87,48 @@ template <typename T> Contenders Dilation(int side, Element const& element) {
 }
 
 // Ten passes beside ten times one: the ratio is to be 1 or more.
-template <typename T> Contenders Iterations(int side) {
+template <typename T> Contenders Iterations(With3x3 operation, int side) {
     auto const scene = std::make_shared<Scene<T>>(
         Scene<T>{RandomImage<T>(side, side), Image<T>(side, side), Image<T>(side, side), Block(3, 3)});
-    return {[scene, destination = scene->ours.Attributes()]() mutable {
-                Require(Dilate3x3(scene->source.Attributes(), &destination, 10));
+    return {[=, destination = scene->ours.Attributes()]() mutable {
+                Require(operation(scene->source.Attributes(), &destination, 10));
             },
             "ten times one",
-            [scene, destination = scene->theirs.Attributes()]() mutable {
-                for (int i = 0; i < 10; ++i) Require(Dilate3x3(scene->source.Attributes(), &destination, 1));
+            [=, destination = scene->theirs.Attributes()]() mutable {
+                for (int i = 0; i < 10; ++i) Require(operation(scene->source.Attributes(), &destination, 1));
             },
             {}};
 }
 
 template <typename T> void RegisterAll(int side) {
     constexpr double kBytes = sizeof(T);
-    auto const dilation = [=](char const* kind, Element const& element) {
-        Register({std::string("Dilate, ") + kind, kTypeName<T>, side, side, {kBytes, kBytes}, [=] {
-                      return Dilation<T>(side, element);
+    auto const add = [=](Operation const& operation, char const* kind, Element const& element) {
+        Register({std::string(operation.name) + ", " + kind, kTypeName<T>, side, side, {kBytes, kBytes}, [=] {
+                      return WithAnElement<T>(operation, side, element);
                   }});
     };
-    dilation("3 by 3", Block(3, 3));
-    dilation("7 by 7", Block(7, 7));
-    dilation("15 by 15", Block(15, 15));
-    dilation("61 by 61", Block(61, 61));
-    dilation("255 by 255", Block(255, 255));
-    dilation("disk of 11", Disk(11));
-    dilation("disk of 41", Disk(41));
-    dilation("sparse of 15", Sparse(15, 20));
-    dilation("random of 15", Sparse(15, 2));
-    Register({"Dilate3x3, 10", kTypeName<T>, side, side, {kBytes * 10, kBytes * 10}, [=] {
-                  return Iterations<T>(side);
-              }});
+    add(kDilate, "3 by 3", Block(3, 3));
+    add(kDilate, "7 by 7", Block(7, 7));
+    add(kDilate, "15 by 15", Block(15, 15));
+    add(kDilate, "61 by 61", Block(61, 61));
+    add(kDilate, "255 by 255", Block(255, 255));
+    add(kDilate, "disk of 11", Disk(11));
+    add(kDilate, "disk of 41", Disk(41));
+    add(kDilate, "sparse of 15", Sparse(15, 20));
+    add(kDilate, "random of 15", Sparse(15, 2));
+    auto const addIterations = [=](char const* name, With3x3 operation) {
+        Register({name, kTypeName<T>, side, side, {kBytes * 10, kBytes * 10}, [=] {
+                      return Iterations<T>(operation, side);
+                  }});
+    };
+    addIterations("Dilate3x3, 10", Dilate3x3);
+    // The same loops with another comparison: an element of each kind.
+    for (Operation const& operation : {kErode, kOpen, kClose}) {
+        add(operation, "3 by 3", Block(3, 3));
+        add(operation, "15 by 15", Block(15, 15));
+        add(operation, "disk of 11", Disk(11));
+    }
+    addIterations("Erode3x3, 10", Erode3x3);
 }
 
 Registration const rows([] {

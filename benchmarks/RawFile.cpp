@@ -64,7 +64,6 @@ template <typename T> struct Scene {
     Image<T> image;
     std::size_t bytes;
     Scratch scratch;
-    std::string file = scratch.PathFor("file");
 };
 
 Contenders WriteRaw(int side) {
@@ -73,21 +72,48 @@ Contenders WriteRaw(int side) {
             "fwrite", [scene] { Write(kNowhere, scene->image.Row(0), scene->bytes); }};
 }
 
-Contenders Read(int side) {
-    auto const scene = std::make_shared<Scene<unsigned short>>(side);
-    Write(scene->file, scene->image.Row(0), scene->bytes);
-    return {[scene, side] {
-                void* pixels = nullptr;
-                Require(ReadRaw(scene->file.c_str(), &pixels, eUInt16, side, side, side, false));
-                FreePixels(pixels);
-            },
-            "fread",
-            [scene] {
-                File const file = Open(scene->file, "rb");
+// A new block of memory with the bytes of a file.
+using Reading = void* (*)(std::string const& path, int side);
+
+template <typename T> Contenders Read(int side, std::string const& name, Reading read) {
+    auto const scene = std::make_shared<Scene<T>>(side);
+    std::string const path = scene->scratch.PathFor(name.c_str());
+    Write(path, scene->image.Row(0), scene->bytes);
+    return {[=] { FreePixels(read(path, side)); }, "fread",
+            [=] {
+                File const file = Open(path, "rb");
                 std::unique_ptr<unsigned char[]> const pixels(new unsigned char[scene->bytes]);
                 if (std::fread(pixels.get(), 1, scene->bytes, file.get()) != scene->bytes)
-                    throw std::runtime_error("cannot read " + scene->file);
+                    throw std::runtime_error("cannot read " + path);
             }};
+}
+
+void* ReadAsTold(std::string const& path, int side) {
+    void* pixels = nullptr;
+    Require(ReadRaw(path.c_str(), &pixels, eUInt16, side, side, side, false));
+    return pixels;
+}
+void* ReadAsNamed(std::string const& path, int) {
+    ImageAttributes image;
+    Require(ReadRawFile(path.c_str(), &image));
+    return image.buffer;
+}
+void* ReadAsBuffer(std::string const& path, int) {
+    BufferAttributes buffer;
+    Require(ReadRawBuffer(path.c_str(), &buffer));
+    return buffer.buffer;
+}
+
+template <typename T> using Dump = SOLVANE_RETURNCODE (*)(T const*, int, int, int, char const*);
+
+// The file's name, which tells its dimensions, leads nowhere.
+template <typename T> Contenders WriteNamed(int side, char const* extension, Dump<T> dump) {
+    auto const scene = std::make_shared<Scene<T>>(side);
+    std::string const name = scene->scratch.PathFor("image"), length = '.' + std::to_string(side);
+    std::string const path = name + length + length + extension;
+    fs::create_symlink(kNowhere, path);
+    return {[=] { Require(dump(scene->image.Row(0), side, side, -1, name.c_str())); }, "fwrite",
+            [=] { Write(path, scene->image.Row(0), scene->bytes); }};
 }
 
 template <typename T> Contenders WritePgm(int side) {
@@ -114,7 +140,20 @@ template <typename T> void RegisterPgm(int side) {
 Registration const rows([] {
     for (int const side : {512, 2048}) {
         Register({"dumpRaw", "16u", side, side, {}, [=] { return WriteRaw(side); }});
-        Register({"ReadRaw", "16u", side, side, {}, [=] { return Read(side); }});
+        std::string const length = '.' + std::to_string(side), bytes = '.' + std::to_string(2 * side * side);
+        Register({"DumpRawImage", "16u", side, side, {}, [=] {
+                      return WriteNamed<unsigned short>(side, ".raw", DumpRawImage);
+                  }});
+        Register({"DumpRawMask", "8u", side, side, {}, [=] {
+                      return WriteNamed<unsigned char>(side, ".mask", DumpRawMask);
+                  }});
+        auto const addReading = [=](char const* operation, std::string const& name, Reading read) {
+            Register(
+                {operation, "16u", side, side, {}, [=] { return Read<unsigned short>(side, name, read); }});
+        };
+        addReading("ReadRaw", "file", ReadAsTold);
+        addReading("ReadRawFile", "file" + length + length + ".raw", ReadAsNamed);
+        addReading("ReadRawBuffer", "file" + bytes + ".raw", ReadAsBuffer);
         RegisterPgm<unsigned char>(side);
         RegisterPgm<unsigned short>(side);
         RegisterPgm<double>(side);

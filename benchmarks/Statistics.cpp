@@ -159,6 +159,25 @@ template <typename T> Contenders CountsOfLines(int side, LineCount count, [[mayb
     return contenders;
 }
 
+#ifdef ZPA_PEER_OPENCV
+// Images of one scene, which lives as long as `owner` is held.
+template <typename T>
+void SetPeerOfScores(Contenders& contenders, Image<T>& input, Image<T>& ours, Image<T>& theirs,
+                     std::shared_ptr<void> const& owner) {
+    contenders.peer = "OpenCV meanStdDev, convertTo";
+    contenders.theirs = [owner, image = MatView(input), output = MatView(theirs)]() mutable {
+        cv::Scalar mean, stdDev;
+        cv::meanStdDev(image, mean, stdDev);
+        image.convertTo(output, output.type(), 1 / stdDev[0], -mean[0] / stdDev[0]);
+    };
+    // Integers are saturated there, so that only floating-point answers can agree.
+    if (std::is_floating_point_v<T>)
+        contenders.sameAnswer = [owner, &ours, &theirs] {
+            return LargestDifference(ours, theirs) < 1e-9 * (sizeof(T) == 4 ? 1e4 : 1);
+        };
+}
+#endif
+
 template <typename T> Contenders Scores(int side, bool masked) {
     struct Scene {
         Image<T> image, ours, theirs;
@@ -175,15 +194,26 @@ template <typename T> Contenders Scores(int side, bool masked) {
                           {}};
 #ifdef ZPA_PEER_OPENCV
     if (masked) return contenders;
-    contenders.peer = "OpenCV meanStdDev, convertTo";
-    contenders.theirs = [scene, image = MatView(scene->image), output = MatView(scene->theirs)]() mutable {
-        cv::Scalar mean, stdDev;
-        cv::meanStdDev(image, mean, stdDev);
-        image.convertTo(output, output.type(), 1 / stdDev[0], -mean[0] / stdDev[0]);
+    SetPeerOfScores<T>(contenders, scene->image, scene->ours, scene->theirs, scene);
+#endif
+    return contenders;
+}
+
+template <typename T> Contenders BufferScores(int count) {
+    struct Scene {
+        Image<T> buffer, ours, theirs;
     };
-    // Integers are saturated there, so that only floating-point answers can agree.
-    if (std::is_floating_point_v<T>)
-        contenders.sameAnswer = [scene] { return LargestDifference(scene->ours, scene->theirs) < 1e-9; };
+    auto const scene = std::make_shared<Scene>(
+        Scene{RandomImage<T>(count, 1, 0, 0, 255), Image<T>(count, 1), Image<T>(count, 1)});
+    auto const buffer = [=](Image<T>& of) { return BufferAttributes(TypeCodeOf<T>, of.Row(0), count); };
+    Contenders contenders{[=, output = buffer(scene->ours)]() mutable {
+                              Require(NormalizeBuffer(buffer(scene->buffer), nullptr, nullptr, &output));
+                          },
+                          "",
+                          {},
+                          {}};
+#ifdef ZPA_PEER_OPENCV
+    SetPeerOfScores<T>(contenders, scene->buffer, scene->ours, scene->theirs, scene);
 #endif
     return contenders;
 }
@@ -254,6 +284,9 @@ template <typename T> void RegisterStatistics(int side) {
 template <typename T> void RegisterBuffers(int count) {
     Register({"CalculateBufferStats", kTypeName<T>, count, 1, {kSize<T>, 0}, [=] {
                   return BufferStatistics<T>(count);
+              }});
+    Register({"NormalizeBuffer", kTypeName<T>, count, 1, {kSize<T>, kSize<T>}, [=] {
+                  return BufferScores<T>(count);
               }});
 }
 

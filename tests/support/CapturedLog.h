@@ -44,6 +44,14 @@ public:
     void Clear();
 };
 
+// The texts of lines, of one category or of all.
+inline std::vector<std::wstring> Messages(std::vector<LogLine> const& lines, int category = eLogAll) {
+    std::vector<std::wstring> messages;
+    for (LogLine const& line : lines)
+        if (category == eLogAll || line.category == category) messages.push_back(line.message);
+    return messages;
+}
+
 // A callback for tests of what its exceptions reach.
 inline void ThrowFromCallback(wchar_t const*, int, wchar_t const*) {
     throw std::runtime_error("from the callback");
