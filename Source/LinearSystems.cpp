@@ -58,7 +58,7 @@ double viprod(double const* a, double const* b, int n) {
 void mvmul(double const* a, double const* x, double* y, int rows, int columns) {
     if (AnyNull(L"mvmul(): Null pointer.", a, x, y)) return;
     std::ptrdiff_t const length = std::max(columns, 0);
-    for (std::ptrdiff_t i = 0; i < rows; ++i) y[i] = InnerProduct(a + i * length, x, length);
+    InnerProducts({a, length}, x, y, rows, length);
 }
 
 float pythag(float a, float b) { return Hypotenuse(a, b); }

@@ -324,9 +324,9 @@ SOLVANE_RETURNCODE svbksb(float** u, float* w, float** v, int m, int n, float* b
         return Report(SOLVANE_OPERATION_FAILED,
                       L"svbksb(): alloc_vector() for 'tmp' failed with params nl=%d, nh=%d", 1, n);
     std::fill_n(&tmp[1], n, 0.0f);
-    for (std::ptrdiff_t y = 1; y <= m; ++y) AddMultiple(b[y], u[y] + 1, &tmp[1], n);
+    AddMultiples(b + 1, {u + 1, 1}, &tmp[1], m, n);
     for (std::ptrdiff_t i = 1; i <= n; ++i) tmp[i] = w[i] != 0 ? tmp[i] / w[i] : 0;
-    for (std::ptrdiff_t i = 1; i <= n; ++i) x[i] = InnerProduct(v[i] + 1, &tmp[1], n);
+    InnerProducts({v + 1, 1}, &tmp[1], x + 1, n, n);
     return SOLVANE_OK;
 }
 
