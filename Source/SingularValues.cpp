@@ -103,8 +103,7 @@ private:
         above_[next] = Reflect(row_, count, scale, half);
         if (half != 0) {
             std::fill_n(column_, below, T{0});
-            for (std::ptrdiff_t j = 0; j < count; ++j)
-                AddMultiple(row_[j], U(next + j) + next, column_, below);
+            AddMultiples(row_, {U(next) + next, m_}, column_, count, below);
             for (std::ptrdiff_t j = 0; j < count; ++j)
                 AddMultiple(row_[j] / half, column_, U(next + j) + next, below);
         }

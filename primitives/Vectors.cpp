@@ -7,6 +7,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <utility>
 
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
@@ -43,102 +44,96 @@ template <typename T> struct Parts {
     static constexpr std::ptrdiff_t kLanes = hn::MaxLanes(Tag()), kVectors = kNumber / kLanes;
 };
 
-// Of some rows with one vector, loaded once.
-template <std::ptrdiff_t kRows, typename T>
-HWY_INLINE void Products(T const* const (&a)[kRows], T const* b, T* products, std::ptrdiff_t count) {
+// Calls with each index, as constants: what they choose from stays in registers.
+template <std::size_t... Index, class Call>
+HWY_INLINE void ForEach(std::index_sequence<Index...>, Call const& call) {
+    (call(static_cast<std::ptrdiff_t>(Index)), ...);
+}
+
+template <std::ptrdiff_t kRows> constexpr std::make_index_sequence<kRows> kEach{};
+
+// Of the rows from `first` on with one vector, loaded once.
+template <std::size_t... Row, typename T>
+HWY_INLINE void Products(std::index_sequence<Row...> rows, MatrixRows<T> const& matrix, std::ptrdiff_t first,
+                         T const* b, T* products, std::ptrdiff_t count) {
+    T const* const a[] = {matrix[first + static_cast<std::ptrdiff_t>(Row)]...};
     constexpr std::ptrdiff_t kLanes = Parts<T>::kLanes, kVectors = Parts<T>::kVectors;
     typename Parts<T>::Tag const d;
-    hn::Vec<decltype(d)> sums[kRows][kVectors];
-    for (auto& row : sums)
-        for (auto& sum : row) sum = hn::Zero(d);
-    auto const addTo = [&](std::ptrdiff_t v, auto const& load) {
-        auto const factors = load(b);
-        for (std::ptrdiff_t row = 0; row < kRows; ++row)
-            sums[row][v] = hn::Add(sums[row][v], hn::Mul(load(a[row]), factors));
-    };
+    hn::Vec<decltype(d)> sums[sizeof...(Row)][kVectors];
+    ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
+        ForEach(kEach<kVectors>, [&](std::ptrdiff_t v) HWY_ATTR { sums[row][v] = hn::Zero(d); });
+    });
     std::ptrdiff_t x = 0;
-    auto const whole = [&](T const* from) { return hn::LoadU(d, from + x); };
-    auto const rest = [&](T const* from) { return LoadRest(d, from + x, count - x); };
-    while (x + Parts<T>::kNumber <= count)
-        for (std::ptrdiff_t v = 0; v < kVectors; ++v, x += kLanes) addTo(v, whole);
-    for (std::ptrdiff_t v = 0; v < kVectors && x < count; ++v, x += kLanes) {
+    auto const addTo = [&](std::ptrdiff_t v, auto const& load) HWY_ATTR {
+        auto const factors = load(b + x);
+        ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
+            sums[row][v] = hn::Add(sums[row][v], hn::Mul(load(a[row] + x), factors));
+        });
+        x += kLanes;
+    };
+    auto const addWhole = [&](std::ptrdiff_t v) HWY_ATTR {
+        addTo(v, [&](T const* from) HWY_ATTR { return hn::LoadU(d, from); });
+    };
+    while (x + Parts<T>::kNumber <= count) ForEach(kEach<kVectors>, addWhole);
+    ForEach(kEach<kVectors>, [&](std::ptrdiff_t v) HWY_ATTR {
         if (x + kLanes <= count)
-            addTo(v, whole);
-        else
-            addTo(v, rest);
-    }
+            addWhole(v);
+        else if (x < count)
+            addTo(v, [&](T const* from) HWY_ATTR { return LoadRest(d, from, count - x); });
+    });
 
-    for (std::ptrdiff_t row = 0; row < kRows; ++row) {
+    ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
         for (std::ptrdiff_t half = kVectors / 2; half > 0; half /= 2)
             for (std::ptrdiff_t v = 0; v < half; ++v)
                 sums[row][v] = hn::Add(sums[row][v], sums[row][half + v]);
-        products[row] = FoldLanes(d, sums[row][0]);
-    }
-}
-
-template <typename T> T Product(T const* a, T const* b, std::ptrdiff_t count) {
-    T product;
-    Products<1>({a}, b, &product, count);
-    return product;
+        products[first + row] = FoldLanes(d, sums[row][0]);
+    });
 }
 
 template <typename T>
-void MultiplyRows(MatrixRows<T> const& a, T const* b, T* products, std::ptrdiff_t rows,
-                  std::ptrdiff_t count) {
+HWY_FLATTEN void MultiplyRows(MatrixRows<T> const& a, T const* b, T* products, std::ptrdiff_t rows,
+                              std::ptrdiff_t count) {
     std::ptrdiff_t row = 0;
     // as many as leave registers for what is loaded
     if constexpr (Parts<T>::kVectors <= 2)
-        for (; row + 4 <= rows; row += 4)
-            Products<4>({a[row], a[row + 1], a[row + 2], a[row + 3]}, b, products + row, count);
+        for (; row + 4 <= rows; row += 4) Products(kEach<4>, a, row, b, products, count);
     if constexpr (Parts<T>::kVectors <= 4)
-        for (; row + 2 <= rows; row += 2) Products<2>({a[row], a[row + 1]}, b, products + row, count);
-    for (; row < rows; ++row) Products<1>({a[row]}, b, products + row, count);
+        for (; row + 2 <= rows; row += 2) Products(kEach<2>, a, row, b, products, count);
+    for (; row < rows; ++row) Products(kEach<1>, a, row, b, products, count);
 }
 
-template <typename T> void Add(T factor, T const* a, T* sum, std::ptrdiff_t count) {
+template <typename T> HWY_FLATTEN T Product(T const* a, T const* b, std::ptrdiff_t count) {
+    T product;
+    Products(kEach<1>, MatrixRows<T>(a, 0), 0, b, &product, count);
+    return product;
+}
+
+// Multiples of the rows from `first` on, one after the other; their sum is loaded and stored once.
+template <std::size_t... Row, typename T>
+HWY_INLINE void Add(std::index_sequence<Row...> rows, T const* factors, MatrixRows<T> const& matrix,
+                    std::ptrdiff_t first, T* sum, std::ptrdiff_t count) {
     hn::ScalableTag<T> const d;
-    auto const lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
-    auto const factors = hn::Set(d, factor);
+    constexpr std::ptrdiff_t kLanes = hn::MaxLanes(d);
+    T const* const a[] = {matrix[first + static_cast<std::ptrdiff_t>(Row)]...};
+    T const factor[] = {factors[first + static_cast<std::ptrdiff_t>(Row)]...};
     std::ptrdiff_t x = 0;
-    for (; x + lanes <= count; x += lanes)
-        hn::StoreU(hn::Add(hn::LoadU(d, sum + x), hn::Mul(factors, hn::LoadU(d, a + x))), d, sum + x);
-    for (; x < count; ++x) sum[x] += factor * a[x];
-}
-
-// Adds the same columns of all rows; `load` and `store` move the vector v of them.
-template <std::ptrdiff_t kVectors, class D, typename T, class Load, class Store>
-void AddColumns(D d, T const* factors, MatrixRows<T> const& a, T* sum, std::ptrdiff_t rows, Load const& load,
-                Store const& store) {
-    hn::Vec<D> sums[kVectors];
-    for (std::ptrdiff_t v = 0; v < kVectors; ++v) sums[v] = load(sum, v);
-    for (std::ptrdiff_t row = 0; row < rows; ++row) {
-        auto const factor = hn::Set(d, factors[row]);
-        for (std::ptrdiff_t v = 0; v < kVectors; ++v)
-            sums[v] = hn::Add(sums[v], hn::Mul(factor, load(a[row], v)));
+    for (; x + kLanes <= count; x += kLanes) {
+        auto total = hn::LoadU(d, sum + x);
+        ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
+            total = hn::Add(total, hn::Mul(hn::Set(d, factor[row]), hn::LoadU(d, a[row] + x)));
+        });
+        hn::StoreU(total, d, sum + x);
     }
-    for (std::ptrdiff_t v = 0; v < kVectors; ++v) store(sums[v], v);
+    for (; x < count; ++x) ForEach(rows, [&](std::ptrdiff_t row) { sum[x] += factor[row] * a[row][x]; });
 }
 
 template <typename T>
-void AddRows(T const* factors, MatrixRows<T> const& a, T* sum, std::ptrdiff_t rows, std::ptrdiff_t count) {
-    hn::ScalableTag<T> const d;
-    using Vector = hn::Vec<decltype(d)>;
-    constexpr std::ptrdiff_t kLanes = hn::MaxLanes(d), kVectors = 4;
-    std::ptrdiff_t x = 0;
-    auto const load = [&](T const* row, std::ptrdiff_t v) { return hn::LoadU(d, row + x + v * kLanes); };
-    auto const store = [&](Vector sums, std::ptrdiff_t v) { hn::StoreU(sums, d, sum + x + v * kLanes); };
-    for (; x + kVectors * kLanes <= count; x += kVectors * kLanes)
-        AddColumns<kVectors>(d, factors, a, sum, rows, load, store);
-    for (; x + kLanes <= count; x += kLanes) AddColumns<1>(d, factors, a, sum, rows, load, store);
-    if (x < count)
-        AddColumns<1>(
-            d, factors, a, sum, rows,
-            [&](T const* row, std::ptrdiff_t) { return LoadRest(d, row + x, count - x); },
-            [&](Vector sums, std::ptrdiff_t) {
-                HWY_ALIGN T filled[kLanes];
-                hn::Store(sums, d, filled);
-                std::copy_n(filled, count - x, sum + x);
-            });
+HWY_FLATTEN void AddRows(T const* factors, MatrixRows<T> const& a, T* sum, std::ptrdiff_t rows,
+                         std::ptrdiff_t count) {
+    std::ptrdiff_t row = 0;
+    for (; row + 8 <= rows; row += 8) Add(kEach<8>, factors, a, row, sum, count);
+    for (; row + 4 <= rows; row += 4) Add(kEach<4>, factors, a, row, sum, count);
+    for (; row < rows; ++row) Add(kEach<1>, factors, a, row, sum, count);
 }
 
 template <typename T> void Turn(T* a, T* b, T cosine, T sine, std::ptrdiff_t count) {
@@ -158,17 +153,19 @@ template <typename T> void Turn(T* a, T* b, T cosine, T sine, std::ptrdiff_t cou
     }
 }
 
-#define ZPA_KERNELS(name, T)                                                                           \
-    T Product##name(T const* a, T const* b, std::ptrdiff_t count) { return Product(a, b, count); }     \
-    void MultiplyRows##name(MatrixRows<T> const& a, T const* b, T* products, std::ptrdiff_t rows,      \
-                            std::ptrdiff_t count) {                                                    \
-        MultiplyRows(a, b, products, rows, count);                                                     \
-    }                                                                                                  \
-    void AddRows##name(T const* factors, MatrixRows<T> const& a, T* sum, std::ptrdiff_t rows,          \
-                       std::ptrdiff_t count) {                                                         \
-        AddRows(factors, a, sum, rows, count);                                                         \
-    }                                                                                                  \
-    void Add##name(T factor, T const* a, T* sum, std::ptrdiff_t count) { Add(factor, a, sum, count); } \
+#define ZPA_KERNELS(name, T)                                                                       \
+    T Product##name(T const* a, T const* b, std::ptrdiff_t count) { return Product(a, b, count); } \
+    void MultiplyRows##name(MatrixRows<T> const& a, T const* b, T* products, std::ptrdiff_t rows,  \
+                            std::ptrdiff_t count) {                                                \
+        MultiplyRows(a, b, products, rows, count);                                                 \
+    }                                                                                              \
+    void AddRows##name(T const* factors, MatrixRows<T> const& a, T* sum, std::ptrdiff_t rows,      \
+                       std::ptrdiff_t count) {                                                     \
+        AddRows(factors, a, sum, rows, count);                                                     \
+    }                                                                                              \
+    void Add##name(T factor, T const* a, T* sum, std::ptrdiff_t count) {                           \
+        Add(kEach<1>, &factor, MatrixRows<T>(a, 0), 0, sum, count);                                \
+    }                                                                                              \
     void Turn##name(T* a, T* b, T cosine, T sine, std::ptrdiff_t count) { Turn(a, b, cosine, sine, count); }
 ZPA_KERNELS(32f, float)
 ZPA_KERNELS(64f, double)
