@@ -44,15 +44,20 @@ template <typename T> struct Parts {
     static constexpr std::ptrdiff_t kLanes = hn::MaxLanes(Tag()), kVectors = kNumber / kLanes;
 };
 
-// Calls with each index, as constants: what they choose from stays in registers.
+// Calls with each index; as constants, where what they choose from has room in registers.
 template <std::size_t... Index, class Call>
 HWY_INLINE void ForEach(std::index_sequence<Index...>, Call const& call) {
-    (call(static_cast<std::ptrdiff_t>(Index)), ...);
+    if constexpr (sizeof...(Index) <= 8)
+        (call(static_cast<std::ptrdiff_t>(Index)), ...);
+    else
+        for (std::size_t index = 0; index < sizeof...(Index); ++index)
+            call(static_cast<std::ptrdiff_t>(index));
 }
 
-template <std::ptrdiff_t kRows> constexpr std::make_index_sequence<kRows> kEach{};
+template <std::size_t kNumber> constexpr std::make_index_sequence<kNumber> kEach{};
 
-// Of the rows from `first` on with one vector, loaded once.
+// Of the rows from `first` on with one vector, loaded once. Callers are flattened: were a lambda called, the sums
+// would be in memory.
 template <std::size_t... Row, typename T>
 HWY_INLINE void Products(std::index_sequence<Row...> rows, MatrixRows<T> const& matrix, std::ptrdiff_t first,
                          T const* b, T* products, std::ptrdiff_t count) {
@@ -112,19 +117,22 @@ template <typename T> HWY_FLATTEN T Product(T const* a, T const* b, std::ptrdiff
 template <std::size_t... Row, typename T>
 HWY_INLINE void Add(std::index_sequence<Row...> rows, T const* factors, MatrixRows<T> const& matrix,
                     std::ptrdiff_t first, T* sum, std::ptrdiff_t count) {
-    hn::ScalableTag<T> const d;
-    constexpr std::ptrdiff_t kLanes = hn::MaxLanes(d);
     T const* const a[] = {matrix[first + static_cast<std::ptrdiff_t>(Row)]...};
     T const factor[] = {factors[first + static_cast<std::ptrdiff_t>(Row)]...};
     std::ptrdiff_t x = 0;
-    for (; x + kLanes <= count; x += kLanes) {
-        auto total = hn::LoadU(d, sum + x);
-        ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
-            total = hn::Add(total, hn::Mul(hn::Set(d, factor[row]), hn::LoadU(d, a[row] + x)));
-        });
-        hn::StoreU(total, d, sum + x);
-    }
-    for (; x < count; ++x) ForEach(rows, [&](std::ptrdiff_t row) { sum[x] += factor[row] * a[row][x]; });
+    auto const addVectors = [&](auto d) HWY_ATTR {
+        constexpr std::ptrdiff_t kLanes = hn::MaxLanes(d);
+        for (; x + kLanes <= count; x += kLanes) {
+            auto total = hn::LoadU(d, sum + x);
+            ForEach(rows, [&](std::ptrdiff_t row) HWY_ATTR {
+                total = hn::Add(total, hn::Mul(hn::Set(d, factor[row]), hn::LoadU(d, a[row] + x)));
+            });
+            hn::StoreU(total, d, sum + x);
+        }
+    };
+    addVectors(hn::ScalableTag<T>());
+    addVectors(hn::CappedTag<T, 16 / sizeof(T)>());
+    addVectors(hn::CappedTag<T, 1>());
 }
 
 template <typename T>
