@@ -129,12 +129,13 @@ ZPA_C_API SOLVANE_RETURNCODE blockAverageDownSampleCodedMask_double(double* inpu
 /// @retval 3  "subsample(): Invalid row or col offset(s)."
 /// @retval 1  No memory: "subsample(): Memory allocation failed for %d bytes."
 /// @retval 3  "subsample(): Destination buffer too small."
-/// @retval 6  Samples lie beyond the memory of a source of 8-bit elements: "subsample(): The source image is not
-///            a 16-bit image."
-/// @retval 7  They do for a negative stride: "subsample(): The source image's rows overlap."
-/// @retval 7  Not enough memory in a destination of 8-bit elements: "subsample(): The destination image is not a
-///            16-bit image."
-/// @retval 7  Nor in one whose stride is below its width: "subsample(): The destination image's rows overlap."
+/// @retval 6  Samples lie beyond the memory of a source of 8-bit elements: "subsample(): The source image is
+///            not a 16-bit image."
+/// @retval 7  A source of wider elements has a negative stride: "subsample(): The source image's rows overlap."
+/// @retval 7  The output is larger than the memory of a destination of 8-bit elements: "subsample(): The
+///            destination image is not a 16-bit image."
+/// @retval 7  It is larger than that of wider elements in rows that overlap: "subsample(): The destination
+///            image's rows overlap."
 ZPA_C_API SOLVANE_RETURNCODE subsample(ImageAttributes const* source, ImageAttributes* destination,
                                        int factor, int rowOffset, int columnOffset);
 
