@@ -46,7 +46,7 @@ SOLVANE_RETURNCODE Gaussian(ImageView<double> const& kernel, double parameter) {
 }
 
 SOLVANE_RETURNCODE Write(ImageAttributes const& kernel, double const (&elements)[9]) {
-    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0 || kernel.width < 1)
+    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0)
         return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel image is too small.");
     std::memcpy(kernel.buffer, elements, sizeof elements);
     return SOLVANE_OK;
