@@ -46,9 +46,7 @@ SOLVANE_RETURNCODE Gaussian(ImageView<double> const& kernel, double parameter) {
         if (element < largest * kNegligible) element = 0;
         sum += element;
     });
-    forEachElement([&](double& element) {
-        if (element != 0) element /= sum;
-    });
+    if (sum != 0) forEachElement([sum](double& element) { element /= sum; });
     return SOLVANE_OK;
 }
 
