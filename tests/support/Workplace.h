@@ -110,10 +110,13 @@ inline void Workplace::WriteFiles(std::string const& folder) {
 }
 
 inline std::vector<Workplace::Array> Workplace::Arrays() const {
-    return {{bytes, sizeof bytes},         {mask, sizeof mask},
-            {element, sizeof element},     {words, sizeof words},
+    return {{bytes, sizeof bytes},
+            {mask, sizeof mask},
+            {element, sizeof element},
+            {words, sizeof words},
             {floats, sizeof floats},
-            {doubles, sizeof doubles},     {moreDoubles, sizeof moreDoubles},
+            {doubles, sizeof doubles},
+            {moreDoubles, sizeof moreDoubles},
             {numbers, sizeof numbers}};
 }
 
