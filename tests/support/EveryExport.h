@@ -11,8 +11,8 @@
 
 namespace ZPA::Testing {
 
-// The functions that no code of these files, in the folder of the tests, names. Those that are `exempt` must
-// be missing too, or they need not be.
+// The functions that no code of these files, in the folder of the tests, names. Those that are `exempt` may
+// not be named, or they would need no exemption.
 inline std::vector<std::string> ForgottenExports(std::vector<std::string> const& files,
                                                  std::set<std::string> const& exempt) {
     std::string const tests = ZPA_SOURCES "/tests/";
