@@ -112,7 +112,7 @@ std::vector<OperationCall> MakeCalls() {
             return DiffBuffer(W::Buffer(type, p.doubles), &output);
         });
     for (auto const& [name, operation] :
-         {std::pair{"Add", Add}, {"Sub", Sub}, {"MulP", MulP}, {"Mul", Mul}, {"ipp_mul", ipp_mul}}) {
+         {std::pair{"Add", &Add}, {"Sub", Sub}, {"MulP", MulP}, {"Mul", Mul}, {"ipp_mul", ipp_mul}}) {
         bool const matrices = operation == Mul || operation == ipp_mul;
         addFor(matrices ? real : all, name, {1, 5}, [operation = operation](W& p, Image image) {
             image.width = image.stride = h;
@@ -124,7 +124,7 @@ std::vector<OperationCall> MakeCalls() {
     addFor({eByte, eInt16, eUInt16, eSingle}, "ipp_add", {5},
            [](W& p, Image image) { return ipp_add(image, image, &p.made, false); });
     for (auto const& [name, operation] :
-         {std::pair{"AddC", AddC}, {"SubC", SubC}, {"MulC", MulC}, {"DivC", DivC}})
+         {std::pair{"AddC", &AddC}, {"SubC", SubC}, {"MulC", MulC}, {"DivC", DivC}})
         addFor(all, name, {5}, [operation = operation](W& p, Image image) {
             return operation(image, p.numbers + 2, &p.made);  // not zero in any type
         });
@@ -160,7 +160,7 @@ std::vector<OperationCall> MakeCalls() {
         return NormalizeBuffer(buffer, nullptr, nullptr, &buffer);
     });
     for (auto const& [name, operation] :
-         {std::pair{"InvertGray", InvertGray}, {"InvertMaskImage", InvertMaskImage}})
+         {std::pair{"InvertGray", &InvertGray}, {"InvertMaskImage", InvertMaskImage}})
         addFor(labels, name, {}, [operation = operation](W&, Image image) {
             return operation(image, nullptr, nullptr, nullptr, &image);
         });
@@ -229,11 +229,11 @@ std::vector<OperationCall> MakeCalls() {
         return int{strel({eByte, p.bytes, 7, 1, 7, 8, 0}, center, "line", 5, &angle, 0)};
     });
     for (auto const& [name, operation] :
-         {std::pair{"Dilate", Dilate}, {"Erode", Erode}, {"ImOpen", ImOpen}, {"ImClose", ImClose}})
+         {std::pair{"Dilate", &Dilate}, {"Erode", Erode}, {"ImOpen", ImOpen}, {"ImClose", ImClose}})
         addFor(labels, name, {1, 5}, [operation = operation](W& p, Image image) {
             return operation(image, &p.made, p.Element(), 1, 1);
         });
-    for (auto const& [name, operation] : {std::pair{"Dilate3x3", Dilate3x3}, {"Erode3x3", Erode3x3}})
+    for (auto const& [name, operation] : {std::pair{"Dilate3x3", &Dilate3x3}, {"Erode3x3", Erode3x3}})
         for (bool const inPlace : {false, true})
             addFor(labels, name, {1, 5}, [operation = operation, inPlace](W& p, Image image) {
                 return operation(image, inPlace ? nullptr : &p.made, 2);
