@@ -7,6 +7,7 @@
 
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/ImageView.h"
+#include "Source/Platform/ExtendedPrecision.h"
 
 namespace ZPA {
 namespace {
@@ -22,31 +23,35 @@ SOLVANE_RETURNCODE Average(ImageView<double> const& kernel) {
 }
 
 SOLVANE_RETURNCODE Gaussian(ImageView<double> const& kernel, double parameter) {
+    [[maybe_unused]] ExtendedPrecision const precision;  // for exponentials of the same bits on every thread
     double const sigma = parameter < kNegligible ? 0.5 : parameter;
-    double const cx = static_cast<double>(kernel.Width() - 1) * 0.5;
-    double const cy = static_cast<double>(kernel.Height() - 1) * 0.5;
-    auto const forEachElement = [&](auto const& visit) {
-        for (std::ptrdiff_t y = 0; y < kernel.Height(); ++y)
-            for (std::ptrdiff_t x = 0; x < kernel.Width(); ++x)
-                visit(kernel.Row(y)[x], static_cast<double>(x) - cx, static_cast<double>(y) - cy);
-    };
+    std::ptrdiff_t const right = kernel.Width() - 1, bottom = kernel.Height() - 1;
+    double const cx = static_cast<double>(right) * 0.5, cy = static_cast<double>(bottom) * 0.5;
     double largest = 0, sum = 0;
-    forEachElement([&](double& element, double dx, double dy) {
-        element = std::exp(-(dx * dx + dy * dy) / (2 * sigma * sigma));
-        largest = std::max(largest, element);
-    });
-    forEachElement([&](double& element, double, double) {
+    // A quarter of the elements, which the others mirror.
+    for (std::ptrdiff_t y = 0; y <= bottom - y; ++y) {
+        double* const row = kernel.Row(y);
+        double const dy = static_cast<double>(y) - cy;
+        for (std::ptrdiff_t x = 0; x <= right - x; ++x) {
+            double const dx = static_cast<double>(x) - cx;
+            row[x] = row[right - x] = std::exp(-(dx * dx + dy * dy) / (2 * sigma * sigma));
+            largest = std::max(largest, row[x]);
+        }
+        if (y != bottom - y) std::copy_n(row, kernel.Width(), kernel.Row(bottom - y));
+    }
+    auto const forEachElement = [&](auto const& visit) {
+        for (std::ptrdiff_t y = 0; y <= bottom; ++y) std::for_each_n(kernel.Row(y), kernel.Width(), visit);
+    };
+    forEachElement([&](double& element) {
         if (element < largest * kNegligible) element = 0;
         sum += element;
     });
-    forEachElement([&](double& element, double, double) {
-        if (element != 0) element /= sum;
-    });
+    if (sum != 0) forEachElement([sum](double& element) { element /= sum; });
     return SOLVANE_OK;
 }
 
 SOLVANE_RETURNCODE Write(ImageAttributes const& kernel, double const (&elements)[9]) {
-    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0 || kernel.width < 1)
+    if (std::int64_t{kernel.height} * kernel.stride < 9 || kernel.height < 0)
         return Fail(SOLVANE_SIZE_MISMATCH, L"The kernel image is too small.");
     std::memcpy(kernel.buffer, elements, sizeof elements);
     return SOLVANE_OK;

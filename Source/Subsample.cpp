@@ -11,9 +11,15 @@
 namespace ZPA {
 namespace {
 
-// Elements of 8 bits hold only half of what is read or written. Descriptors without a type are taken as they
-// are.
 bool IsNarrow(ImageAttributes const& image) { return SizeOfTypeCode(image.type) == 1; }
+
+// The 16-bit units in the memory that an image describes, whatever its elements. Without a type it has them.
+std::uint64_t UnitsDescribed(ImageAttributes image) {
+    if (image.stride == 0) image.stride = image.width;
+    auto const size = static_cast<std::uint64_t>(SizeOfTypeCode(image.type));
+    std::uint64_t const elements = ElementsDescribed(image);
+    return size == 1 ? elements / 2 : size == 0 ? elements : elements * (size / 2);
+}
 
 std::int64_t Pixels(ImageAttributes const& image) {
     return std::int64_t{std::max(image.width, 0)} * std::max(image.height, 0);
@@ -40,14 +46,22 @@ SOLVANE_RETURNCODE subsample(ImageAttributes const* source, ImageAttributes* des
                                input.width / factor, input.bitsperpixel, static_cast<int>(spacing));
         if (output.buffer && Pixels(*destination) < Pixels(output))
             return Fail(SOLVANE_OUT_OF_RANGE, L"subsample(): Destination buffer too small.");
-        if (IsNarrow(input))
-            return Fail(SOLVANE_UNSUPPORTED_TYPE, L"subsample(): The source image is not a 16-bit image.");
-        if (RowsUnreadable(input))
+        // Of the last sample.
+        std::int64_t const row = rowOffset + (std::int64_t{output.height} - 1) * factor;
+        std::ptrdiff_t const column = columnOffset + (std::ptrdiff_t{output.width} - 1) * factor;
+        std::uint64_t const units = UnitsDescribed(input);
+        if (units <= static_cast<std::uint64_t>(row * input.stride + column)) {
+            if (IsNarrow(input))
+                return Fail(SOLVANE_UNSUPPORTED_TYPE,
+                            L"subsample(): The source image is not a 16-bit image.");
             return Fail(SOLVANE_SIZE_MISMATCH, L"subsample(): The source image's rows overlap.");
-        if (output.buffer && IsNarrow(*destination))
-            return Fail(SOLVANE_SIZE_MISMATCH, L"subsample(): The destination image is not a 16-bit image.");
-        if (output.buffer && destination->stride != 0 && RowsOverlap(*destination))
+        }
+        if (output.buffer && UnitsDescribed(*destination) < static_cast<std::uint64_t>(Pixels(output))) {
+            if (IsNarrow(*destination))
+                return Fail(SOLVANE_SIZE_MISMATCH,
+                            L"subsample(): The destination image is not a 16-bit image.");
             return Fail(SOLVANE_SIZE_MISMATCH, L"subsample(): The destination image's rows overlap.");
+        }
 
         if (!output.buffer) {
             auto const pixels = static_cast<std::uint64_t>(Pixels(output));
@@ -56,8 +70,15 @@ SOLVANE_RETURNCODE subsample(ImageAttributes const* source, ImageAttributes* des
         }
         ImageView<unsigned short const> const from(input);
         ImageView<unsigned short> const to(output);
-        for (std::ptrdiff_t y = 0; y < to.Height(); ++y)
-            SampleRow(from.Row(rowOffset + y * factor), factor, columnOffset, to.Row(y), to.Width());
+        // SampleRow may read up to where another sample would begin: where that is beyond the memory, the last one
+        // is taken alone.
+        std::ptrdiff_t const last = to.Width() - 1;
+        bool const isTight = units < static_cast<std::uint64_t>(row * input.stride + to.Width() * factor);
+        for (std::ptrdiff_t y = 0; y < to.Height(); ++y) {
+            unsigned short const* const samples = from.Row(rowOffset + y * factor);
+            SampleRow(samples, factor, columnOffset, to.Row(y), isTight ? last : last + 1);
+            if (isTight) to.Row(y)[last] = samples[column];
+        }
         *destination = output;
         return SOLVANE_OK;
     });

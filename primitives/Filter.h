@@ -36,7 +36,7 @@ Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float*
 Status ippiFilter_64f_C1R(double const* source, std::ptrdiff_t sourceStep, double* destination,
                           std::ptrdiff_t destinationStep, Size size, double const* kernel, Size kernelSize,
                           int anchorX, int anchorY, std::uint8_t* work) noexcept;
-// Null pointers and sizes are refused as above.
+// Null pointers and sizes are refused as above. Work that passes the address space is told as UINT64_MAX bytes.
 Status ippiFilterGetBufSize_64f_C1R(Size kernelSize, int width, std::uint64_t* bytes) noexcept;
 
 }  // namespace ZPA

@@ -128,9 +128,9 @@ template <typename T> class WorkRows {
 public:
     // Throws where there is no memory.
     WorkRows(std::uint64_t rows, std::ptrdiff_t stride) : band_(rows * static_cast<std::uint64_t>(stride)) {
-        std::uint64_t const bands = static_cast<std::uint64_t>(MostBands());
-        if (band_ > (PTRDIFF_MAX - kCacheLine) / sizeof(T) / bands) throw std::bad_alloc();
-        memory_.reset(new std::uint8_t[static_cast<std::size_t>(bands * band_ * sizeof(T) + kCacheLine)]);
+        std::uint64_t const bytes = WorkBytes<T>(static_cast<std::uint64_t>(MostBands()), band_, 0);
+        if (bytes == kNoWorkSize) throw std::bad_alloc();
+        memory_.reset(new std::uint8_t[static_cast<std::size_t>(bytes)]);
     }
     T* Of(int band) const {
         return FirstAligned<T>(memory_.get()) + band_ * static_cast<std::uint64_t>(band);

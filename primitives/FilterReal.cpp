@@ -17,8 +17,8 @@ namespace {
 constexpr int kWeighedPerByte = 16;
 
 // Rows of sums on the way. One line more: rows a power of two apart would share the lines of a cache.
-template <typename T> std::ptrdiff_t RowStride(int width) {
-    return static_cast<std::ptrdiff_t>(WholeLines<T>(static_cast<std::uint64_t>(width) + 1));
+template <typename T> std::uint64_t RowStride(int width) {
+    return WholeLines<T>(static_cast<std::uint64_t>(width) + 1);
 }
 
 // What a filter works in: each band's rows, the turned kernel, and the row and the column that it may be the
@@ -27,18 +27,15 @@ template <typename T> struct WorkSize {
     WorkSize(Size kernel, int width)
         : taps(static_cast<std::uint64_t>(kernel.width) * static_cast<std::uint64_t>(kernel.height)),
           edges(static_cast<std::uint64_t>(kernel.width) + static_cast<std::uint64_t>(kernel.height)),
-          band(IsWorthSeparating(kernel)
-                   ? SlidingRows(kernel.height) * static_cast<std::uint64_t>(RowStride<T>(width))
-                   : 0) {}
-    std::uint64_t Bytes() const { return (BandElements() + taps + edges) * sizeof(T) + kCacheLine; }
-    // The first question about threads starts OpenMP's run-time: kernels without bands do not ask.
-    std::uint64_t BandElements() const {
-        return band == 0 ? 0 : band * static_cast<std::uint64_t>(MostBands());
-    }
+          band(IsWorthSeparating(kernel) ? SlidingRows(kernel.height) * RowStride<T>(width) : 0),
+          bands(band == 0 ? 0 : static_cast<std::uint64_t>(MostBands())) {}
+    std::uint64_t Bytes() const { return WorkBytes<T>(bands, band, taps + edges); }
 
     std::uint64_t taps;
     std::uint64_t edges;
     std::uint64_t band;
+    // The first question about threads starts OpenMP's run-time: kernels without bands do not ask.
+    std::uint64_t bands;
 };
 
 // A Gaussian that was computed misses being a product by fewer roundings: up to 50, by those of its exponents.
@@ -79,14 +76,14 @@ template <typename T> void Filter(Filtering<T, T> const& filtering, std::uint8_t
     std::ptrdiff_t const destinationStride = filtering.destination.step / kBytes;
     WorkSize<T> const sizes(kernel, width);
     T* const bands = FirstAligned<T>(work);
-    T* const turned = bands + sizes.BandElements();
+    T* const turned = bands + sizes.bands * sizes.band;
     T* const row = turned + sizes.taps;
     T* const column = row + kernel.width;
     std::reverse_copy(filtering.kernel, filtering.kernel + filtering.Taps(), turned);
 
     if (IsWorthSeparating(kernel) && Separate(turned, kernel, row, column)) {
         Window<T> const across{row, {kernel.width, 1}}, down{column, {1, kernel.height}};
-        std::ptrdiff_t const stride = RowStride<T>(width);
+        auto const stride = static_cast<std::ptrdiff_t>(RowStride<T>(width));
         std::int64_t const cost =
             (std::int64_t{kernel.width} + kernel.height) * kBytes * width / kWeighedPerByte;
         ForEachBand(filtering.size.height, cost, [&](int band, int first, int end) noexcept {
@@ -119,7 +116,7 @@ Status ippiFilter_32f_C1R(float const* source, std::ptrdiff_t sourceStep, float*
     Status const status = filtering.Check();
     if (status != kDone) return status;
     std::uint64_t const bytes = WorkSize<float>(kernelSize, size.width).Bytes();
-    if (bytes > PTRDIFF_MAX) return kNoMemory;
+    if (bytes == kNoWorkSize) return kNoMemory;
     std::unique_ptr<std::uint8_t[]> const work(new (std::nothrow)
                                                    std::uint8_t[static_cast<std::size_t>(bytes)]);
     if (!work) return kNoMemory;

@@ -60,6 +60,16 @@ template <typename T> std::uint64_t WholeLines(std::uint64_t elements) {
     return (elements + kElements - 1) / kElements * kElements;
 }
 
+// What work memory that no machine has counts as.
+inline constexpr std::uint64_t kNoWorkSize = UINT64_MAX;
+// Bytes of what each of the bands works in, and of what they share; kNoWorkSize where they pass the address space.
+template <typename T>
+std::uint64_t WorkBytes(std::uint64_t bands, std::uint64_t bandElements, std::uint64_t shared) {
+    constexpr std::uint64_t kMost = (PTRDIFF_MAX - kCacheLine) / sizeof(T);
+    if (shared > kMost || (bands > 0 && bandElements > (kMost - shared) / bands)) return kNoWorkSize;
+    return (bands * bandElements + shared) * sizeof(T) + kCacheLine;
+}
+
 // Two passes are worth it where they save half of the multiply-adds; benchmarks/LinearFilters.cpp found it.
 inline bool IsWorthSeparating(Size kernel) {
     return std::int64_t{kernel.width} * kernel.height > 2 * (std::int64_t{kernel.width} + kernel.height);

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace ZPA {
@@ -16,7 +18,7 @@ unsigned short Control() {
 }
 
 struct Measured {
-    double mean = 0, filtered = 0;
+    double mean = 0, filtered = 0, kernel[49] = {};
     unsigned short before = 0, after = 0;
 };
 
@@ -30,6 +32,7 @@ DWORD WINAPI Measure(void* result) {
     EXPECT_EQ(
         CalculateImageStats(image, nullptr, nullptr, nullptr, nullptr, nullptr, &measured.mean, nullptr),
         SOLVANE_OK);
+    EXPECT_EQ(fspecial({eDouble, measured.kernel, 7, 7, 7, 64, 0}, "gaussian", 1.3), SOLVANE_OK);
     // The core alone, which no operation stands around.
     double rising[] = {1, 1, 9007199254740992};
     float ones[] = {1, 1, 1};
@@ -54,6 +57,7 @@ TEST(ExtendedPrecision, HoldsOnEveryThread) {
     EXPECT_EQ(there.mean, here.mean);
     EXPECT_EQ(here.filtered, 9007199254740994);
     EXPECT_EQ(there.filtered, here.filtered);
+    EXPECT_TRUE(std::equal(std::begin(here.kernel), std::end(here.kernel), there.kernel));
 }
 
 }  // namespace

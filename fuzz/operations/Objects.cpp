@@ -25,7 +25,7 @@ template <typename T> bool TakesLong(ZPA_Image<T> const& image) {
 // The whole of what the image says that it has: read, and written.
 template <typename T> void Touch(ZPA_Image<T> const& image) {
     ImageAttributes const described = image;
-    if (!described.buffer || TakesLong(image)) return;
+    if (!described.buffer || described.width < 1 || TakesLong(image)) return;  // however many rows of nothing
     auto* const pixels = static_cast<T*>(described.buffer);
     for (std::ptrdiff_t y = 0; y < described.height; ++y)
         for (std::ptrdiff_t x = 0; x < described.width; ++x) pixels[y * described.stride + x] = T(x);

@@ -109,14 +109,15 @@ ZPA_C_API SOLVANE_RETURNCODE blockAverageDownSampleCodedMask_double(double* inpu
 /// Takes every `factor`-th pixel of every `factor`-th row, without filtering.
 ///
 /// Output (x, y) is source (columnOffset + x * factor, rowOffset + y * factor). Elements are copied as 16-bit
-/// units, whatever the types say. Cost: one pass over the samples, on the caller's thread.
+/// units, whatever the types say; types and the destination's stride only tell how much memory there is. Cost: one
+/// pass over the samples, on the caller's thread.
 ///
-/// @param source        A 16-bit image. Its stride in elements; 0 stands for its width.
+/// @param source        A 16-bit image. Its stride in 16-bit units; 0 stands for its width. Rows may overlap.
 /// @param destination   In and out. Becomes an eUInt16 image of width / factor by height / factor pixels
 ///                      without padding, with the source's bits per pixel and `factor` times its pixel
 ///                      spacing. With a null pixel pointer, pixels are allocated; they belong to the caller,
 ///                      who frees them with FreePixels or `delete[]`. Else its width times height must hold
-///                      the output. It may begin where the source begins.
+///                      the output. It may begin where the source begins, if that has rows that do not overlap.
 /// @param factor        At least 1, and below the source's width and height.
 /// @param rowOffset     The first row, from 0 to factor - 1.
 /// @param columnOffset  The first column, from 0 to factor - 1.
@@ -128,10 +129,13 @@ ZPA_C_API SOLVANE_RETURNCODE blockAverageDownSampleCodedMask_double(double* inpu
 /// @retval 3  "subsample(): Invalid row or col offset(s)."
 /// @retval 1  No memory: "subsample(): Memory allocation failed for %d bytes."
 /// @retval 3  "subsample(): Destination buffer too small."
-/// @retval 6  The source has 8-bit elements: "subsample(): The source image is not a 16-bit image."
-/// @retval 7  The destination has 8-bit elements: "subsample(): The destination image is not a 16-bit image."
-/// @retval 7  The rows of an image overlap: "subsample(): The source image's rows overlap.", or "...
-///            destination image's ..."
+/// @retval 6  Samples lie beyond the memory of a source of 8-bit elements: "subsample(): The source image is
+///            not a 16-bit image."
+/// @retval 7  A source of wider elements has a negative stride: "subsample(): The source image's rows overlap."
+/// @retval 7  The output is larger than the memory of a destination of 8-bit elements: "subsample(): The
+///            destination image is not a 16-bit image."
+/// @retval 7  It is larger than that of wider elements in rows that overlap: "subsample(): The destination
+///            image's rows overlap."
 ZPA_C_API SOLVANE_RETURNCODE subsample(ImageAttributes const* source, ImageAttributes* destination,
                                        int factor, int rowOffset, int columnOffset);
 

@@ -114,8 +114,8 @@ ZPA_C_API void lubksb_DBL(double const* a, int n, int const* indx, double* b);
 /// Solves a x = b. Up to 40 unknowns nothing is allocated.
 ///
 /// The caller is NOT told of a singular matrix: ludcmp logs a row of zeros, and what is left in `b` means
-/// nothing then. No memory: code 1, "sollequ(): Memory allocation failed for ... bytes."; `b` is left
-/// unchanged.
+/// nothing then, as where ludcmp logs that it has no memory. No memory for sollequ itself: code 1, "sollequ():
+/// Memory allocation failed for ... bytes."; `b` is left unchanged.
 ///
 /// @param a  n * n elements. DESTROYED.
 /// @param n  The number of unknowns.
@@ -130,8 +130,8 @@ ZPA_C_API void sollequ_DBL(double* a, int n, double* b);
 /// Inverts a square matrix. Cost: 2 n^3 operations.
 ///
 /// The caller is NOT told of a singular matrix: ludcmp_DBL logs a row of zeros, and what is left in `inverse`
-/// means nothing then. No memory: code 1, "invmatrix_DBL(): Memory allocation failed for ... bytes.";
-/// `inverse` is left unchanged.
+/// means nothing then, as where ludcmp_DBL logs that it has no memory. No memory for invmatrix_DBL itself: code
+/// 1, "invmatrix_DBL(): Memory allocation failed for ... bytes."; `inverse` is left unchanged.
 ///
 /// @param a        n * n elements. DESTROYED.
 /// @param inverse  Out: n * n elements. Must not overlap `a`.

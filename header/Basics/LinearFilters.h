@@ -127,8 +127,7 @@ ZPA_API SOLVANE_RETURNCODE template_FilterBufferSimple(BufferAttributes input, B
 /// @retval 4  "The input buffer is NULL."
 /// @retval 4  "Input image are not double type."
 /// @retval 6  Any other `kind`, or null; nothing is logged.
-/// @retval 7  "laplacian" and "sobel": height times stride is below 9, or there is no width: "The kernel image
-///            is too small."
+/// @retval 7  "laplacian" and "sobel": height times stride is below 9: "The kernel image is too small."
 /// @retval 7  "average" and "gaussian": a stride below the width: "The kernel's rows overlap."
 /// @retval 999  A log callback threw.
 ZPA_C_API SOLVANE_RETURNCODE fspecial(ImageAttributes kernel, char const* kind, double parameter);

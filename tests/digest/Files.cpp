@@ -1,8 +1,6 @@
-// What is written to files.
+// What is written to files, and read from them.
 #include <Basics/RawFile.h>
 #include <Basics/ZPA_BagIO.h>
-
-#include <algorithm>
 
 #include "digest/Cases.h"
 #include "support/TemporaryFolder.h"
@@ -27,6 +25,27 @@ void RawFiles(Digest& digest) {
     }
 }
 
+void Reading(Digest& digest) {
+    TemporaryFolder const folder;
+    std::string const bytes(7 * 6, 'x');
+    for (char const* const name : {"words.7.3.raw", "mask.7.6.mask", "line.42.raw", "plain"}) {
+        std::string const path = folder.Write(name, bytes);
+        ImageAttributes image(eInt16, nullptr, 7, 3, 7, 12, 5);
+        BufferAttributes buffer(eDouble, nullptr, 42);
+        void* block = nullptr;
+        digest.Add(int{ReadRawFile(path.c_str(), &image)});
+        digest.Add(int{ReadRawBuffer(path.c_str(), &buffer)});
+        digest.Add(int{ReadRaw(path.c_str(), &block, eInt16, 7, 3, 7, false)});
+        for (int const each : {int{image.type}, image.width, image.height, image.stride, image.bitsperpixel,
+                               image.pixelspacing, int{buffer.type}, buffer.size})
+            digest.Add(each);
+        for (void* const read : {image.buffer, buffer.buffer, block}) {
+            if (read) digest.Add(static_cast<unsigned char const*>(read), bytes.size());
+            FreePixels(read);
+        }
+    }
+}
+
 void Documents(Digest& digest) {
     TemporaryFolder const folder;
     ZPA_Ptr<Bag> const bag(new Bag), inner(new Bag);
@@ -41,16 +60,18 @@ void Documents(Digest& digest) {
     bag->Set("Words", std::vector<std::string>{"one", "", "three"});
     digest.Add(ZPA_BagIO().SaveBag(bag, folder.Path("bag.xml")));
     for (std::string const& name : folder.Names()) {
-        std::string content = folder.Read(name);
-        content.erase(std::remove(content.begin(), content.end(), '\r'), content.end());
         digest.Add(name);
-        digest.Add(content);
+        digest.Add(folder.Read(name));
     }
     digest.Add(ZPA_BagIO().LoadBag(folder.Path("bag.xml"))->Get("Double").Get<double>());
 }
 
 }  // namespace
 
-std::vector<Case> FileCases() { return {{"Raw and PGM files", RawFiles}, {"Bag documents", Documents}}; }
+std::vector<Case> FileCases() {
+    return {{"Raw and PGM files", RawFiles},
+            {"ReadRaw, ReadRawFile, ReadRawBuffer", Reading},
+            {"Bag documents", Documents}};
+}
 
 }  // namespace ZPA::Testing

@@ -133,6 +133,13 @@ template <typename T, typename K> void Filters(Digest& digest, TestImage<T> cons
     for (Shape const shape : {Shape{3, 3, 3}, Shape{4, 2, 5}, Shape{7, 7, 7}, Shape{15, 15, 15}})
         for (bool const separable : {false, true})
             for (int const divisor : {1, -7}) Filter<T, K>(digest, image, shape, separable, divisor);
+    auto source = image;
+    auto kernel = Kernel<K>({5, 3, 5}, false);
+    Rectangle const roi(20, 9, 77, 30);
+    APOINT const origin{3, 11};
+    AddResult<T>(digest, image.shape, [&](ImageAttributes* output) {
+        return Filter2D(source.Attributes(), &roi, output, &origin, kernel.Attributes(), nullptr);
+    });
 }
 
 void IntegerFilters(Digest& digest) {

@@ -1,5 +1,6 @@
 // Statistics, counts and histograms.
 #include <Basics/Histogram.h>
+#include <Basics/ImageBuffer.h>
 #include <Basics/Statistics.h>
 
 #include "digest/Cases.h"
@@ -40,7 +41,7 @@ void Statistics(Digest& digest) {
 }
 
 void Counts(Digest& digest) {
-    ForTypes<unsigned char, unsigned short>([&](auto type) {
+    ForTypes<unsigned char, short, unsigned short>([&](auto type) {
         auto image = Patches<typename decltype(type)::type>(kSmall, 23);
         ForChoices([&](auto roi, auto mask, auto origin) {
             int counts[2] = {};
@@ -58,7 +59,7 @@ void Counts(Digest& digest) {
 }
 
 void Normalised(Digest& digest) {
-    ForTypes<unsigned char, short, unsigned short, double>([&](auto type) {
+    ForTypes<unsigned char, short, unsigned short, float, double>([&](auto type) {
         using T = typename decltype(type)::type;
         auto image = Sample<T>(kSmall, 24);
         ForChoices([&](auto roi, auto mask, auto origin) {
@@ -79,7 +80,7 @@ void Normalised(Digest& digest) {
 }
 
 void Histograms(Digest& digest) {
-    ForTypes<unsigned char, short, unsigned short, double>([&](auto type) {
+    ForTypes<unsigned char, short, unsigned short, float, double>([&](auto type) {
         using T = typename decltype(type)::type;
         auto image = Sample<T>(kSmall, 26);
         ForChoices([&](auto roi, auto mask, auto origin) {
@@ -105,6 +106,18 @@ void Histograms(Digest& digest) {
     digest.Add(counts);
 }
 
+void ObjectHistograms(Digest& digest) {
+    ForAllTypes([&](auto type) {
+        using T = typename decltype(type)::type;
+        auto pixels = Sample<T>(kSmall, 29);
+        ZPA_Image<T> const image(pixels.Attributes(12), false, false);
+        auto const histogram = image.GetHistogram();
+        digest.Add(histogram.GetPointer() != nullptr);
+        if (histogram.GetPointer())
+            digest.Add(histogram->GetBufferPtr(), static_cast<std::size_t>(histogram->GetSize()));
+    });
+}
+
 // The kernel is made of exponentials.
 void Smoothed(Digest& digest) {
     for (int const padding : {0, 1, 2, 3}) {
@@ -121,6 +134,7 @@ std::vector<Case> MeasureCases() {
             {"ImageCountOfN, RowCountOfN, ColumnCountOfN", Counts},
             {"NormalizeImage, NormalizeBuffer", Normalised},
             {"GetIntegerHistogram, GetRealHistogram", Histograms},
+            {"ZPA_Image::GetHistogram", ObjectHistograms},
             {"smoothHistogram", Smoothed}};
 }
 

@@ -39,7 +39,8 @@ void Set(Digest& digest) {
 
 void Compare(Digest& digest) {
     auto mask = Patches<unsigned char>(kSmall, 5);
-    ForTypes<unsigned char, unsigned short, double>([&](auto type) {
+    ImageAttributes const selected = mask.Attributes();
+    ForTypes<unsigned char, short, unsigned short, float, double>([&](auto type) {
         using T = typename decltype(type)::type;
         auto first = Sample<T>(kSmall, 6);
         auto second = first;
@@ -47,17 +48,23 @@ void Compare(Digest& digest) {
         digest.Add(int{ApplyMask(second.Attributes(), mask.Attributes())});
         AddImage(digest, second);
         digest.Add(int{compare(first.Attributes(), second.Attributes())});
-        for (int const decimation : {1, 3}) {
-            bool same = false;
-            digest.Add(int{DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr,
-                                              nullptr, decimation, 2, 100.0, &same)});
-            digest.Add(same);
-        }
+        // Equal where the mask is set, and behind the first columns.
+        auto third = first;
+        for (int y = 0; y < kSmall.height; ++y) third.At(y % 9, y) = T{};
+        for (auto* const other : {&second, &third})
+            for (Choice const& choice : Choices(kSmall))
+                for (int const decimation : {1, 3}) {
+                    bool same = false;
+                    digest.Add(int{DecimateAndCompare(first.Attributes(), other->Attributes(), choice.Roi(),
+                                                      choice.Mask(selected), choice.Origin(), decimation, 2,
+                                                      100.0, &same)});
+                    digest.Add(same);
+                }
     });
 }
 
 void Difference(Digest& digest) {
-    ForTypes<unsigned char, short, unsigned short, float, double>([&](auto type) {
+    ForAllTypes([&](auto type) {
         using T = typename decltype(type)::type;
         auto line = Line<T>(1001, 7);
         std::vector<T> result(line.size());
@@ -83,6 +90,9 @@ void Binary(Digest& digest, Shape shape,
         AddResult<T>(digest, shape, [&](ImageAttributes* output) {
             return operation(first.Attributes(), second.Attributes(), output);
         });
+        auto inPlace = first;
+        digest.Add(int{operation(inPlace.Attributes(), second.Attributes(), nullptr)});
+        AddImage(digest, inPlace);
     }
 }
 
@@ -127,7 +137,7 @@ void Product(Digest& digest) {
         for (Shape const shape : {Shape{45, 45, 51}, Shape{301, 301, 310}}) {
             auto first = Sample<T>(shape, 14);
             auto second = Sample<T>(shape, 15);
-            for (auto const operation : {Mul, ipp_mul}) {
+            for (auto const operation : {Mul, MulP, ipp_mul}) {
                 AddResult<T>(digest, shape, [&](ImageAttributes* output) {
                     return operation(first.Attributes(), second.Attributes(), output);
                 });
@@ -137,18 +147,34 @@ void Product(Digest& digest) {
     Binary<int>(digest, {45, 45, 51}, {Mul});
 }
 
+template <typename Check> void ForIntegers(Check const& check) {
+    ForTypes<unsigned char, short, unsigned short, int, unsigned int>(check);
+}
+
 void Logic(Digest& digest) {
-    ForTypes<unsigned char, unsigned short>([&](auto type) {
-        using T = typename decltype(type)::type;
-        auto first = Patches<T>(kSmall, 16);
-        auto second = Patches<T>(kSmall, 17);
-        for (int function = 0; function < 16; ++function) {
-            unsigned char table[4];
-            for (int i = 0; i < 4; ++i) table[i] = static_cast<unsigned char>((function >> i & 1) * 200);
+    for (int function = 0; function < 16; ++function) {
+        unsigned char table[4];
+        for (int i = 0; i < 4; ++i) table[i] = static_cast<unsigned char>((function >> i & 1) * 200);
+        ForTypes<unsigned char, unsigned short>([&](auto type) {
+            using T = typename decltype(type)::type;
+            auto first = Patches<T>(kSmall, 16);
+            auto second = Patches<T>(kSmall, 17);
             AddResult<T>(digest, kSmall, [&](ImageAttributes* output) {
                 return LogicalPixelOp(first.Attributes(), second.Attributes(), table, output);
             });
-        }
+        });
+    }
+    unsigned char table[] = {7, 0, 255, 128};
+    ForIntegers([&](auto one) {
+        auto first = Patches<typename decltype(one)::type>(kSmall, 16);
+        ForIntegers([&](auto two) {
+            auto second = Patches<typename decltype(two)::type>(kSmall, 17);
+            ForIntegers([&](auto result) {
+                AddResult<typename decltype(result)::type>(digest, kSmall, [&](ImageAttributes* output) {
+                    return LogicalPixelOp(first.Attributes(), second.Attributes(), table, output);
+                });
+            });
+        });
     });
 }
 
@@ -178,7 +204,7 @@ std::vector<Case> PixelCases() {
             {"DiffBuffer, ClipImage", Difference},
             {"Add, Sub, MulP, DivP, ipp_add", PixelByPixel},
             {"AddC, SubC, MulC, DivC, Abs", Constants},
-            {"Mul, ipp_mul", Product, true},
+            {"Mul, ipp_mul, MulP of matrices", Product, true},
             {"LogicalPixelOp", Logic},
             {"InvertGray, InvertMaskImage", Inversions}};
 }
