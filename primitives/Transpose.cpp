@@ -14,6 +14,16 @@ namespace ZPA::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
+template <typename T>
+void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
+                 std::ptrdiff_t destinationStride, std::ptrdiff_t width, std::ptrdiff_t height) {
+    for (std::ptrdiff_t x = 0; x < width; ++x)
+        for (std::ptrdiff_t y = 0; y < height; ++y)
+            destination[x * destinationStride + y] = source[y * sourceStride + x];
+}
+
+#if HWY_TARGET != HWY_SCALAR
+
 // Elements in a line of the cache.
 template <typename T> constexpr std::ptrdiff_t kLine = 64 / sizeof(T);
 // So many columns become rows together: a line in the source, if that is not too many rows.
@@ -27,16 +37,6 @@ template <typename T> constexpr bool kStreams = sizeof(T) > 1;
 constexpr std::ptrdiff_t kLeastStreamedBytes = 2 * 1024 * 1024;
 // Over fewer rows, so that what is written next lies close by.
 constexpr std::ptrdiff_t kStreamedRows = 32;
-
-template <typename T>
-void TurnPlainly(T const* source, std::ptrdiff_t sourceStride, T* destination,
-                 std::ptrdiff_t destinationStride, std::ptrdiff_t width, std::ptrdiff_t height) {
-    for (std::ptrdiff_t x = 0; x < width; ++x)
-        for (std::ptrdiff_t y = 0; y < height; ++y)
-            destination[x * destinationStride + y] = source[y * sourceStride + x];
-}
-
-#if HWY_TARGET != HWY_SCALAR
 
 // Squares have sides of one vector, of two blocks where there are such vectors; bytes would need too many.
 template <typename T> constexpr std::size_t kBytes = HWY_MAX_BYTES >= 32 && sizeof(T) > 1 ? 32 : 16;
