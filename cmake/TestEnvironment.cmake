@@ -2,6 +2,8 @@
 
 # Threads that spin while they wait take the cores from the tests.
 set(zpa_test_environment OMP_WAIT_POLICY=passive)
+# A log that is cut short still tells what failed.
+list(APPEND zpa_test_environment GTEST_BRIEF=1)
 
 # Sizes that no memory holds are asked for on purpose; the answer must be that of the real allocator.
 if(ZPA_SANITIZE MATCHES address)

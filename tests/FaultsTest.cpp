@@ -5,7 +5,9 @@
 #include <Basics/ZPA_BagIO.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
@@ -121,8 +123,9 @@ TEST_F(Faults, EightThreadsShareTheValuesOfBags) {
     EXPECT_TRUE(array.IsUnique());
 }
 
-// Read while somebody else writes them, cuts them off and removes them.
-TEST_F(Faults, FilesThatComeAndGoAreReadWholeOrNotAtAll) {
+// Read while somebody else writes them, cuts them off and removes them. The system may show one that is being cut off
+// in its old length, with zeros at the end.
+TEST_F(Faults, FilesThatComeAndGoAreReadInFullOrNotAtAll) {
     ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) {});
     std::string const image = folder.Path("some.16.16.raw"), document = folder.Path("some.xml");
     std::string const pixels(512, 'x');
@@ -139,22 +142,31 @@ TEST_F(Faults, FilesThatComeAndGoAreReadWholeOrNotAtAll) {
         }
         done = true;
     });
+    auto const isOfTheFile = [](void const* block) {
+        auto const* const bytes = static_cast<unsigned char const*>(block);
+        return std::all_of(bytes, bytes + 512, [](unsigned char byte) { return byte == 'x' || byte == 0; });
+    };
+    // Told once nothing is captured any more.
+    std::set<int> codes;
+    bool imagesAreWhole = true, arraysAreWhole = true;
     testing::internal::CaptureStdout();
     while (!done) {
         ImageAttributes read;
         int const code = ReadRawFile(image.c_str(), &read);
-        EXPECT_TRUE(code == 0 || code == 5) << code;
-        EXPECT_EQ(read.buffer != nullptr, code == 0);
-        EXPECT_TRUE(code != 0 || std::string(static_cast<char const*>(read.buffer), 512) == pixels);
+        codes.insert(code);
+        imagesAreWhole &= code == 0 ? read.buffer && isOfTheFile(read.buffer) : !read.buffer;
         FreePixels(read.buffer);
 
         BagPtr const bag = BagIO().LoadBag(document);
         if (!bag->Has("a")) continue;
         ZPA_Ptr<unsigned char> const array = bag->Get("a");
-        for (int k = 0; k < 512; ++k) EXPECT_TRUE(array.GetPointer()[k] == 'x' || array.GetPointer()[k] == 0);
+        arraysAreWhole &= isOfTheFile(array.GetPointer());
     }
     other.join();
     (void)testing::internal::GetCapturedStdout();
+    for (int const code : codes) EXPECT_TRUE(code == 0 || code == 5) << code;
+    EXPECT_TRUE(imagesAreWhole);
+    EXPECT_TRUE(arraysAreWhole);
 }
 
 #if !defined(_WIN32)
@@ -212,8 +224,9 @@ TEST_F(Faults, ABagOnADiskThatFillsUpIsReadAsFarAsItGot) {
     ZPA_Ptr<int> const read = loaded->Get("array");
     for (int i = 0; i < 3000; ++i) ASSERT_EQ(read.GetPointer()[i], i < 1024 ? 7 : 0) << i;
     testing::internal::CaptureStdout();
-    EXPECT_TRUE(BagIO().LoadBag(large)->Key().empty());
+    BagPtr const unreadable = BagIO().LoadBag(large);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Failed to load file \"" + large + "\"\n");
+    EXPECT_TRUE(unreadable->Key().empty());
 }
 
 TEST_F(Faults, FilesWithoutPermissionAreNeitherReadNorWritten) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -18,8 +19,7 @@ class TemporaryFolder {
 public:
     TemporaryFolder()
         : path_(std::filesystem::temp_directory_path() /
-                ("zpa%s%n-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + "-" +
-                 testing::UnitTest::GetInstance()->current_test_info()->name())) {
+                ("zpa%s%n-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + "-" + NameOfTest())) {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
@@ -44,6 +44,12 @@ public:
     }
 
 private:
+    static std::string NameOfTest() {
+        std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+        std::replace(name.begin(), name.end(), '/', '-');  // before the number of a case
+        return name;
+    }
+
     std::filesystem::path path_;
 };
 
