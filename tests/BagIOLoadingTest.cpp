@@ -2,6 +2,8 @@
 #include <Basics/BagIO.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <ctime>
 
 #if !defined(_WIN32)
@@ -151,9 +153,15 @@ TEST_F(BagIOTest, ManyKeysAreReadInTimeThatGrowsWithThem) {
             elements += '<' + key + " Type='System.Byte'>1</" + key + '>';
         }
         folder.Write("many.xml", "<Bag>" + elements + "</Bag>");
-        std::clock_t const start = std::clock();
-        EXPECT_EQ(BagIO().LoadBag(folder.Path("many.xml"))->Key().size(), static_cast<std::size_t>(count));
-        return static_cast<double>(std::clock() - start);
+        // The best of some, since a busy machine counts its pauses too.
+        double best = HUGE_VAL;
+        for (int i = 0; i < 3; ++i) {
+            std::clock_t const start = std::clock();
+            EXPECT_EQ(BagIO().LoadBag(folder.Path("many.xml"))->Key().size(),
+                      static_cast<std::size_t>(count));
+            best = std::min(best, static_cast<double>(std::clock() - start));
+        }
+        return best;
     };
     // In the square it would be the hundredfold.
     EXPECT_LT(seconds(40000), 40 * seconds(4000));

@@ -82,11 +82,13 @@ private:
         steps.push_back(step);
     }
 
-    // Delivery to a callback on another thread waits while the lock is held.
+    // Delivery to a callback on another thread waits while the lock is held. It should be free at the first step only,
+    // where a busy machine is given time.
     bool LockIsFree() {
+        std::chrono::milliseconds const patience(steps.empty() ? 10000 : 100);
         visitors_.push_back(std::async(
             std::launch::async, [] { ZPA_Logging::LogInfo(nullptr, 0, eLogImage, L"is the lock free?"); }));
-        return visitors_.back().wait_for(std::chrono::milliseconds(100)) == std::future_status::ready;
+        return visitors_.back().wait_for(patience) == std::future_status::ready;
     }
 
     // Kept, since a future waits for its thread when it dies, and the thread for the lock that our caller
