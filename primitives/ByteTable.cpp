@@ -22,9 +22,9 @@ namespace {
 // A table in vectors of 16 entries, the processor's unit of a look-up.
 //
 // Such a look-up takes the low four bits of a byte, and gives 0 for a negative one. So each vector but the
-// first holds how its entries differ from those of the vector before. A byte, less by 16 from one vector to the
-// next, finds something in all up to its own, and 0 in those behind, where it is negative. Bytes from 128 on do
-// the same in the upper half of the table.
+// first holds how its entries differ from those of the vector before. A byte, less by 16 from one vector to
+// the next, finds something in all up to its own, and 0 in those behind, where it is negative. Bytes from 128
+// on do the same in the upper half of the table.
 template <class D> class Vectors {
 public:
     using V = hn::Vec<D>;
