@@ -33,17 +33,19 @@ BagEntries::Iterator BagEntries::At(int index) const {
 
 void BagEntries::Append(std::string const& key, ZPA_Ptr<Any> const& value, int size, bool dirty) const {
     RequireRoom(1);
-    // All nodes are made before the first one is linked, so that the lists stay of one length.
-    std::list<std::string> keys(1, key);
-    std::list<ZPA_Ptr<Any>> values(1, value);
-    std::list<int> sizes(1, size);
-    std::list<bool> flags(1, dirty);
-    Iterator const entry(keys.begin(), values.begin(), sizes.begin(), flags.begin());
-    bag_.values_->splice(bag_.values_->end(), values);
-    bag_.keys_->splice(bag_.keys_->end(), keys);
-    bag_.sizes_->splice(bag_.sizes_->end(), sizes);
-    bag_.dirty_->splice(bag_.dirty_->end(), flags);
-    if (bag_.table_) Enter(entry);
+    try {
+        bag_.values_->push_back(value);  // first, as a trace line of it may look into the bag
+        bag_.keys_->push_back(key);
+        bag_.sizes_->push_back(size);
+        bag_.dirty_->push_back(dirty);
+    } catch (...) {
+        auto const whole = bag_.dirty_->size();  // the last to grow
+        bag_.sizes_->resize(whole);
+        bag_.keys_->resize(whole);
+        bag_.values_->resize(whole);
+        throw;
+    }
+    if (bag_.table_) Enter(--end());
 }
 
 void BagEntries::AppendAll(Bag& other) const {

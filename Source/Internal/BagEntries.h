@@ -30,6 +30,10 @@ public:
             ++key_, ++value_, ++size_, ++dirty_;
             return *this;
         }
+        Iterator& operator--() {
+            --key_, --value_, --size_, --dirty_;
+            return *this;
+        }
         bool operator==(Iterator const& other) const { return key_ == other.key_; }
         bool operator!=(Iterator const& other) const { return key_ != other.key_; }
 
