@@ -7,8 +7,8 @@
 namespace ZPA {
 namespace {
 
-// Up to so many entries a walk is about as quick as a table (benchmarks/Bag.cpp).
-constexpr std::size_t kMostWalked = 128;
+// Up to so many entries, making a table takes longer than it saves (benchmarks/Bag.cpp).
+constexpr std::size_t kMostWalked = 64;
 
 // Keys of one bag often begin alike: their last characters tell most of them apart.
 bool AreEqual(std::string const& key, std::string_view other) {
