@@ -50,17 +50,19 @@ void BagEntries::Append(std::string const& key, ZPA_Ptr<Any> const& value, int s
         bag_.values_->resize(whole);
         throw;
     }
-    if (bag_.table_) Enter(--end());
+    EnterFrom(--end());
 }
 
 void BagEntries::AppendAll(Bag& other) const {
+    if (other.keys_->empty()) return;
     RequireRoom(other.keys_->size());
-    bag_.table_.reset();
+    Iterator const first = BagEntries(other).begin();
     other.table_.reset();
     bag_.values_->splice(bag_.values_->end(), *other.values_);
     bag_.keys_->splice(bag_.keys_->end(), *other.keys_);
     bag_.sizes_->splice(bag_.sizes_->end(), *other.sizes_);
     bag_.dirty_->splice(bag_.dirty_->end(), *other.dirty_);
+    EnterFrom(first);
 }
 
 void BagEntries::Rename(Iterator entry, std::string const& key) const {
@@ -94,13 +96,14 @@ bool BagEntries::HasTable() const {
     } catch (std::bad_alloc const&) {
         return false;
     }
-    for (auto at = begin(); bag_.table_ && at != end(); ++at) Enter(at);
+    EnterFrom(begin());
     return bag_.table_ != nullptr;
 }
 
-void BagEntries::Enter(Iterator entry) const {
+void BagEntries::EnterFrom(Iterator first) const {
+    if (!bag_.table_) return;
     try {
-        bag_.table_->firsts.emplace(*entry.key_, entry);
+        for (auto at = first; at != end(); ++at) bag_.table_->firsts.emplace(*at.key_, at);
     } catch (std::bad_alloc const&) {
         bag_.table_.reset();
     }
