@@ -7,12 +7,6 @@
 
 namespace ZPA {
 
-// Rows and columns of the tile of the product that the registers hold.
-struct TileShape {
-    int rows;
-    int columns;
-};
-
 // A matrix whose rows and columns may be any number of elements apart.
 template <typename T> struct Matrix {
     T* first;
@@ -25,16 +19,25 @@ template <typename T> struct Matrix {
     }
 };
 
-// A part of the product, and the packed panels that it is made of: of the first factor, each `depth` columns
-// of as many elements as a tile has rows; of the second, `depth` rows of as many as it has columns.
+// A part of the product, and what it is made of: rows of the first factor, whose elements lie side by side, and
+// columns of the second, packed as panels of `depth` rows of as many elements as a tile has columns.
 template <typename T> struct Block {
-    T const* rowPanels;
+    Matrix<T const> first;
     T const* columnPanels;
     int depth;
     Matrix<T> product;
     int rows;
     int columns;
     bool adds;  // to what the product holds; else from zero on
+};
+
+// The kernels of a SIMD target.
+template <typename T> struct Kernels {
+    int tileRows;  // of the tile of the product that the registers hold
+    int tileColumns;
+    // Some rows as they lie in panels that are `depth` rows high. The last panel is filled up with zeros.
+    void (*packColumns)(Matrix<T const> from, int columns, int rows, T* panels, int depth);
+    void (*multiply)(Block<T> const& block);
 };
 
 }  // namespace ZPA
