@@ -19,11 +19,11 @@ template <typename T> struct Matrix {
     }
 };
 
-// A part of the product, and what it is made of: rows of the first factor, whose elements lie side by side, and
-// columns of the second, packed as panels of `depth` rows of as many elements as a tile has columns.
+// A part of the product, and what it is made of: `depth` columns of the first factor and rows of the second. The
+// elements of a row lie side by side: in the first factor all, in the second those of a tile.
 template <typename T> struct Block {
     Matrix<T const> first;
-    T const* columnPanels;
+    Matrix<T const> second;
     int depth;
     Matrix<T> product;
     int rows;
@@ -33,10 +33,13 @@ template <typename T> struct Block {
 
 // The kernels of a SIMD target.
 template <typename T> struct Kernels {
-    int tileRows;  // of the tile of the product that the registers hold
+    // The tile of the product that the registers hold: two vectors wide, or one at the end of a row.
+    int tileRows;
     int tileColumns;
-    // Some rows as they lie in panels that are `depth` rows high. The last panel is filled up with zeros.
-    void (*packColumns)(Matrix<T const> from, int columns, int rows, T* panels, int depth);
+    // Some rows as they lie in panels, which are as wide as a tile and `depth` rows high. The last panel is filled
+    // up with zeros.
+    void (*packColumns)(Matrix<T const> const& from, int columns, int rows, T* panels, int depth);
+    // Where the second factor is not packed, the columns are whole vectors.
     void (*multiply)(Block<T> const& block);
 };
 

@@ -30,7 +30,8 @@ constexpr int kTileRows = 6;
 template <typename T> constexpr int kLanes = static_cast<int>(hn::MaxLanes(hn::ScalableTag<T>()));
 template <typename T> constexpr int kTileColumns = 2 * kLanes<T>;
 
-template <typename T> void PackColumns(Matrix<T const> from, int columns, int rows, T* panels, int depth) {
+template <typename T>
+void PackColumns(Matrix<T const> const& from, int columns, int rows, T* panels, int depth) {
     hn::ScalableTag<T> const d;
     for (int k = 0; k < rows; ++k, panels += kTileColumns<T>) {
         T* to = panels;
@@ -51,33 +52,34 @@ template <typename T> void PackColumns(Matrix<T const> from, int columns, int ro
 
 // A tile of the product, one or two vectors wide. The indices are a pack so that all sums stay in registers.
 template <typename T, bool kTwo, std::size_t... Row>
-HWY_INLINE void MultiplyTile(T const* HWY_RESTRICT rows, std::ptrdiff_t rowStride,
-                             T const* HWY_RESTRICT columns, int depth, T* HWY_RESTRICT product,
-                             std::ptrdiff_t stride, bool adds, std::index_sequence<Row...>) {
+HWY_INLINE void MultiplyTile(T const* HWY_RESTRICT first, std::ptrdiff_t firstStride,
+                             T const* HWY_RESTRICT second, std::ptrdiff_t secondStride, int depth,
+                             T* HWY_RESTRICT product, std::ptrdiff_t stride, bool adds,
+                             std::index_sequence<Row...>) {
     hn::ScalableTag<T> const d;
     using Vector = hn::Vec<decltype(d)>;
     constexpr int kRight = kTwo ? kLanes<T> : 0;
     auto const start = [&](T const* from) HWY_ATTR { return adds ? hn::LoadU(d, from) : hn::Zero(d); };
-    T const* const from[] = {rows + static_cast<std::ptrdiff_t>(Row) * rowStride...};
+    T const* const rows[] = {first + static_cast<std::ptrdiff_t>(Row) * firstStride...};
     Vector left[] = {start(product + static_cast<std::ptrdiff_t>(Row) * stride)...};
     Vector right[] = {start(product + static_cast<std::ptrdiff_t>(Row) * stride + kRight)...};
     for (int k = 0; k < depth; ++k) {
-        auto const columnLeft = hn::Load(d, columns), columnRight = hn::Load(d, columns + kRight);
+        auto const columnLeft = hn::LoadU(d, second), columnRight = hn::LoadU(d, second + kRight);
         auto const add = [&](Vector element, Vector& sumLeft, Vector& sumRight) HWY_ATTR {
             sumLeft = hn::MulAdd(element, columnLeft, sumLeft);
             if (kTwo) sumRight = hn::MulAdd(element, columnRight, sumRight);
         };
-        (add(hn::Set(d, from[Row][k]), left[Row], right[Row]), ...);
-        columns += kTileColumns<T>;
+        (add(hn::Set(d, rows[Row][k]), left[Row], right[Row]), ...);
+        second += secondStride;
     }
     (hn::StoreU(left[Row], d, product + static_cast<std::ptrdiff_t>(Row) * stride), ...);
     if (kTwo) (hn::StoreU(right[Row], d, product + static_cast<std::ptrdiff_t>(Row) * stride + kRight), ...);
 }
 
 template <typename T, bool kTwo, std::size_t kRows>
-void MultiplyRows(T const* rows, std::ptrdiff_t rowStride, T const* columns, int depth, T* product,
-                  std::ptrdiff_t stride, bool adds) {
-    MultiplyTile<T, kTwo>(rows, rowStride, columns, depth, product, stride, adds,
+void MultiplyRows(T const* first, std::ptrdiff_t firstStride, T const* second, std::ptrdiff_t secondStride,
+                  int depth, T* product, std::ptrdiff_t stride, bool adds) {
+    MultiplyTile<T, kTwo>(first, firstStride, second, secondStride, depth, product, stride, adds,
                           std::make_index_sequence<kRows>());
 }
 
@@ -90,7 +92,6 @@ template <typename T, bool kTwo, std::size_t... Index> auto TileOf(int rows, std
 template <typename T> void Multiply(Block<T> const& block) {
     constexpr std::make_index_sequence<kTileRows> kHeights{};
     for (int x = 0; x < block.columns; x += kTileColumns<T>) {
-        T const* const columns = block.columnPanels + std::ptrdiff_t{x} * block.depth;
         int const width = std::min(kTileColumns<T>, block.columns - x);
         bool const whole = width % kLanes<T> == 0 && block.product.columnStride == 1;
         // Of about equal height: a last one of few rows would have too few sums under way.
@@ -100,8 +101,8 @@ template <typename T> void Multiply(Block<T> const& block) {
             auto const kernel =
                 width > kLanes<T> ? TileOf<T, true>(height, kHeights) : TileOf<T, false>(height, kHeights);
             auto const multiply = [&](T* product, std::ptrdiff_t stride) {
-                kernel(block.first.At(y, 0), block.first.rowStride, columns, block.depth, product, stride,
-                       block.adds);
+                kernel(block.first.At(y, 0), block.first.rowStride, block.second.At(0, x),
+                       block.second.rowStride, block.depth, product, stride, block.adds);
             };
             if (whole) {
                 multiply(block.product.At(y, x), block.product.rowStride);
@@ -138,13 +139,19 @@ namespace {
 constexpr int kDepth = 256;          // of panels: a few of them fit the first cache
 constexpr int kPacked = 4096;        // rows of the first factor, and columns of the second, packed at once
 constexpr int kGroupBytes = 131072;  // of a factor that a thread works on at once, in the second cache
-constexpr int kFewColumns = 128;     // of the product: rows of the first factor are not packed for fewer
+
+// Products that are smaller read a factor where it lies, since packed elements are not used often enough.
+constexpr int kColumnsToPackRows = 256;
+constexpr int kRowsToPackColumns = 64;
+constexpr int kShortRow = 64;  // of the second factor: columns of long ones are packed, as they lie far apart
+
 constexpr int kMultiplyAddsPerByte = 4;  // done in the time that moving a byte takes
 
-// Memory for what is packed, aligned for the widest vector; null if there is none.
+// Memory for what is packed, aligned for the widest vector; null if there is none or nothing is packed.
 template <typename T> class PackedElements {
 public:
     explicit PackedElements(std::ptrdiff_t count) {
+        if (count == 0) return;
         std::size_t const bytes = static_cast<std::size_t>(count) * sizeof(T);
         std::size_t space = bytes + kAlignment;
         memory_.reset(new (std::nothrow) unsigned char[space]);
@@ -168,25 +175,30 @@ template <typename T> int PackedStride(int depth) {
     return (Parts(depth, kLine) | 1) * kLine;
 }
 
+// Both return the factor as it is packed.
 template <typename T>
-void PackRows(Matrix<T const> const& from, int rows, int depth, Matrix<T> const& to) noexcept {
+Matrix<T const> PackRows(Matrix<T const> const& from, int rows, int depth, T* to,
+                         std::ptrdiff_t stride) noexcept {
     ForEachRow(rows, std::int64_t{2 * sizeof(T)} * depth, [&](int y) noexcept {
+        T* const row = to + y * stride;
         if (from.columnStride == 1)
-            std::copy_n(from.At(y, 0), depth, to.At(y, 0));
+            std::copy_n(from.At(y, 0), depth, row);
         else
-            for (int k = 0; k < depth; ++k) *to.At(y, k) = *from.At(y, k);
+            for (int k = 0; k < depth; ++k) row[k] = *from.At(y, k);
     });
+    return {to, stride, 1};
 }
 
 template <typename T>
-void PackColumns(Kernels<T> const& kernels, Matrix<T const> const& from, int columns, int depth,
-                 T* panels) noexcept {
-    constexpr int kRows = 16;  // enough for the call of a kernel not to count
+Matrix<T const> PackColumns(Kernels<T> const& kernels, Matrix<T const> const& from, int columns, int depth,
+                            T* panels) noexcept {
+    constexpr int kRows = 32;  // enough for the call of a kernel not to count
     ForEachRow(Parts(depth, kRows), std::int64_t{2 * sizeof(T)} * kRows * columns, [&](int which) noexcept {
         int const k = which * kRows;
         kernels.packColumns(from.From(k, 0), columns, std::min(kRows, depth - k),
                             panels + std::ptrdiff_t{k} * kernels.tileColumns, depth);
     });
+    return {panels, kernels.tileColumns, depth};
 }
 
 // The block in groups of tiles, whose parts of the factors stay in the second cache.
@@ -200,8 +212,8 @@ template <typename T> void MultiplyGroups(Kernels<T> const& kernels, Block<T> co
         std::int64_t{std::min(groupRows, block.rows)} * std::min(groupColumns, block.columns) * block.depth;
     ForEachRow(down * across, multiplyAdds / kMultiplyAddsPerByte, [&](int which) noexcept {
         int const y = which % down * groupRows, x = which / down * groupColumns;
-        kernels.multiply({block.first.From(y, 0), block.columnPanels + std::ptrdiff_t{x} * block.depth,
-                          block.depth, block.product.From(y, x), std::min(groupRows, block.rows - y),
+        kernels.multiply({block.first.From(y, 0), block.second.From(0, x), block.depth,
+                          block.product.From(y, x), std::min(groupRows, block.rows - y),
                           std::min(groupColumns, block.columns - x), block.adds});
     });
 }
@@ -210,29 +222,31 @@ template <typename T> void MultiplyGroups(Kernels<T> const& kernels, Block<T> co
 template <typename T>
 Status Multiply(Kernels<T> const& kernels, Matrix<T const> const& first, Matrix<T const> const& second,
                 Matrix<T> const& product, int height, int width, int length) noexcept {
-    bool const packsRows = first.columnStride != 1 || width > kFewColumns;
+    bool const packsRows = first.columnStride != 1 || width >= kColumnsToPackRows;
+    bool const packsColumns = second.columnStride != 1 || second.rowStride > kShortRow ||
+                              height >= kRowsToPackColumns || width % (kernels.tileColumns / 2) != 0;
     int const blockRows = std::min(height, kPacked);
     int const blockColumns = Parts(std::min(width, kPacked), kernels.tileColumns) * kernels.tileColumns;
     int const blockDepth = std::min(length, kDepth);
-    std::ptrdiff_t const panelElements = std::ptrdiff_t{blockColumns} * blockDepth;
     std::ptrdiff_t const packedStride = PackedStride<T>(blockDepth);
-    PackedElements<T> const packed(panelElements + (packsRows ? blockRows * packedStride : 0));
-    T* const columnPanels = packed.First();
-    if (!columnPanels) return kNoMemory;
-    Matrix<T> const packedRows{columnPanels + panelElements, packedStride, 1};
+    std::ptrdiff_t const rowElements = packsRows ? blockRows * packedStride : 0;
+    std::ptrdiff_t const columnElements = packsColumns ? std::ptrdiff_t{blockColumns} * blockDepth : 0;
+    PackedElements<T> const packed(columnElements + rowElements);
+    if (!packed.First() && (packsRows || packsColumns)) return kNoMemory;
 
     for (std::int64_t x = 0; x < width; x += blockColumns)
         for (std::int64_t k = 0; k < length; k += blockDepth) {
             int const columns = static_cast<int>(std::min<std::int64_t>(blockColumns, width - x));
             int const depth = static_cast<int>(std::min<std::int64_t>(blockDepth, length - k));
-            PackColumns(kernels, second.From(k, x), columns, depth, columnPanels);
+            Matrix<T const> right = second.From(k, x);
+            if (packsColumns) right = PackColumns(kernels, right, columns, depth, packed.First());
             for (std::int64_t y = 0; y < height; y += blockRows) {
                 int const rows = static_cast<int>(std::min<std::int64_t>(blockRows, height - y));
-                Matrix<T const> const read = first.From(y, k);
-                if (packsRows) PackRows(read, rows, depth, packedRows);
+                Matrix<T const> left = first.From(y, k);
+                if (packsRows)
+                    left = PackRows(left, rows, depth, packed.First() + columnElements, packedStride);
                 MultiplyGroups(kernels,
-                               Block<T>{packsRows ? Matrix<T const>{packedRows.first, packedStride, 1} : read,
-                                        columnPanels, depth, product.From(y, x), rows, columns, k > 0});
+                               Block<T>{left, right, depth, product.From(y, x), rows, columns, k > 0});
             }
         }
     return kDone;
