@@ -28,7 +28,7 @@ struct BlockRow {
     std::ptrdiff_t blocks;
 };
 
-// Larger blocks leave too few bits to the pixels.
+// Blocks of less than 2^11 pixels: larger ones leave these few bits, and quotients would be rounded twice.
 constexpr std::ptrdiff_t kLargestSide = 45;
 
 // As many pixels are tried together; they fit the nearest cache.
@@ -168,53 +168,39 @@ bool AddRowsBySide(BlockRow const& row, double code, Grid const& grid, Sums& sum
     }
 }
 
-// A quotient that was rounded to extended precision first, as the mean of exact sums is.
-double Mean(std::int64_t sum, std::int64_t count, double unit) {
-    return static_cast<double>(static_cast<long double>(sum) / static_cast<long double>(count)) * unit;
-}
-
-// Quotients are made in two parts, which miss little more than what extended precision rounds away. Where twice that
-// could make another double, they are made in extended precision; but quotients by powers of two are exact.
+// A quotient of whole numbers that is not halfway between two doubles is further from there than extended precision
+// rounds: by 1 / count at least, or by that part of half a double's last bit. So one rounding gives the same. What
+// the first quotient leaves is exact, as these targets fuse its product and difference.
 template <bool kCoded>
 void Divide(Sums const& sums, BlockRow const& row, double code, double unit, double* means) {
     Reals const d;
     Wholes const w;
     std::int64_t const area = row.side * row.side;
-    auto const divide = [&](std::ptrdiff_t block) {
-        std::int64_t const count = kCoded ? area - sums.codes[block] : area;
-        means[block] = count == 0 ? code : Mean(sums.pixels[block], count, unit);
-    };
-    auto const areas = hn::Set(w, area), one = hn::Set(w, 1), zero = hn::Zero(w);
-    auto const inverse = hn::Set(d, 1 / static_cast<double>(area));
+    auto const areas = hn::Set(w, area);
+    auto const inverse = hn::Set(d, 1 / static_cast<double>(area)), units = hn::Set(d, unit);
     std::ptrdiff_t x = 0;
     if (!kCoded && (area & (area - 1)) == 0)
         for (; x + kLanes <= row.blocks; x += kLanes) {
             auto const sum = hn::ConvertTo(d, hn::LoadU(w, sums.pixels + x));
-            hn::StoreU(hn::Mul(sum, hn::Set(d, unit / static_cast<double>(area))), d, means + x);
+            hn::StoreU(hn::Mul(hn::Mul(sum, inverse), units), d, means + x);
         }
     for (; x + kLanes <= row.blocks; x += kLanes) {
         auto const sum = hn::LoadU(w, sums.pixels + x);
         auto const count = kCoded ? hn::Sub(areas, hn::LoadU(w, sums.codes + x)) : areas;
         auto const divisor = hn::ConvertTo(d, count);
-        auto const reciprocal = kCoded ? hn::Div(hn::Set(d, 1), divisor) : inverse;
         auto const high = hn::ConvertTo(d, sum), low = hn::ConvertTo(d, hn::Sub(sum, hn::ConvertTo(w, high)));
-        auto const quotient = hn::Mul(high, reciprocal);
-        auto const rest = hn::Mul(hn::Add(hn::NegMulAdd(quotient, divisor, high), low), reciprocal);
-        auto const error = hn::Mul(hn::Abs(quotient), hn::Set(d, 0x1p-62));
-        auto const smallest = hn::Add(quotient, hn::Sub(rest, error));
-        auto const largest = hn::Add(quotient, hn::Add(rest, error));
-        auto const isPower = hn::Eq(hn::And(count, hn::Sub(count, one)), zero);
-        auto const isSure = hn::Or(hn::Eq(smallest, largest), hn::RebindMask(d, isPower));
-        auto mean = hn::Mul(hn::Add(quotient, rest), hn::Set(d, unit));
-        if (kCoded) mean = hn::IfThenElse(hn::RebindMask(d, hn::Eq(count, zero)), hn::Set(d, code), mean);
+        auto const quotient = hn::Mul(high, kCoded ? hn::Div(hn::Set(d, 1), divisor) : inverse);
+        auto const rest = hn::Div(hn::Add(hn::NegMulAdd(quotient, divisor, high), low), divisor);
+        auto mean = hn::Mul(hn::Add(quotient, rest), units);
+        if (kCoded)
+            mean = hn::IfThenElse(hn::RebindMask(d, hn::Eq(count, hn::Zero(w))), hn::Set(d, code), mean);
         hn::StoreU(mean, d, means + x);
-        if (HWY_LIKELY(hn::AllTrue(d, isSure))) continue;
-        std::uint8_t bits[8] = {};
-        hn::StoreMaskBits(d, isSure, bits);
-        for (std::ptrdiff_t lane = 0; lane < kLanes; ++lane)
-            if ((bits[0] >> lane & 1) == 0) divide(x + lane);
     }
-    for (; x < row.blocks; ++x) divide(x);
+    for (; x < row.blocks; ++x) {
+        std::int64_t const count = kCoded ? area - sums.codes[x] : area;
+        auto const sum = static_cast<long double>(sums.pixels[x]);
+        means[x] = count == 0 ? code : static_cast<double>(sum / static_cast<long double>(count)) * unit;
+    }
 }
 
 // The means, if they can be made of whole numbers: few digits are tried before all.
@@ -264,10 +250,10 @@ template <typename Add> void ForEachPixel(BlockRow const& row, std::ptrdiff_t bl
 // of those that it refuses.
 template <typename Vectors, typename Mean>
 void ForEachBlock(BlockRow const& all, double* means, Vectors const& vectors, Mean const& mean) {
-    std::ptrdiff_t const most =
-        all.side <= kLargestSide ? kPixels / (all.side * all.side) : all.blocks;
+    std::ptrdiff_t const most = all.side <= kLargestSide ? kPixels / (all.side * all.side) : all.blocks;
     for (std::ptrdiff_t done = 0; done < all.blocks; done += most) {
-        BlockRow const row{all.pixels + done * all.side, all.stride, all.side, std::min(most, all.blocks - done)};
+        BlockRow const row{all.pixels + done * all.side, all.stride, all.side,
+                           std::min(most, all.blocks - done)};
         if (all.side <= kLargestSide && vectors(row, means + done)) continue;
         for (std::ptrdiff_t block = 0; block < row.blocks; ++block) means[done + block] = mean(row, block);
     }
