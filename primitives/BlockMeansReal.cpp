@@ -28,7 +28,7 @@ struct BlockRow {
     std::ptrdiff_t blocks;
 };
 
-// Blocks of less than 2^11 pixels: larger ones leave these few bits, and quotients would be rounded twice.
+// Larger blocks have 2^11 pixels: each has few bits of the sum, and quotients would be rounded twice.
 constexpr std::ptrdiff_t kLargestSide = 45;
 
 // As many pixels are tried together; they fit the nearest cache.
