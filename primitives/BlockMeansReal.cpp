@@ -188,7 +188,10 @@ void Divide(Sums const& sums, BlockRow const& row, double code, double unit, dou
         auto const sum = hn::LoadU(w, sums.pixels + x);
         auto const count = kCoded ? hn::Sub(areas, hn::LoadU(w, sums.codes + x)) : areas;
         auto const divisor = hn::ConvertTo(d, count);
-        auto const high = hn::ConvertTo(d, sum), low = hn::ConvertTo(d, hn::Sub(sum, hn::ConvertTo(w, high)));
+        auto const upper = hn::And(sum, hn::Set(w, -(std::int64_t{1} << 32)));
+        auto const high = hn::ConvertTo(d, sum);
+        auto const low =
+            hn::Add(hn::Sub(hn::ConvertTo(d, upper), high), hn::ConvertTo(d, hn::Sub(sum, upper)));
         auto const quotient = hn::Mul(high, kCoded ? hn::Div(hn::Set(d, 1), divisor) : inverse);
         auto const rest = hn::Div(hn::Add(hn::NegMulAdd(quotient, divisor, high), low), divisor);
         auto mean = hn::Mul(hn::Add(quotient, rest), units);
@@ -205,6 +208,7 @@ void Divide(Sums const& sums, BlockRow const& row, double code, double unit, dou
 
 // The means, if they can be made of whole numbers: few digits are tried before all.
 template <bool kCoded> bool Run(BlockRow const& row, double code, double* means) {
+    if (!kCoded && kLanes < 8 && row.side < 4) return false;  // nothing would be gained
     double const magnitude = Magnitude<kCoded>(row, code);
     if (!(magnitude < kLargest)) return false;
     Grid const grid(magnitude, row.side * row.side);
