@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/ConnectedPixels.h"
 #include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
@@ -17,31 +17,20 @@ constexpr auto kNullCount = L"The pnLabels pointer was NULL.";
 constexpr auto kType = L"Unsupported image datatype.";
 constexpr auto kNoSize = L"ippiLabelMarkersGetBufferSize<T> failed. code -5";
 
+template <typename T> constexpr int kLargest = std::numeric_limits<T>::max() - 1;
+
 // Replaces every non-zero pixel by its region's label, and gives the number of regions.
 template <typename T> int ModelLabel(TestImage<T>& image, int connectivity) {
-    int const largest = std::numeric_limits<T>::max() - 1;
-    TestImage<unsigned char> open(image.shape);
+    TestImage<int> labels(image.shape);
+    labels.Fill([&](int x, int y) { return image.At(x, y) != 0 ? -1 : 0; });
     int regions = 0;
-    std::vector<APOINT> found;
-    auto const find = [&](int x, int y) {
-        if (x < 0 || y < 0 || x >= image.shape.width || y >= image.shape.height || !open.At(x, y)) return;
-        open.At(x, y) = 0;
-        image.At(x, y) = static_cast<T>((regions - 1) % largest + 1);
-        found.push_back(APOINT(x, y));
-    };
-    open.Fill([&](int x, int y) { return image.At(x, y) != 0; });
     for (int y = 0; y < image.shape.height; ++y)
-        for (int x = 0; x < image.shape.width; ++x) {
-            if (!open.At(x, y)) continue;
-            ++regions;
-            for (find(x, y); !found.empty();) {
-                APOINT const at = found.back();
-                found.pop_back();
-                for (int dy = -1; dy <= 1; ++dy)
-                    for (int dx = -1; dx <= 1; ++dx)
-                        if (connectivity != 4 || dx == 0 || dy == 0) find(at.x + dx, at.y + dy);
-            }
-        }
+        for (int x = 0; x < image.shape.width; ++x)
+            if (labels.At(x, y) == -1) ModelFill(labels, x, y, ++regions, connectivity);
+    image.Fill([&](int x, int y) {
+        int const region = labels.At(x, y);
+        return region == 0 ? 0 : (region - 1) % kLargest<T> + 1;
+    });
     return regions;
 }
 
@@ -50,6 +39,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
     for (int const connectivity : {4, 8, 6}) {
         auto expected = image;
         int const regions = ModelLabel(expected, connectivity);
+        std::vector<std::wstring> const none,
+            warning = {L"WARNING: Input image has " + std::to_wstring(regions) + L" regions. Only " +
+                       std::to_wstring(kLargest<T>) + L" allowed for this image data type."};
         ForEachSimdTarget([&] {
             SCOPED_TRACE(testing::Message() << image.shape << ", connectivity " << connectivity);
             CapturedLog const log;
@@ -58,7 +50,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
             ASSERT_EQ(LabelMarkers(labelled.Attributes(), connectivity, &count), SOLVANE_OK);
             EXPECT_EQ(count, regions);
             ASSERT_TRUE(labelled == expected);
-            EXPECT_EQ(log.Warnings().size(), regions > std::numeric_limits<T>::max() - 1 ? 1u : 0u);
+            EXPECT_TRUE(log.Errors().empty());
+            EXPECT_EQ(Messages(log.Warnings()), regions > kLargest<T> ? warning : none);
+            for (LogLine const& line : log.Warnings()) EXPECT_EQ(line.category, 4);
         });
     }
 }
@@ -85,11 +79,8 @@ using Served = testing::Types<unsigned char, unsigned short>;
 TYPED_TEST_SUITE(Labelling, Served, );
 
 TYPED_TEST(Labelling, NoiseAsAPlainSearchDoes) {
-    // Both sides of a word of 64 pixels, and of several.
-    constexpr Shape kSizes[] = {{1, 1, 1},   {1, 9, 4},     {9, 1, 9},      {63, 7, 70},    {64, 8, 64},
-                                {65, 9, 65}, {128, 5, 130}, {131, 40, 140}, {192, 33, 192}, {2100, 3, 2100}};
     unsigned seed = 0;
-    for (Shape const shape : kSizes)
+    for (Shape const shape : kWordShapes)
         for (double const share : {0.0, 0.1, 0.3, 0.4, 0.5, 0.6, 0.9, 1.0})
             ExpectLabelsOfModel(Noise<TypeParam>(shape, share, ++seed));
 }
@@ -115,29 +106,11 @@ TYPED_TEST(Labelling, ShapesThatMeetLate) {
     }
 }
 
-TEST(LabelMarkers, BeginsAgainPastTheLargestLabel) {
-    // 300 regions in bytes, and as many as 16 bits have labels for, and one more.
-    auto const check = [](auto element, int regions, std::wstring const& warning) {
-        SCOPED_TRACE(regions);
-        using T = decltype(element);
-        int const largest = std::numeric_limits<T>::max() - 1;
-        auto image = Drawn<T>({regions * 2, 1, regions * 2}, [](int x, int) { return x % 2 == 1; });
-        CapturedLog const log;
-        int count = 0;
-        EXPECT_EQ(LabelMarkers(image.Attributes(), 8, &count), SOLVANE_OK);
-        EXPECT_EQ(count, regions);
-        EXPECT_EQ(image.At(2 * largest - 1, 0), largest);
-        EXPECT_EQ(image.At(2 * regions - 1, 0), (regions - 1) % largest + 1);
-        EXPECT_TRUE(log.Errors().empty());
-        ASSERT_EQ(log.Warnings().size(), warning.empty() ? 0u : 1u);
-        if (warning.empty()) return;
-        EXPECT_EQ(log.Warnings()[0].message, L"WARNING: Input image has " + warning);
-        EXPECT_EQ(log.Warnings()[0].category, 4);
-    };
-    check(std::uint8_t(), 254, L"");
-    check(std::uint8_t(), 300, L"300 regions. Only 254 allowed for this image data type.");
-    check(std::uint16_t(), 65534, L"");
-    check(std::uint16_t(), 65536, L"65536 regions. Only 65534 allowed for this image data type.");
+TYPED_TEST(Labelling, BeginsAgainPastTheLargestLabel) {
+    for (int const more : {0, 1, 2, 60}) {
+        int const width = 2 * (kLargest<TypeParam> + more);
+        ExpectLabelsOfModel(Drawn<TypeParam>({width, 1, width}, [](int x, int) { return x % 2 == 1; }));
+    }
 }
 
 TEST(LabelMarkers, RefusesInItsOrder) {
