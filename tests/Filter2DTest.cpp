@@ -51,15 +51,12 @@ TEST(Filter2D, MakesTheDestinationWithRoomForTheOrigin) {
 
 TEST(Filter2D, RefusesInItsOrder) {
     alignas(8) static unsigned char pixels[4096], others[4096], weights[4096];
-    auto const of = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, pixels, width, height, stride, 16, 3);
+    auto const over = [](unsigned char* elements) {
+        return [=](eTypeCode type, int width, int height, int stride) {
+            return ImageAttributes(type, elements, width, height, stride, 16, 3);
+        };
     };
-    auto const into = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, others, width, height, stride, 16, 3);
-    };
-    auto const kernel = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, weights, width, height, stride, 0, 0);
-    };
+    auto const of = over(pixels), into = over(others), kernel = over(weights);
     constexpr auto kDestination = L"The destination image pointer was NULL or pointed to the source.";
     constexpr auto kOutOfSource = L"The ROI was out of bounds in the source image.";
     constexpr auto kOutOfDestination = L"The ROI was out of bounds in the destination image.";

@@ -205,12 +205,6 @@ TEST(LabelMarkers2, LooksAtNoStrideOfOneRow) {
 TEST(LabelMarkers2, RefusesInItsOrder) {
     unsigned char pixels[64] = {1, 0, 1, 1};
     unsigned short labels[64] = {};
-    auto const mask = [&](eTypeCode type, void* buffer, int width = 4, int height = 2, int stride = 4) {
-        return ImageAttributes(type, buffer, width, height, stride, 8, 0);
-    };
-    auto const output = [&](eTypeCode type, void* buffer, int width = 4, int height = 2, int stride = 4) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 0);
-    };
     constexpr auto kMaskType = L"The input mask image must be of type eByte or eUInt16.";
     constexpr auto kNullOutput = L"The output labeled ImageAttributes pointer was NULL.";
     constexpr auto kSizes = L"The output labeled image was not the same size as the input.";
@@ -224,25 +218,25 @@ TEST(LabelMarkers2, RefusesInItsOrder) {
         EXPECT_EQ(given.buffer, labeled.buffer);
         return code;
     };
-    ImageAttributes const bytes = mask(eByte, pixels), backwards = mask(eByte, pixels + 32, 4, 2, -4);
-    EXPECT_REFUSAL(6, kType, LabelMarkers2(mask(eInt16, nullptr), 8, &count, nullptr));
-    EXPECT_REFUSAL(2, kNullPixels, LabelMarkers2(mask(eUInt16, nullptr), 8, &count, nullptr));
+    ImageAttributes const bytes = Over(pixels, eByte), backwards = Over(pixels + 32, eByte, 4, 3, -4);
+    EXPECT_REFUSAL(6, kType, LabelMarkers2(Described(eInt16, 4, 3, 4), 8, &count, nullptr));
+    EXPECT_REFUSAL(2, kNullPixels, LabelMarkers2(Described(eUInt16, 4, 3, 4), 8, &count, nullptr));
     // The type that the text allows.
-    EXPECT_REFUSAL(6, kMaskType, LabelMarkers2(mask(eUInt16, pixels), 8, &count, nullptr));
+    EXPECT_REFUSAL(6, kMaskType, LabelMarkers2(Over(pixels, eUInt16), 8, &count, nullptr));
     EXPECT_REFUSAL(2, kNullOutput, LabelMarkers2(bytes, 8, &count, nullptr));
-    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eUInt16, labels, 3)));
-    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eByte, labels, 4, 1)));
-    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, labels)));
-    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, pixels)));
-    EXPECT_REFUSAL(4, kShared, label(bytes, output(eUInt16, pixels + 2)));  // from the third byte on
-    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eUInt16, labels)));
-    EXPECT_REFUSAL(7, kCopy, label(bytes, output(eUInt16, labels, 4, 2, 3)));
-    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eByte, nullptr)));
-    EXPECT_REFUSAL(999, L"Unexpected exception.", label(mask(eByte, pixels, 0), output(eByte, nullptr)));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, Over(labels, eUInt16, 3)));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, Over(labels, eByte, 4, 1)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, Over(labels, eByte)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, Over(pixels, eByte)));
+    EXPECT_REFUSAL(4, kShared, label(bytes, Over(pixels + 2, eUInt16)));  // from the third byte on
+    EXPECT_REFUSAL(7, kCopy, label(backwards, Over(labels, eUInt16)));
+    EXPECT_REFUSAL(7, kCopy, label(bytes, Over(labels, eUInt16, 4, 3, 3)));
+    EXPECT_REFUSAL(7, kCopy, label(backwards, Described(eByte, 4, 3, 4)));
+    EXPECT_REFUSAL(999, L"Unexpected exception.", label(Over(pixels, eByte, 0), Described(eByte, 4, 3, 4)));
     {  // Labelling itself fails, which is not told.
         CapturedLog const log;
-        EXPECT_EQ(label(mask(eByte, pixels, 0), output(eUInt16, labels, 0, 2)), SOLVANE_OK);
-        EXPECT_EQ(label(bytes, output(eUInt16, pixels, 4, 2, 3)), SOLVANE_OK);
+        EXPECT_EQ(label(Over(pixels, eByte, 0), Over(labels, eUInt16, 0)), SOLVANE_OK);
+        EXPECT_EQ(label(bytes, Over(pixels, eUInt16, 4, 3, 3)), SOLVANE_OK);
         EXPECT_EQ(log.Texts(), kNoSize + std::wstring(L"\nThe image's rows overlap.\n"));
     }
     EXPECT_EQ(count, -1);

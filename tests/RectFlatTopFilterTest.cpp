@@ -178,7 +178,7 @@ TEST(RectFlatTopFilter, IsExactWhereTheQuotientIsWholeOrJustBelow) {
 Case const kLargeWindows[] = {{200, 190, 183, 181}, {360, 200, 301, 199}, {21, 2100, 17, 2051}};
 
 TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
-    for (Case const& c : kLargeWindows)
+    for (Case const& c : kLargeWindows) {
         // Sums that stay within 31 bits, that leave them in part of the image, and in all of its middle.
         for (int const brightest : {32767, 65000, 65535}) {
             auto image = Noise<unsigned short>(c, 3);
@@ -187,7 +187,6 @@ TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
             ExpectWrapping(c, image);
             ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
         }
-    for (Case const& c : kLargeWindows) {
         auto const dark = Filled(c, std::numeric_limits<short>::min());
         ExpectTyped(c, dark, dark);
     }
@@ -221,11 +220,7 @@ using Elements = testing::Types<unsigned short, short, double>;
 TYPED_TEST_SUITE(WeightedFlatTop, Elements, );
 
 TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
-    struct Weights {
-        char const* name;
-        int (*weight)(int random);
-    };
-    Weights const kinds[] = {
+    std::pair<char const*, int (*)(int random)> const kinds[] = {
         {"set and clear", [](int random) { return random & 1; }},
         {"few", [](int random) { return random % 50 == 0 ? 1 : 0; }},
         {"none", [](int) { return 0; }},
@@ -234,13 +229,13 @@ TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
         {"the most negative", [](int random) { return random & 1 ? -128 : 127; }},
     };
     for (Case const& c : kCases)
-        for (Weights const& kind : kinds) {
-            SCOPED_TRACE(kind.name);
+        for (auto const& [name, weight] : kinds) {
+            SCOPED_TRACE(name);
             auto const image = Noise<TypeParam>(c, 5);
             auto mask = Noise<char>(c, 6);
             std::mt19937 random(7);
             for (std::size_t i = 0; i < mask.Size(); ++i)
-                mask.Pixels()[i] = static_cast<char>(kind.weight(static_cast<int>(random() >> 8)));
+                mask.Pixels()[i] = static_cast<char>(weight(static_cast<int>(random() >> 8)));
             auto const before = mask;
             Expect<TypeParam>(c, image, WeightedMeans(c, image, mask), [&](TypeParam* in, TypeParam* out) {
                 return rectFlatTopFilteringWithMaskTemplate(in, out, mask.Pixels(), c.width, c.height,

@@ -9,8 +9,9 @@
 namespace ZPA::Testing {
 
 // Both sides of a word of 64 pixels, and of several.
-inline constexpr Shape kWordShapes[] = {{1, 1, 1},   {1, 9, 4},     {9, 1, 9},      {63, 7, 70},    {64, 8, 64},
-                                        {65, 9, 65}, {128, 5, 130}, {131, 40, 140}, {192, 33, 192}, {4200, 3, 4200}};
+inline constexpr Shape kWordShapes[] = {{1, 1, 1},      {1, 9, 4},      {9, 1, 9},     {63, 7, 70},
+                                        {64, 8, 64},    {65, 9, 65},    {128, 5, 130}, {131, 40, 140},
+                                        {192, 33, 192}, {4200, 3, 4200}};
 
 // Gives `value` to the pixels that have the seed's value and are connected to it.
 template <typename T> void ModelFill(TestImage<T>& image, int seedX, int seedY, T value, int connectivity) {

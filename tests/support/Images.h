@@ -111,7 +111,7 @@ inline std::string Description(ImageAttributes const& image) {
 }
 
 // 16 bits a pixel, whatever the type.
-inline ImageAttributes Over(void* pixels, eTypeCode type, int width, int height, int stride) {
+inline ImageAttributes Over(void* pixels, eTypeCode type, int width = 4, int height = 3, int stride = 4) {
     return {type, pixels, width, height, stride, 16, 0};
 }
 
