@@ -6,10 +6,9 @@
 #include <complex>
 #include <cstring>
 #include <limits>
-#include <random>
-#include <vector>
 
 #include "support/CapturedLog.h"
+#include "support/Matrices.h"
 #include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
@@ -28,14 +27,6 @@ void Real2(float const* a, float const* b, float* x, float* y, int n) { realFFT2
 void Real2(double const* a, double const* b, double* x, double* y, int n) { realFFT2_DBL(a, b, x, y, n); }
 void RealInverse2(float* x, float const* y, float* a, float* b, int n) { realIFFT2(x, y, a, b, n); }
 void RealInverse2(double* x, double const* y, double* a, double* b, int n) { realIFFT2_DBL(x, y, a, b, n); }
-
-template <typename T> std::vector<T> Random(std::size_t count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> any(-1, 1);
-    std::vector<T> values(count);
-    for (T& value : values) value = static_cast<T>(any(random));
-    return values;
-}
 
 // exp(sign 2 pi i k / n)
 std::vector<Exact> Roots(std::size_t n, int sign) {
