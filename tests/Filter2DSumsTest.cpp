@@ -101,21 +101,17 @@ TYPED_TEST(Filter2DOfIntegers, AreExactForEveryRangeOfSums) {
             for (double const limit : kLimits)
                 for (int const content : {0, 1, 2}) {
                     Shape const whole{70 + shape.width, 3 + shape.height, 70 + shape.width};
-                    auto source = RandomImage<TypeParam>(whole, 1);
-                    if (content)
-                        std::fill_n(source.Pixels(), source.Size(),
-                                    content == 1 ? Limits::min() : Limits::max());
+                    auto source = content == 0   ? RandomImage<TypeParam>(whole, 1)
+                                  : content == 1 ? Uniform(whole, Limits::min())
+                                                 : Uniform(whole, Limits::max());
                     ++seed;
                     auto kernel = RandomKernel<int>(shape, limit, static_cast<unsigned>(seed), 1 + seed % 3);
                     if (seed % 4 == 0)  // all of one sign
-                        for (std::size_t i = 0; i < kernel.Size(); ++i)
-                            kernel.Pixels()[i] =
-                                seed % 8 ? std::abs(kernel.Pixels()[i]) : -std::abs(kernel.Pixels()[i]);
+                        for (int& weight : kernel) weight = seed % 8 ? std::abs(weight) : -std::abs(weight);
                     // Each divisor comes to each limit at some point; small ones would only saturate.
                     for (int const divisor :
-                         {kDivisors[seed % 9], static_cast<int>(std::min(limit * 10, 2e9))}) {
+                         {kDivisors[seed % 9], static_cast<int>(std::min(limit * 10, 2e9))})
                         ExpectModel(source, kernel, divisor);
-                    }
                 }
     });
 }
@@ -158,8 +154,7 @@ TYPED_TEST(Filter2DOfReals, AreAsAccurateForSeparableKernels) {
             TestImage<double> gaussian({side, side, side});
             ASSERT_EQ(fspecial(gaussian.Attributes(), "gaussian", side / 5.0), SOLVANE_OK);
             TestImage<TypeParam> kernel(gaussian.shape);
-            for (std::size_t i = 0; i < kernel.Size(); ++i)
-                kernel.Pixels()[i] = static_cast<TypeParam>(gaussian.Pixels()[i]);
+            kernel.Fill([&](int x, int y) { return gaussian.At(x, y); });
             auto source = RandomImage<TypeParam>({140 + side, 20 + side, 140 + side}, 1);
             auto const result = Filtered(source, kernel);
             for (int y = 0; y < result.shape.height; ++y)
@@ -184,10 +179,9 @@ TYPED_TEST(Filter2DOfReals, AreAsAccurateForSeparableKernels) {
 // A column times a row would make something of what the kernel's zeros leave out.
 TYPED_TEST(Filter2DOfReals, TakeAProductThatUnderflowsForTheZeroThatItIs) {
     using Limits = std::numeric_limits<TypeParam>;
-    TestImage<TypeParam> kernel({7, 7, 7}), source({20, 20, 20});
-    for (int i = 0; i < 49; ++i)
-        kernel.Pixels()[i] = (i % 7 == 3 ? 1 : Limits::min()) * (i / 7 == 3 ? 1 : Limits::min());
-    std::fill_n(source.Pixels(), source.Size(), TypeParam(0));
+    TestImage<TypeParam> kernel({7, 7, 7});
+    kernel.Fill([](int x, int y) { return (x == 3 ? 1 : Limits::min()) * (y == 3 ? 1 : Limits::min()); });
+    auto source = Uniform<TypeParam>({20, 20, 20}, 0);
     source.At(10, 10) = Limits::max() / 4;
     ForEachSimdTarget([&] { ExpectModel(source, kernel); });
 }
@@ -195,8 +189,7 @@ TYPED_TEST(Filter2DOfReals, TakeAProductThatUnderflowsForTheZeroThatItIs) {
 // Nor may a large kernel's many roundings pass for a structure of its own.
 TYPED_TEST(Filter2DOfReals, TakeALargeKernelThatIsNearlySeparableAsItIs) {
     auto kernel = RandomKernel<TypeParam>({45, 41, 45}, 200, 1);
-    for (std::size_t i = 0; i < kernel.Size(); ++i)
-        kernel.Pixels()[i] = 1 + kernel.Pixels()[i] * std::numeric_limits<TypeParam>::epsilon();
+    for (TypeParam& weight : kernel) weight = 1 + weight * std::numeric_limits<TypeParam>::epsilon();
     auto source = RandomImage<TypeParam>({60, 45, 60}, 1);
     ForEachSimdTarget([&] { ExpectModel(source, kernel); });
 }

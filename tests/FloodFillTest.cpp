@@ -40,9 +40,9 @@ template <typename T>
 TestImage<T> Porous(Shape shape, unsigned seed, double share, T value, T other, T third) {
     std::mt19937 random(seed);
     TestImage<T> image(shape);
-    for (std::size_t i = 0; i < image.Size(); ++i) {
+    for (T& pixel : image) {
         double const chance = static_cast<double>(random()) / 4294967296.0;
-        image.Pixels()[i] = chance < share ? value : random() % 8 ? other : third;
+        pixel = chance < share ? value : random() % 8 ? other : third;
     }
     return image;
 }
@@ -160,29 +160,17 @@ TEST(FloodFill, RefusesInItsOrder) {
 
 TEST(FillHoles, RefusesInItsOrder) {
     unsigned char pixels[64] = {};
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        int code;
-        std::wstring messages;
-    };
-    Case const cases[] = {
-        {"type", {eInt16, pixels, 2, 2, 2, 8, 0}, 6, L"Unsupported image datatype.\n"},
-        {"no width", {eByte, nullptr, 0, 2, 2, 8, 0}, 0, L""},
-        {"no height", {eUInt16, pixels, 2, 0, 2, 8, 0}, 0, L""},
-        {"null", {eByte, nullptr, 2, 2, 2, 8, 0}, 2, L"The input image had a NULL buffer pointer.\n"},
-        {"rows overlap", {eByte, pixels, 4, 2, 2, 8, 0}, 7, L"The image's rows overlap.\n"},
-        {"huge",
-         {eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0},
-         5,
-         kMemory + L"\nFloodFill top border background failed.\ntemplate_FloodBorderAreas to % failed.\n"},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(FillHoles(each.image, 8), each.code);
-        EXPECT_EQ(log.Texts(), each.messages);
-    }
+    auto const fill = [](ImageAttributes image) { return FillHoles(image, 8); };
+    EXPECT_REFUSAL(6, L"Unsupported image datatype.", fill({eInt16, pixels, 2, 2, 2, 8, 0}));
+    EXPECT_REFUSAL(0, L"", fill({eByte, nullptr, 0, 2, 2, 8, 0}));   // no width
+    EXPECT_REFUSAL(0, L"", fill({eUInt16, pixels, 2, 0, 2, 8, 0}));  // no height
+    EXPECT_REFUSAL(2, L"The input image had a NULL buffer pointer.", fill({eByte, nullptr, 2, 2, 2, 8, 0}));
+    EXPECT_REFUSAL(7, L"The image's rows overlap.", fill({eByte, pixels, 4, 2, 2, 8, 0}));
+    CapturedLog const log;
+    EXPECT_EQ(fill({eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}), 5);
+    EXPECT_EQ(
+        log.Texts(),
+        kMemory + L"\nFloodFill top border background failed.\ntemplate_FloodBorderAreas to % failed.\n");
 }
 
 TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
@@ -192,15 +180,12 @@ TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
     auto const top = L"FloodFill top border background failed.";
     auto const bottom = L"FloodFill bottom border background failed.";
     auto const before = std::vector<unsigned short>(pixels, pixels + 12);
-    struct Case {
-        unsigned short background;
-        wchar_t const* message;
-    };
     NoMemory const none;
-    for (Case const& each : {Case{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
+    for (auto const& [background, message] :
+         {std::pair{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
         CapturedLog const log;
-        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
-        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, background, 5, 4), 5);
+        EXPECT_EQ(log.Text(), message);
         EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
         EXPECT_EQ(log.Errors().front().location.find(L"FloodFill.cpp("), 0u);
         EXPECT_EQ(log.Errors().back().location.find(L"FillHoles.cpp("), 0u);

@@ -21,7 +21,7 @@ TestImage<double> Blurred(TestImage<double> image, double sigma) {
 
 TestImage<double> Model(TestImage<double> const& input, double sigma) {
     auto squares = input;
-    for (std::size_t i = 0; i < squares.Size(); ++i) squares.Pixels()[i] *= input.Pixels()[i];
+    for (double& pixel : squares) pixel *= pixel;
     auto const m = Blurred(input, sigma), s = Blurred(squares, sigma);
     TestImage<double> result(input.shape);
     auto const count = static_cast<double>(input.Size());
@@ -34,8 +34,7 @@ TestImage<double> Model(TestImage<double> const& input, double sigma) {
         sumOfSquares += pixel * pixel;
     }
     double const mean = sum / count, deviation = std::sqrt(sumOfSquares / count - mean * mean);
-    for (std::size_t i = 0; i < result.Size(); ++i)
-        result.Pixels()[i] = (result.Pixels()[i] - mean) / deviation;
+    for (double& pixel : result) pixel = (pixel - mean) / deviation;
     return result;
 }
 

@@ -61,9 +61,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
 template <typename T> TestImage<T> Noise(Shape shape, double share, unsigned seed) {
     std::mt19937 random(seed);
     TestImage<T> image(shape);
-    for (std::size_t i = 0; i < image.Size(); ++i) {
+    for (T& pixel : image) {
         bool const isSet = static_cast<double>(random()) < share * 4294967296.0;
-        image.Pixels()[i] = isSet ? static_cast<T>(random() % std::numeric_limits<T>::max() + 1) : T{0};
+        pixel = isSet ? static_cast<T>(random() % std::numeric_limits<T>::max() + 1) : T{0};
     }
     return image;
 }
@@ -177,19 +177,12 @@ TEST(LabelMarkers2, LabelsIntoAnImageOfTheCallerOrOfItsOwn) {
 }
 
 TEST(LabelMarkers2, LabelsWhatSharesTheMasksPixelsWithoutACopy) {
-    TestImage<unsigned short> image({3, 1, 3});
-    image.At(0, 0) = 256;
-    image.At(1, 0) = 0;
-    image.At(2, 0) = 7;
-    ImageAttributes labeled = image.Attributes();
-    ImageAttributes mask = labeled;
-    mask.type = eByte;
+    unsigned short pixels[3] = {256, 0, 7};
+    ImageAttributes labeled = Over(pixels, eUInt16, 3, 1, 3);
     int count = 0;
-    EXPECT_EQ(LabelMarkers2(mask, 8, &count, &labeled), SOLVANE_OK);
+    EXPECT_EQ(LabelMarkers2(Over(pixels, eByte, 3, 1, 3), 8, &count, &labeled), SOLVANE_OK);
     EXPECT_EQ(count, 2);
-    EXPECT_EQ(image.At(0, 0), 1);
-    EXPECT_EQ(image.At(1, 0), 0);
-    EXPECT_EQ(image.At(2, 0), 2);
+    EXPECT_EQ(std::vector<int>(pixels, pixels + 3), (std::vector<int>{1, 0, 2}));
 }
 
 TEST(LabelMarkers2, LooksAtNoStrideOfOneRow) {

@@ -182,8 +182,7 @@ TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
         // Sums that stay within 31 bits, that leave them in part of the image, and in all of its middle.
         for (int const brightest : {32767, 65000, 65535}) {
             auto image = Noise<unsigned short>(c, 3);
-            for (std::size_t i = 0; i < image.Size(); ++i)
-                image.Pixels()[i] = static_cast<unsigned short>(brightest - image.Pixels()[i] % 1000);
+            for (unsigned short& pixel : image) pixel = static_cast<unsigned short>(brightest - pixel % 1000);
             ExpectWrapping(c, image);
             ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
         }
@@ -234,8 +233,7 @@ TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
             auto const image = Noise<TypeParam>(c, 5);
             auto mask = Noise<char>(c, 6);
             std::mt19937 random(7);
-            for (std::size_t i = 0; i < mask.Size(); ++i)
-                mask.Pixels()[i] = static_cast<char>(weight(static_cast<int>(random() >> 8)));
+            for (char& each : mask) each = static_cast<char>(weight(static_cast<int>(random() >> 8)));
             auto const before = mask;
             Expect<TypeParam>(c, image, WeightedMeans(c, image, mask), [&](TypeParam* in, TypeParam* out) {
                 return rectFlatTopFilteringWithMaskTemplate(in, out, mask.Pixels(), c.width, c.height,
