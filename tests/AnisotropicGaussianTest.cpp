@@ -20,8 +20,7 @@ constexpr double kPi = 3.14159265358979323846;
 TestImage<double> Filtered(TestImage<double>& input, double u, double v, double angle, int orderU = 0,
                            int orderV = 0) {
     TestImage<double> result({input.shape.width, input.shape.height, input.shape.width});
-    ImageAttributes output = result.Attributes();
-    EXPECT_EQ(AnisotropicGaussian(input.Attributes(), &output, u, v, angle,
+    EXPECT_EQ(AnisotropicGaussian(input.Attributes(), result.Into(), u, v, angle,
                                   static_cast<unsigned char>(orderU), static_cast<unsigned char>(orderV)),
               SOLVANE_OK);
     return result;
@@ -204,8 +203,8 @@ TEST(AnisotropicGaussian, IsTheSameInEveryStripAndOnEverySimdTarget) {
             ForEachSimdTarget([&] {
                 EXPECT_TRUE(Filtered(input, 12.0, 3.0, angle) == expected);
                 auto both = input;
-                ImageAttributes place = both.Attributes();
-                EXPECT_EQ(AnisotropicGaussian(place, &place, 12.0, 3.0, angle, 0, 0), SOLVANE_OK);
+                EXPECT_EQ(AnisotropicGaussian(both.Attributes(), both.Into(), 12.0, 3.0, angle, 0, 0),
+                          SOLVANE_OK);
                 EXPECT_TRUE(both == expected);
             });
             // Leaning the other way is the mirror image, away from the sides.

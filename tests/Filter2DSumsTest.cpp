@@ -37,9 +37,9 @@ void ExpectModel(TestImage<T>& source, TestImage<KernelElement<T>>& kernel, int 
         for (int x = 0; x < width; ++x)
             expected.At(origin.x + x, origin.y + y) =
                 ModelPixel(source, kernel, divisor, x + kw / 2, y + kh / 2, fused);
-    ImageAttributes output = destination.Attributes();
-    ASSERT_EQ(Filter2D(source.Attributes(), nullptr, &output, &origin, kernel.Attributes(), &divisor),
-              SOLVANE_OK);
+    ASSERT_EQ(
+        Filter2D(source.Attributes(), nullptr, destination.Into(), &origin, kernel.Attributes(), &divisor),
+        SOLVANE_OK);
     ASSERT_TRUE(destination == expected);
 }
 
@@ -48,8 +48,7 @@ template <typename T>
 TestImage<T> Filtered(TestImage<T>& source, TestImage<KernelElement<T>>& kernel, int divisor = 1) {
     int const width = source.shape.width - kernel.shape.width + 1;
     TestImage<T> result({width, source.shape.height - kernel.shape.height + 1, width});
-    ImageAttributes output = result.Attributes();
-    EXPECT_EQ(Filter2D(source.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), &divisor),
+    EXPECT_EQ(Filter2D(source.Attributes(), nullptr, result.Into(), nullptr, kernel.Attributes(), &divisor),
               SOLVANE_OK);
     return result;
 }
@@ -238,10 +237,10 @@ TYPED_TEST(Filter2DOfReals, GiveTheSameInLargeImagesWhereverTheyBegin) {
         for (int const offset : {0, 1, 21}) {
             APOINT const origin(offset, 1);
             TestImage<TypeParam> lines({1056, height + 2, 1056}), others({1056, height + 2, 1057});
-            ImageAttributes toLines = lines.Attributes(), toOthers = others.Attributes();
-            for (ImageAttributes* const to : {&toLines, &toOthers})
-                ASSERT_EQ(Filter2D(source.Attributes(), nullptr, to, &origin, kernel.Attributes(), nullptr),
-                          SOLVANE_OK);
+            for (auto* const to : {&lines, &others})
+                ASSERT_EQ(
+                    Filter2D(source.Attributes(), nullptr, to->Into(), &origin, kernel.Attributes(), nullptr),
+                    SOLVANE_OK);
             for (int y = 0; y < height + 2; ++y)
                 ASSERT_EQ(std::memcmp(&lines.At(0, y), &others.At(0, y), 1056 * sizeof(TypeParam)), 0) << y;
         }

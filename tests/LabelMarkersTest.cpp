@@ -89,20 +89,18 @@ TYPED_TEST(Labelling, ShapesThatMeetLate) {
     for (int const side : {7, 64, 130}) {
         Shape const shape{side, side, side + 3};
         auto const distance = [=](int x, int y) { return std::min({x, y, side - 1 - x, side - 1 - y}); };
+        auto const expect = [&](auto const& inside) { ExpectLabelsOfModel(Drawn<TypeParam>(shape, inside)); };
         // Rings that an opening joins to a spiral; combs that open upwards, and to the left; a funnel whose
         // left edge begins last; a checkerboard, which has the most runs; every other column.
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int y) {
+        expect([=](int x, int y) {
             int const ring = distance(x, y);
             return (ring % 2 == 0) != (y == ring + 1 && x == ring && 2 * ring < side - 4);
-        }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return x % 2 == 0 || y == side - 1; }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return y % 2 == 0 || x == side - 1; }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return (x + y) % 6 == 0 || x == y; }));
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int y) { return (x + y) % 2 == 0; }));
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int) { return x % 2 == 1; }));
+        });
+        expect([=](int x, int y) { return x % 2 == 0 || y == side - 1; });
+        expect([=](int x, int y) { return y % 2 == 0 || x == side - 1; });
+        expect([](int x, int y) { return (x + y) % 6 == 0 || x == y; });
+        expect([](int x, int y) { return (x + y) % 2 == 0; });
+        expect([](int x, int) { return x % 2 == 1; });
     }
 }
 
@@ -167,9 +165,8 @@ TEST(LabelMarkers2, LabelsIntoAnImageOfTheCallerOrOfItsOwn) {
         TestImage<unsigned short> given({70, 30, 83});
         auto padded = given;
         padded.Fill([&](int x, int y) { return expected.At(x, y); });
-        auto labeled = given.Attributes();
         count = 0;
-        EXPECT_EQ(LabelMarkers2(mask.Attributes(), connectivity, &count, &labeled), SOLVANE_OK);
+        EXPECT_EQ(LabelMarkers2(mask.Attributes(), connectivity, &count, given.Into()), SOLVANE_OK);
         EXPECT_EQ(count, regions);
         EXPECT_TRUE(given == padded);
         EXPECT_TRUE(mask == before);

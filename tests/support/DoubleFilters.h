@@ -35,8 +35,7 @@ void ExpectEveryOutput(TestImage<T> input, TestImage<double> const& expected, Fi
     auto const from = input.Attributes(16, 7);
     auto const expectIn = [&](auto& output) {
         auto const after = Holding(expected, output);
-        ImageAttributes to = output.Attributes();
-        ASSERT_EQ(filter(from, &to), SOLVANE_OK);
+        ASSERT_EQ(filter(from, output.Into()), SOLVANE_OK);
         EXPECT_TRUE(output == after);
     };
     TestImage<double> packed({width, height, width}), padded({width, height, width + 4});

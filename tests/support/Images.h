@@ -63,6 +63,12 @@ template <typename T> struct TestImage {
     ImageAttributes Attributes(int bitsperpixel = 8 * static_cast<int>(sizeof(T)), int pixelspacing = 0) {
         return {TypeCodeOf<T>, Pixels(), shape.width, shape.height, shape.stride, bitsperpixel, pixelspacing};
     }
+    // What to give to a call that writes into this image.
+    struct Output {
+        ImageAttributes image;
+        operator ImageAttributes*() { return &image; }
+    };
+    Output Into() { return {Attributes()}; }
     // Bit for bit, guards and padding included: not-a-number equals itself, and -0.0 is not 0.0.
     bool operator==(TestImage const& other) const {
         return memory.size() == other.memory.size() &&
