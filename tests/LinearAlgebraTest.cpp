@@ -140,6 +140,17 @@ TEST(LinearAlgebra, ReportsNullPointersAndLeavesNothingsAlone) {
     EXPECT_TRUE(log.Errors().empty());
 }
 
+TEST(LinearAlgebra, LetsNoCallbackThrow) {
+    CapturedLog const log;  // whose end takes the callback away
+    ZPA_Logging::SetErrorCallback(ThrowFromCallback);
+    double a[4] = {1, 2, 0, 0}, b[2] = {1, 1}, inverse[4];
+    int const indx[2] = {0, 9};
+    EXPECT_NO_THROW(sollequ(a, 2, b));
+    EXPECT_NO_THROW(invmatrix_DBL(a, inverse, 2));
+    EXPECT_NO_THROW(lubksb(a, 2, indx, b));
+    EXPECT_EQ(svdcmp(nullptr, 1, 1, nullptr, nullptr), 2);
+}
+
 TEST(LinearAlgebra, ReportsThatThereIsNoMemory) {
     std::vector<double> const ones(100 * 100, 1.0);
     std::vector<int> const sevens(100, 7);
