@@ -8,14 +8,12 @@
 #include <cstdio>
 #include <vector>
 
+#include "support/Bags.h"
 #include "support/TemporaryFolder.h"
 
 namespace ZPA::Testing {
 
-using BagPtr = ZPA_Ptr<Bag>;
 inline constexpr char kHead[] = "<?xml version=\"1.0\" ?>\n";
-
-inline BagPtr NewBag() { return BagPtr(new Bag); }
 
 inline std::string Text(bool value) { return value ? "true" : "false"; }
 inline std::string Text(std::string const& value) { return '"' + value + '"'; }
@@ -63,6 +61,14 @@ inline std::string Repeated(char const* text, int times) {
     return all;
 }
 
+// What a call prints. Failures inside would be taken for it.
+template <typename Call> std::string Printed(Call const& call) {
+    testing::internal::CaptureStdout();
+    call();
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+}
+
 class BagIOTest : public testing::Test {
 protected:
     // What is loaded from a document with these elements in its root; keeps what is printed.
@@ -73,10 +79,8 @@ protected:
         return LoadPath(folder.Write("loaded.xml", document));
     }
     std::string LoadPath(std::string const& path) {
-        testing::internal::CaptureStdout();
-        BagPtr const bag = BagIO().LoadBag(path);
-        std::fflush(stdout);
-        printed = testing::internal::GetCapturedStdout();
+        BagPtr bag;
+        printed = Printed([&] { bag = BagIO().LoadBag(path); });
         return Describe(*bag);
     }
     std::string Save(BagPtr const& bag) {
