@@ -208,23 +208,6 @@ TEST_F(RawFile, BuffersTakeTheirLengthInBytesFromTheName) {
     }
 }
 
-TEST_F(RawFile, ARadiographSurvivesTheRoundTrip) {
-    std::string const path = ZPA_SHARED_DATA "/chest.1841.1955.raw";
-    if (!fs::exists(path)) GTEST_SKIP();
-    ImageAttributes image;
-    ASSERT_EQ(ReadRawFile(path.c_str(), &image), 0);
-    Block const block(image.buffer);
-    ASSERT_EQ(image.type, eUInt16);
-    ASSERT_EQ(image.width, 1841);
-    ASSERT_EQ(image.height, 1955);
-    auto const* const pixels = static_cast<unsigned short const*>(image.buffer);
-    auto const range = std::minmax_element(pixels, pixels + 1841 * 1955);
-    EXPECT_EQ(*range.first, 803);
-    EXPECT_EQ(*range.second, 26512);
-    ASSERT_EQ(DumpRawImage(pixels, 1841, 1955, -1, Path("chest").c_str()), 0);
-    EXPECT_TRUE(folder.Read("chest.1841.1955.raw") == Content(path));
-}
-
 // A callback that fails once makes what the operations answer to any exception visible.
 std::wstring afterwards;
 void ThrowAtRefusals(wchar_t const*, int, wchar_t const* message) {

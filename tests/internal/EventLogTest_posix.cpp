@@ -2,12 +2,11 @@
 #include "Source/Platform/PosixEventLog.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "support/TemporaryFolder.h"
 
 namespace ZPA {
 namespace {
@@ -16,25 +15,15 @@ namespace fs = std::filesystem;
 
 class PosixRegistry : public testing::Test {
 protected:
-    PosixRegistry()
-        : folder(fs::temp_directory_path() / ("zpa-registry-" + std::to_string(getpid()) + "-" +
-                                              testing::UnitTest::GetInstance()->current_test_info()->name())),
-          root((folder / "not" / "yet").string()),
-          log(root.c_str()) {}
-    ~PosixRegistry() override { fs::remove_all(folder); }
-
-    std::string Content(std::string const& path) const {
-        std::ifstream file(root + "/" + path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Content(std::string const& path) const { return folder.Read("not/yet/" + path); }
     void Write(std::string const& path, std::string const& content) const {
         fs::create_directories(fs::path(root + "/" + path).parent_path());
-        std::ofstream(root + "/" + path, std::ios::binary) << content;
+        folder.Write("not/yet/" + path, content);
     }
 
-    fs::path const folder;
-    std::string const root;
-    PosixEventLog log;
+    Testing::TemporaryFolder const folder;
+    std::string const root = folder.Path("not/yet");
+    PosixEventLog log{root.c_str()};
 };
 
 TEST_F(PosixRegistry, CreatesKeysWithAllFoldersAboveThem) {
