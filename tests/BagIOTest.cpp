@@ -227,7 +227,7 @@ TEST_F(BagIOTest, HooksSaveAndLoadWhatTheDocumentHasNoFormFor) {
     io.AddChildElement(nullptr, "a", "b", "c");
 }
 
-TEST_F(BagIOTest, DepthIsBoundedBothWays) {
+TEST_F(BagIOTest, DepthIsBounded) {
     BagPtr const root = NewBag();
     BagPtr deepest = root;
     for (int depth = 1; depth < 250; ++depth) {
@@ -246,11 +246,6 @@ TEST_F(BagIOTest, DepthIsBoundedBothWays) {
     EXPECT_FALSE(BagIO().SaveBag(root, folder.Path("deeper.xml")));
     EXPECT_EQ(folder.Names().count("deeper.xml"), 0u);
     deepest->Remove("b");
-
-    LoadDocument(Repeated("<b>", 256) + Repeated("</b>", 256));
-    EXPECT_EQ(printed, "");
-    LoadDocument(Repeated("<b>", 256) + "<b/>" + Repeated("</b>", 256));
-    EXPECT_EQ(printed, Failed(folder.Path("loaded.xml")));
 }
 
 TEST_F(BagIOTest, ScanPrintsEntriesInTheirOrder) {

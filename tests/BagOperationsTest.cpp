@@ -54,21 +54,16 @@ TEST(BagClone, SharesNothingWithBagsInTheBag) {
     BagPtr const inner = NewBag({{"x", 1}});
     BagPtr const clone = BagClone(NewBag({{"first", inner}, {"second", inner}, {"null", BagPtr()}}));
     inner->Set("x", 2);
-    EXPECT_EQ(clone->Key(), (Keys{"first", "second", "null"}));
-    EXPECT_EQ(static_cast<int>(clone->Get("first/x")), 1);
-    BagPtr const first = clone->Get("first"), second = clone->Get("second"), null = clone->Get("null");
+    EXPECT_EQ(Describe(*clone), "first: {x: i32 1}, second: {x: i32 1}, null: null");
+    BagPtr const first = clone->Get("first"), second = clone->Get("second");
     EXPECT_NE(first.GetPointer(), second.GetPointer());
-    EXPECT_EQ(null.GetPointer(), nullptr);
     EXPECT_EQ(BagClone(BagPtr()).GetPointer(), nullptr);
 }
 
 TEST(BagClone, TakesEntriesAsTheyStand) {
     BagPtr const bag = NewBag({{"a", 1}, {"b", "two"}, {"", 3}, {"x/y", 4}});
     bag->Rename("b", "a");
-    BagPtr const clone = BagClone(bag);
-    EXPECT_EQ(clone->Key(), (Keys{"a", "a", "", "x/y"}));
-    EXPECT_EQ(clone->GetType(clone->Get(1)), typeid(std::string));
-    EXPECT_EQ(clone->Get(3)->Get<int>(), 4);
+    EXPECT_EQ(Describe(*BagClone(bag)), "a: i32 1, a: \"two\", : i32 3, x/y: i32 4");
 }
 
 TEST(BagClone, LeavesATextInThePlaceOfWhatItCannotCopy) {
@@ -117,12 +112,9 @@ TEST(BagAddition, KeepsPlacesAndLetsTheSourceWin) {
     source->Rename("two", "twice");
     source->ClearDirty("");
     BagAddition(target, source);
-    EXPECT_EQ(target->Key(), (Keys{"kept", "number", "array", "bag", "toBag", "new", "twice", "twice"}));
-    EXPECT_EQ(target->GetType("number"), typeid(std::string));
-    EXPECT_EQ(target->GetType("bag"), typeid(int));
-    EXPECT_EQ(target->GetType("toBag"), typeid(BagPtr));
-    EXPECT_EQ(target->GetSize("array"), 2);
-    EXPECT_EQ(target->Get(7)->Get<int>(), 4);
+    EXPECT_EQ(Describe(*target),
+              "kept: i32 1, number: \"text\", array: i32[2] 0 0, bag: i32 2, toBag: {}, new: i32 1, "
+              "twice: i32 3, twice: i32 4");
     for (char const* key : {"number", "array", "bag", "new", "twice"}) EXPECT_TRUE(target->IsDirty(key));
     EXPECT_FALSE(target->IsDirty("kept"));
     EXPECT_FALSE(source->IsDirty(""));
@@ -137,15 +129,14 @@ TEST(BagAddition, MergesBagsAtEveryDepth) {
     BagPtr const source = NewBag({{"b", NewBag({{"c", otherC}})}, {"null", otherC}});
     source->SetSize("b", 9);
     BagAddition(target, source);
-    EXPECT_EQ(c->Key(), (Keys{"old", "both", "new"}));
-    EXPECT_EQ(static_cast<int>(target->Get("b/c/both")), 2);
+    EXPECT_EQ(Describe(*target),
+              "b: {c: {old: i32 1, both: i32 2, new: i32 2}}, null: {both: i32 2, new: i32 2}");
+    EXPECT_EQ(Describe(*otherC), "both: i32 2, new: i32 2");
     EXPECT_EQ(target->GetSize("b"), 9);
-    EXPECT_EQ(otherC->Key(), (Keys{"both", "new"}));
-    BagPtr const made = target->Get("null");
+    BagPtr const made = target->Get("null"), sameB = target->Get("b"), sameC = target->Get("b/c");
     EXPECT_NE(made.GetPointer(), otherC.GetPointer());
-    EXPECT_EQ(made->Key(), otherC->Key());
-    BagPtr const same = target->Get("b");
-    EXPECT_EQ(same.GetPointer(), b.GetPointer());
+    EXPECT_EQ(sameB.GetPointer(), b.GetPointer());
+    EXPECT_EQ(sameC.GetPointer(), c.GetPointer());
 }
 
 TEST(BagAddition, OfNothingChangesNothing) {
@@ -197,10 +188,9 @@ TEST(BagQuery, PicksInTheOrderAsked) {
     BagPtr source = NewBag({{"a", NewBag({{"x", 1}})}, {"array", array, 2}, {"x/y", 1}, {"clean", 1}});
     source->ClearDirty("clean");
     BagPtr const picked = BagQuery(source, {"clean", "a/x", "x/y", "array", "", "clean", "none"});
-    EXPECT_EQ(picked->Key(), (Keys{"clean", "x/y", "array", "clean"}));
+    EXPECT_EQ(Describe(*picked), "clean: i32 1, x/y: i32 1, array: i32[2] 0 0, clean: i32 1");
     EXPECT_FALSE(picked->IsDirty("clean"));
     EXPECT_TRUE(picked->IsDirty("array"));
-    EXPECT_EQ(picked->GetSize("array"), 2);
     EXPECT_EQ(picked->Get("array").GetPointer(), source->Get("array").GetPointer());
     EXPECT_TRUE(BagQuery(source, {})->Key().empty());
     EXPECT_TRUE(BagQuery(none, {"a"})->Key().empty());

@@ -31,7 +31,8 @@ TEST(LogLocation, IsStemExtensionAndLine) {
     Case const cases[] = {
         {L"/usr/src/zpa.d/CopyPixels.cpp", 12, L"CopyPixels.cpp(12)"},
         {L"C:\\src\\a.b.cpp", 7, L"a.b.cpp(7)"},
-        {L"Makefile", 0, L"Makefile(0)"},
+        {L"dir.d\\Makefile", 0, L"Makefile(0)"},
+        {L"C:file.", 3, L"file.(3)"},
         {L"%s%n.cpp", -1, L"%s%n.cpp(-1)"},
         {L"", INT_MIN, L"(-2147483648)"},
         {L"folder/", 1, L"(1)"},

@@ -19,7 +19,6 @@ namespace ZPA {
 namespace {
 
 using namespace Testing;
-namespace fs = std::filesystem;
 
 struct Free {
     void operator()(void* pixels) const { FreePixels(pixels); }

@@ -163,14 +163,6 @@ TEST(PtrTrace, TellsTheLifeOfAnObjectToTheLetter) {
     }
 }
 
-TEST(PtrTrace, NamesClassesReadably) {
-    CapturedLog log;
-    log.Debug(eLogMemory);
-    { ZPA_Ptr<ZPA_Image<unsigned short>> const image(new ZPA_Image<unsigned short>); }
-    EXPECT_NE(log.DebugLines().front().message.find(L"ZPA_Image<unsigned short>"), std::wstring::npos)
-        << log.DebugLines().front().message;
-}
-
 TEST(PtrTrace, CannotDisturbACount) {
     {
         CapturedLog log;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <regex>
 
 #include "support/Bags.h"
 #include "support/CapturedLog.h"
@@ -28,13 +29,8 @@ template <typename T> std::string Bytes(ZPA_Image<T> const& image) {
 }
 
 // All but the name of the type, which differs between compilers.
-std::string WithoutTypeName(std::string document) {
-    constexpr char kBegin[] = "<ZPA_Type Type=\"System.String\">";
-    for (std::size_t at = 0; (at = document.find(kBegin, at)) != document.npos;) {
-        at += sizeof kBegin - 1;
-        document.erase(at, document.find("</ZPA_Type>", at) - at);
-    }
-    return document;
+std::string WithoutTypeName(std::string const& document) {
+    return std::regex_replace(document, std::regex("(<ZPA_Type Type=\"System.String\">)[^<]*"), "$1");
 }
 
 std::string ImageLines(std::string const& indent, int width, int height, int bits, std::string const& file) {
