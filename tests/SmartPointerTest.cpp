@@ -22,14 +22,11 @@ using namespace Testing;
 // Counts its kind, and may hold a pointer to another.
 class Node : public ISolvane_Object {
 public:
-    static std::atomic<int> alive;
+    inline static std::atomic<int> alive{0};
     Node() { ++alive; }
-    Node(Node const& other) : ISolvane_Object(other), next(other.next) { ++alive; }
-    Node& operator=(Node const&) = default;
     ~Node() override { --alive; }
     ZPA_Ptr<Node> next;
 };
-std::atomic<int> Node::alive{0};
 
 using NodePtr = ZPA_Ptr<Node>;
 
