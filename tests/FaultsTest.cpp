@@ -21,6 +21,7 @@
 #include "support/BagDocuments.h"
 #include "support/CapturedLog.h"
 #include "support/EveryOperation.h"
+#include "support/RawFiles.h"
 #include "support/TemporaryFolder.h"
 
 namespace ZPA::Testing {
@@ -162,16 +163,24 @@ TEST_F(Faults, ADiskThatFillsUpIsTold) {
     auto const* const words = reinterpret_cast<unsigned short const*>(data.data());
     auto const* const bytes = reinterpret_cast<unsigned char const*>(data.data());
     std::string const path = folder.Path("dump");
+    std::vector<int> codes;
     {
         FullDisk const full(4096);
-        EXPECT_EQ(dumpRaw(data.data(), 24000, path.c_str()), 999);
-        EXPECT_EQ(DumpRawImage(words, 100, 120, -1, path.c_str()), 999);
-        EXPECT_EQ(DumpRawMask(bytes, 100, 120, -1, path.c_str()), 999);
-        EXPECT_EQ(dumpPgm8bit(words, 100, 120, path.c_str()), 999);
+        codes = {dumpRaw(data.data(), 24000, path.c_str()), DumpRawImage(words, 100, 120, -1, path.c_str()),
+                 DumpRawMask(bytes, 100, 120, -1, path.c_str()), dumpPgm8bit(words, 100, 120, path.c_str())};
         EXPECT_EQ(dumpPgm8bit_double(data.data(), 100, 30, path.c_str()), 0);  // fits
     }
-    EXPECT_EQ(log.Errors().size(), 4U);
     EXPECT_EQ(folder.Read("dump.100.120.raw").size(), 4096U);
+    {
+        FullDisk const full(0);  // which is noticed when the file is closed
+        codes.push_back(dumpRaw(bytes, 1, path.c_str()));
+        codes.push_back(dumpPgm8bit_uchar(bytes, 1, 1, path.c_str()));
+    }
+    EXPECT_EQ(codes, std::vector<int>(6, 999));
+    std::wstring const raw = L"dumpRaw() - Error in writing " + Wide(path);
+    std::wstring const picture = L"template_dumpPgm8bit(): Error in writing " + Wide(path) + L".\n";
+    EXPECT_EQ(log.Texts(), raw + L".\n" + raw + L".100.120.raw.\n" + raw + L".100.120.mask.\n" + picture +
+                               raw + L".\n" + picture);
 }
 
 TEST_F(Faults, ABagOnADiskThatFillsUpIsReadAsFarAsItGot) {

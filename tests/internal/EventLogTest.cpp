@@ -194,14 +194,10 @@ TEST_F(EventLogSteps, AreNoneForInformationDebuggingAndNoFormat) {
     Fail(nullptr);
     ZPA_Logging::EnableLog(eLogImage, false);
     ZPA_Logging::EnableDebug(eLogImage, false);
-    EXPECT_EQ(Taken(), Steps());
-}
-
-TEST_F(EventLogSteps, AreNoneWhereACallbackTakesTheMessage) {
+    // Nor of what a callback takes.
     auto const take = [](wchar_t const*, int, wchar_t const*) {};
     ZPA_Logging::SetErrorCallback(take);
     Fail();
-    EXPECT_EQ(Taken(), Steps());
     ZPA_Logging::SetErrorCallback(nullptr);
     ZPA_Logging::SetWarningCallback(take);
     Warn();
