@@ -90,6 +90,25 @@ TEST_F(Faults, EightThreadsThatShareTheLogDoWhatOneDoes) {
     for (std::thread& thread : threads) thread.join();
 }
 
+// The bags are the threads' own; the values in them are shared.
+TEST_F(Faults, EightThreadsShareTheValuesOfBags) {
+    ZPA_Ptr<int> const array(new int[3]{1, 2, 3});
+    BagPtr source = NewBag({{"array", array, 3}, {"text", "shared"}});
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 8; ++thread)
+        threads.emplace_back([own = BagQuery(source, source->Key())]() mutable {
+            for (int i = 0; i < 200; ++i) {
+                BagPtr sum = BagQuery(own, {"array"});
+                BagAddition(sum, own);
+                EXPECT_EQ(Describe(*BagClone(sum)), "array: i32[3] 1 2 3, text: \"shared\"");
+            }
+            own = BagPtr();
+        });
+    source = BagPtr();
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_TRUE(array.IsUnique());
+}
+
 // Read while somebody else writes them, cuts them off and removes them. The system may show one that is being cut off
 // in its old length, with zeros at the end.
 TEST_F(Faults, FilesThatComeAndGoAreReadInFullOrNotAtAll) {

@@ -4,7 +4,6 @@
 
 #include <climits>
 #include <cwchar>
-#include <filesystem>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
