@@ -178,13 +178,13 @@ TEST(PtrTrace, CannotDisturbACount) {
 TEST(Ptr, IsCountedAcrossThreads) {
     long const before = allocation_counter;
     std::vector<long> all;
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 20; ++round) {
         std::vector<std::vector<long>> ids(8);
         NodePtr shared(new Node);
         std::vector<std::thread> threads;
         for (std::vector<long>& mine : ids)
             threads.emplace_back([&mine, copy = shared] {
-                for (int i = 0; i < 500; ++i) {
+                for (int i = 0; i < 2000; ++i) {
                     NodePtr another(copy);
                     EXPECT_FALSE(another.IsUnique());
                     mine.push_back(another.Id());
