@@ -6,10 +6,13 @@
 #include <random>
 #include <string>
 
+#include "support/Bags.h"
+#include "support/Thrown.h"
+
 namespace ZPA {
 namespace {
 
-ZPA_Ptr<Bag> NewBag() { return ZPA_Ptr<Bag>(new Bag); }
+using namespace Testing;
 
 template <typename T, typename = void> struct IsSettable : std::false_type {};
 template <typename T>
@@ -152,16 +155,8 @@ TEST(Bag, StoresLiteralsByTheirType) {
 }
 
 TEST(Bag, FollowsPaths) {
-    ZPA_Ptr<Bag> const bag = NewBag(), a = NewBag(), b = NewBag();
-    b->Set("c", 3);
-    b->Set("", 4);
-    a->Set("b", b);
-    a->Set("nothing", ZPA_Ptr<Bag>());
-    bag->Set("a", a);
-    bag->Set("x", 1);
-    bag->Set("x/y", 2);
-    bag->Set("a/flat", 2);
-    bag->Set("", 5);
+    BagPtr const b = NewBag({{"c", 3}, {"", 4}}), a = NewBag({{"b", b}, {"nothing", BagPtr()}});
+    BagPtr const bag = NewBag({{"a", a}, {"x", 1}, {"x/y", 2}, {"a/flat", 2}, {"", 5}});
     struct Case {
         std::type_info const& type;
         std::vector<std::string> paths;
@@ -191,11 +186,11 @@ TEST(Bag, FollowsPaths) {
 }
 
 TEST(Bag, IsAsDirtyAsItsContents) {
-    ZPA_Ptr<Bag> const bag = NewBag(), inner = NewBag(), innermost = NewBag();
+    BagPtr const bag = NewBag(), inner = NewBag(), innermost = NewBag();
     EXPECT_FALSE(bag->IsDirty(""));
     bag->ClearDirty("");
     bag->Set("inner", inner);
-    bag->Set("null", ZPA_Ptr<Bag>());
+    bag->Set("null", BagPtr());
     EXPECT_FALSE(bag->IsDirty("inner"));
     EXPECT_FALSE(bag->IsDirty("null"));
     EXPECT_FALSE(bag->IsDirty(""));
@@ -214,23 +209,15 @@ TEST(Bag, IsAsDirtyAsItsContents) {
 }
 
 TEST(Bag, NamesTheKeyThatHasNoFlag) {
-    auto const refusal = [](auto const& call) -> std::string {
-        try {
-            call();
-        } catch (std::exception const& exception) {
-            return exception.what();
-        }
-        return "";
-    };
     Bag bag;
-    EXPECT_EQ(refusal([&] { bag.ClearDirty("no%s"); }), "Bag.ClearDirty() key not found : no%s");
-    EXPECT_EQ(refusal([&] { (void)bag.IsDirty("a/b"); }), "Bag.IsDirty() key not found : a/b");
+    EXPECT_EQ(Thrown<std::exception>([&] { bag.ClearDirty("no%s"); }),
+              "Bag.ClearDirty() key not found : no%s");
+    EXPECT_EQ(Thrown<std::exception>([&] { (void)bag.IsDirty("a/b"); }), "Bag.IsDirty() key not found : a/b");
 }
 
 TEST(Bag, MayContainItself) {
-    ZPA_Ptr<Bag> bag = NewBag();
+    BagPtr bag = NewBag({{"x", 1}});
     bag->Set("self", bag);
-    bag->Set("x", 1);
     EXPECT_TRUE(bag->IsDirty("self"));
     bag->ClearDirty("self");
     EXPECT_FALSE(bag->IsDirty(""));
@@ -241,7 +228,7 @@ TEST(Bag, MayContainItself) {
         bag = NewBag();
         bag->Set("self", bag);
         Bag& raw = *bag;
-        bag = ZPA_Ptr<Bag>();
+        bag = BagPtr();
         if (way == 0) raw.Clear();
         if (way == 1) raw.Remove("self");
         if (way == 2) raw.Set("self", 1);

@@ -4,7 +4,9 @@
 
 #include <string>
 
+#include "support/Bags.h"
 #include "support/CapturedLog.h"
+#include "support/Thrown.h"
 
 namespace ZPA {
 namespace {
@@ -12,20 +14,17 @@ namespace {
 using namespace Testing;
 
 struct Step : IProcess {
-    explicit Step(ZPA_Ptr<Bag> map) : IProcess(map) {}
+    explicit Step(BagPtr map) : IProcess(map) {}
     using IProcess::CheckParam;
     using IProcess::MapName;
 };
 
 // "Gain" is mapped to a key, "Offset" into a bag, "Bad" to no text.
-ZPA_Ptr<Bag> Map() {
-    ZPA_Ptr<Bag> const map(new Bag), inner(new Bag);
-    map->Set("Gain", "userGain");
-    map->Set("Offset", "sub/offset");
-    map->Set("Bad", 1);
-    inner->Set("Name", "userGain");
-    map->Set("Inner", inner);
-    return map;
+BagPtr Map() {
+    return NewBag({{"Gain", "userGain"},
+                   {"Offset", "sub/offset"},
+                   {"Bad", 1},
+                   {"Inner", NewBag({{"Name", "userGain"}})}});
 }
 
 TEST(IProcess, MapsNames) {
@@ -33,23 +32,14 @@ TEST(IProcess, MapsNames) {
     EXPECT_EQ(mapped.MapName("Gain"), "userGain");
     EXPECT_EQ(mapped.MapName("Inner/Name"), "userGain");
     EXPECT_EQ(mapped.MapName("Other"), "Other");
-    EXPECT_EQ(Step(ZPA_Ptr<Bag>()).MapName("Gain"), "Gain");
-    try {
-        (void)mapped.MapName("Bad");
-        ADD_FAILURE();
-    } catch (char const* message) {
-        EXPECT_STREQ(message, "Not in string type.");
-    }
-    EXPECT_THROW((void)mapped.CheckParam(ZPA_Ptr<Bag>(), "Bad", typeid(int), nullptr), char const*);
+    EXPECT_EQ(Step(BagPtr()).MapName("Gain"), "Gain");
+    EXPECT_EQ(Thrown<char const*>([&] { (void)mapped.MapName("Bad"); }), "Not in string type.");
+    EXPECT_THROW((void)mapped.CheckParam(BagPtr(), "Bad", typeid(int), nullptr), char const*);
 }
 
 TEST(IProcess, ChecksParameters) {
-    ZPA_Ptr<Bag> const bag(new Bag), sub(new Bag);
-    sub->Set("offset", 2);
-    bag->Set("userGain", 1.5);
-    bag->Set("sub", sub);
-    bag->Set("Number", 3);
-    bag->Set("100%s", 3);
+    BagPtr const bag =
+        NewBag({{"userGain", 1.5}, {"sub", NewBag({{"offset", 2}})}, {"Number", 3}, {"100%s", 3}});
     struct Case {
         char const* name;
         char const* alternative;
@@ -81,7 +71,7 @@ TEST(IProcess, ChecksParameters) {
         EXPECT_EQ(log.Code(), each.code);
     }
     CapturedLog const log;
-    EXPECT_FALSE(step.CheckParam(ZPA_Ptr<Bag>(), "Number", typeid(int), nullptr));
+    EXPECT_FALSE(step.CheckParam(BagPtr(), "Number", typeid(int), nullptr));
     EXPECT_EQ(log.Text(), L"Required param 'Number' of type 'int' missing");
     EXPECT_EQ(bag->Key().size(), 4u);
 }

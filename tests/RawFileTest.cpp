@@ -4,8 +4,6 @@
 
 #include <climits>
 #include <cwchar>
-#include <filesystem>
-#include <memory>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
@@ -19,12 +17,13 @@ namespace ZPA {
 namespace {
 
 using namespace Testing;
-namespace fs = std::filesystem;
 
-struct Free {
-    void operator()(void* pixels) const { FreePixels(pixels); }
-};
-using Block = std::unique_ptr<void, Free>;
+// What was read is what the file holds; frees it.
+void ExpectRead(std::string const& path, void* data) {
+    std::string const content = Content(path);
+    EXPECT_EQ(std::string(static_cast<char*>(data), content.size()), content);
+    FreePixels(data);
+}
 
 TEST_F(RawFile, ReadsOnlyWhatMatchesTheFile) {
     constexpr auto kSize = L"size";
@@ -79,11 +78,8 @@ TEST_F(RawFile, ReadsOnlyWhatMatchesTheFile) {
                       each.message != kSize ? each.message
                                             : L"ReadRaw: File " + Wide(path) +
                                                   L" does not exist, or does not match requested size.");
-        Block const block(data);
         ASSERT_EQ(data != nullptr, each.code == 0);
-        if (data) {
-            EXPECT_EQ(Content(path), std::string(static_cast<char*>(data), each.length));
-        }
+        if (data) ExpectRead(path, data);
     }
 }
 
@@ -159,9 +155,7 @@ TEST_F(RawFile, ImagesTakeTheirShapeFromTheName) {
         EXPECT_EQ(Description(image), Description({static_cast<eTypeCode>(each.type), nullptr, each.width,
                                                    each.height, each.width, 12, 7}));
         ASSERT_EQ(image.buffer == this, each.code != 0);
-        if (each.code != 0) continue;
-        Block const block(image.buffer);
-        EXPECT_EQ(Content(path), std::string(static_cast<char*>(image.buffer), each.length));
+        if (each.code == 0) ExpectRead(path, image.buffer);
     }
 
     // Names beyond what a file system holds can only be seen to parse or not.
@@ -202,27 +196,8 @@ TEST_F(RawFile, BuffersTakeTheirLengthInBytesFromTheName) {
         EXPECT_EQ(buffer.type, each.type);
         EXPECT_EQ(buffer.size, each.size);
         ASSERT_EQ(buffer.buffer == this, each.code != 0);
-        if (each.code != 0) continue;
-        Block const block(buffer.buffer);
-        EXPECT_EQ(Content(path), std::string(static_cast<char*>(buffer.buffer), each.length));
+        if (each.code == 0) ExpectRead(path, buffer.buffer);
     }
-}
-
-TEST_F(RawFile, ARadiographSurvivesTheRoundTrip) {
-    std::string const path = ZPA_SHARED_DATA "/chest.1841.1955.raw";
-    if (!fs::exists(path)) GTEST_SKIP();
-    ImageAttributes image;
-    ASSERT_EQ(ReadRawFile(path.c_str(), &image), 0);
-    Block const block(image.buffer);
-    ASSERT_EQ(image.type, eUInt16);
-    ASSERT_EQ(image.width, 1841);
-    ASSERT_EQ(image.height, 1955);
-    auto const* const pixels = static_cast<unsigned short const*>(image.buffer);
-    auto const range = std::minmax_element(pixels, pixels + 1841 * 1955);
-    EXPECT_EQ(*range.first, 803);
-    EXPECT_EQ(*range.second, 26512);
-    ASSERT_EQ(DumpRawImage(pixels, 1841, 1955, -1, Path("chest").c_str()), 0);
-    EXPECT_TRUE(folder.Read("chest.1841.1955.raw") == Content(path));
 }
 
 // A callback that fails once makes what the operations answer to any exception visible.

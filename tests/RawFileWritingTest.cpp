@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
 
 #include "support/CapturedLog.h"
@@ -16,9 +15,6 @@ namespace ZPA {
 namespace {
 
 using namespace Testing;
-namespace fs = std::filesystem;
-
-constexpr auto kFull = "/dev/full";  // opens, and takes nothing
 
 TEST_F(RawFile, DumpsBearTheirDimensionsInTheirNames) {
     unsigned short image[6] = {1, 2, 3, 0x1234, 65535, 0};
@@ -107,18 +103,6 @@ TEST_F(RawFile, WritersRefuse) {
     }
     EXPECT_EQ(folder.Names().size(), 1u);
     EXPECT_EQ(Content(file).size(), 10u);
-}
-
-TEST_F(RawFile, ShortWritesAreFailures) {
-    if (!fs::exists(kFull)) GTEST_SKIP();
-    std::vector<unsigned char> const data(1 << 20);
-    for (int const bytes : {1, 1 << 20}) {  // fails when it is closed, fails when it is written
-        CapturedLog const log;
-        EXPECT_EQ(dumpRaw(data.data(), bytes, kFull), 999);
-        EXPECT_EQ(log.Text(), L"dumpRaw() - Error in writing /dev/full.");
-        EXPECT_EQ(dumpPgm8bit_uchar(data.data(), bytes, 1, kFull), 999);
-        EXPECT_EQ(log.Text(), L"template_dumpPgm8bit(): Error in writing /dev/full.");
-    }
 }
 
 template <typename T> std::string Picture(std::vector<T> const& pixels, std::string const& path) {

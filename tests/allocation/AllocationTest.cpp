@@ -92,21 +92,15 @@ TEST_F(Allocation, InAHistogramThatFailsLeavesItEmpty) {
 }
 
 TEST_F(Allocation, OfAScopeThatFailsIsToldAndForgiven) {
-    ZPA_Logging::EnableDebug(eLogFunction, true);
-    ZPA_Logging::EnableDebug(eLogTiming, true);
-    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
-    std::wstring const bytes = std::to_wstring(3 * sizeof(wchar_t));
-    Failing(0, [&] {
-        ZPA_Logging::SetErrorCallback([](wchar_t const*, int code, wchar_t const* text) {
-            Hear(L"", code, text);
-            ZPA_Logging::SetDebugCallback(nullptr);  // the next line would hide this one
-        });
-        EntryExitLogging const scope(L"f", eLogFunction, L"%d", 5);
-    });
-    EXPECT_EQ(heard.text,
-              L"EntryExitLogging constructor: Memory allocation failed for " + bytes + L" bytes.");
-    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
-    ZPA_Logging::SetErrorCallback([](wchar_t const*, int, wchar_t const*) {});
+    auto const ignore = [](wchar_t const*, int, wchar_t const*) {};
+    log.Debug(eLogFunction);
+    log.Debug(eLogTiming);
+    ZPA_Logging::SetDebugCallback(ignore);
+    Failing(0, [] { EntryExitLogging const scope(L"f", eLogFunction, L"%d", 5); });
+    EXPECT_EQ(heard.text, L"EntryExitLogging constructor: Memory allocation failed for " +
+                              std::to_wstring(3 * sizeof(wchar_t)) + L" bytes.");
+    ZPA_Logging::SetErrorCallback(ignore);
+    ZPA_Logging::SetDebugCallback(Hear);
     Failing(0, [] {
         EntryExitLogging const scope(L"f", eLogFunction, L"%d", 5);
         EXPECT_STREQ(heard.text, L"Entering function f");
@@ -126,8 +120,8 @@ TEST_F(Allocation, IsNotNeededForFortyUnknowns) {
 }
 
 TEST_F(Allocation, IsNotNeededToLog) {
-    ZPA_Logging::EnableDebug(eLogFunction, true);
-    ZPA_Logging::SetDebugCallback([](wchar_t const*, int, wchar_t const* text) { Hear(L"", 0, text); });
+    log.Debug(eLogFunction);
+    ZPA_Logging::SetDebugCallback(Hear);
     int const before = ThisThreadsAllocations().made;
     ZPA_Logging::LogError(L"folder/file.cpp", 1, 4, L"%s %S %d %p %5.3f", L"wide", "narrow", 1, &heard, 1.5);
     ZPA_Logging::LogDebug(L"folder/file.cpp", 1, eLogFunction, L"%600s", L"");

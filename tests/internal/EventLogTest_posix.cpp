@@ -2,12 +2,11 @@
 #include "Source/Platform/PosixEventLog.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "support/TemporaryFolder.h"
 
 namespace ZPA {
 namespace {
@@ -16,44 +15,32 @@ namespace fs = std::filesystem;
 
 class PosixRegistry : public testing::Test {
 protected:
-    PosixRegistry()
-        : folder(fs::temp_directory_path() / ("zpa-registry-" + std::to_string(getpid()) + "-" +
-                                              testing::UnitTest::GetInstance()->current_test_info()->name())),
-          root((folder / "not" / "yet").string()),
-          log(root.c_str()) {}
-    ~PosixRegistry() override { fs::remove_all(folder); }
-
-    std::string Content(std::string const& path) const {
-        std::ifstream file(root + "/" + path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+    EventLog::Key Create(wchar_t const* name, bool again) {
+        bool existed = !again;
+        EventLog::Key const key = log.CreateKey(name, existed);
+        EXPECT_NE(key, nullptr);
+        EXPECT_EQ(existed, again);
+        return key;
     }
+    std::string Content(std::string const& path) const { return folder.Read("not/yet/" + path); }
     void Write(std::string const& path, std::string const& content) const {
         fs::create_directories(fs::path(root + "/" + path).parent_path());
-        std::ofstream(root + "/" + path, std::ios::binary) << content;
+        folder.Write("not/yet/" + path, content);
     }
 
-    fs::path const folder;
-    std::string const root;
-    PosixEventLog log;
+    Testing::TemporaryFolder const folder;
+    std::string const root = folder.Path("not/yet");
+    PosixEventLog log{root.c_str()};
 };
 
 TEST_F(PosixRegistry, CreatesKeysWithAllFoldersAboveThem) {
-    bool existed = true;
-    EventLog::Key key = log.CreateKey(L"SYSTEM\\Services\\\x3A9", existed);
-    ASSERT_NE(key, nullptr);
-    EXPECT_FALSE(existed);
-    log.CloseKey(key);
+    log.CloseKey(Create(L"SYSTEM\\Services\\\x3A9", false));
     EXPECT_TRUE(fs::is_directory(root + "/SYSTEM/Services/\xCE\xA9"));
-    key = log.CreateKey(L"SYSTEM\\Services\\\x3A9", existed);
-    ASSERT_NE(key, nullptr);
-    EXPECT_TRUE(existed);
-    log.CloseKey(key);
+    log.CloseKey(Create(L"SYSTEM\\Services\\\x3A9", true));
 }
 
 TEST_F(PosixRegistry, StoresHalfAsManyCharactersAsBytes) {
-    bool existed = false;
-    EventLog::Key const key = log.CreateKey(L"key", existed);
-    ASSERT_NE(key, nullptr);
+    EventLog::Key const key = Create(L"key", false);
     struct Case {
         wchar_t const* text;
         std::uint32_t bytes;
@@ -69,9 +56,7 @@ TEST_F(PosixRegistry, StoresHalfAsManyCharactersAsBytes) {
 }
 
 TEST_F(PosixRegistry, ReadsTheNumbersThatItStores) {
-    bool existed = false;
-    EventLog::Key const key = log.CreateKey(L"a\\b", existed);
-    ASSERT_NE(key, nullptr);
+    EventLog::Key const key = Create(L"a\\b", false);
     for (std::uint32_t const stored : {7U, 0U, 4294967295U, 10U}) {
         log.SetNumber(key, L"TypesSupported", stored);
         EXPECT_EQ(Content("a/b/TypesSupported"), std::to_string(stored));
@@ -115,9 +100,7 @@ TEST_F(PosixRegistry, HasNoKeysUnderAForbiddenRoot) {
 
 TEST_F(PosixRegistry, LosesWhatItCannotStore) {
     Write("key/folder/file", "");
-    bool existed = false;
-    EventLog::Key const key = log.CreateKey(L"key", existed);
-    ASSERT_NE(key, nullptr);
+    EventLog::Key const key = Create(L"key", true);
     log.SetNumber(key, L"folder", 7);
     log.SetText(key, L"no\\such/folder", L"text", 8);
     log.CloseKey(key);

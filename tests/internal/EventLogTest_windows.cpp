@@ -19,33 +19,28 @@ constexpr auto kFilterKey = L"SYSTEM\\CurrentControlSet\\Services\\EventLog\\App
 // The system's own, which tells what it was asked to report.
 class Watched final : public EventLog {
 public:
+    using Text = wchar_t const*;
+    EventLog& own = SystemEventLog();
     std::vector<std::wstring> reports;
 
-    void ReadValue(wchar_t const* key, wchar_t const* name, std::uint32_t& value) override {
-        SystemEventLog().ReadValue(key, name, value);
+    void ReadValue(Text key, Text name, std::uint32_t& value) override { own.ReadValue(key, name, value); }
+    Key CreateKey(Text key, bool& existed) override { return own.CreateKey(key, existed); }
+    void SetText(Key key, Text name, Text text, std::uint32_t bytes) override {
+        own.SetText(key, name, text, bytes);
     }
-    Key CreateKey(wchar_t const* key, bool& existed) override {
-        return SystemEventLog().CreateKey(key, existed);
-    }
-    void SetText(Key key, wchar_t const* name, wchar_t const* text, std::uint32_t bytes) override {
-        SystemEventLog().SetText(key, name, text, bytes);
-    }
-    void SetNumber(Key key, wchar_t const* name, std::uint32_t value) override {
-        SystemEventLog().SetNumber(key, name, value);
-    }
-    void CloseKey(Key key) override { SystemEventLog().CloseKey(key); }
+    void SetNumber(Key key, Text name, std::uint32_t value) override { own.SetNumber(key, name, value); }
+    void CloseKey(Key key) override { own.CloseKey(key); }
     std::uint32_t ModulePath(wchar_t* path, std::uint32_t limit) override {
-        return SystemEventLog().ModulePath(path, limit);
+        return own.ModulePath(path, limit);
     }
-    Source RegisterSource(wchar_t const* name) override { return SystemEventLog().RegisterSource(name); }
-    void Report(Source source, EventType type, std::uint16_t category, std::uint32_t eventId,
-                wchar_t const* text) override {
+    Source RegisterSource(Text name) override { return own.RegisterSource(name); }
+    void Report(Source source, EventType type, std::uint16_t category, std::uint32_t id, Text text) override {
         EXPECT_NE(source, nullptr);
         reports.push_back(std::to_wstring(static_cast<int>(type)) + L" " + std::to_wstring(category) + L" " +
-                          std::to_wstring(eventId) + L" " + text);
-        SystemEventLog().Report(source, type, category, eventId, text);
+                          std::to_wstring(id) + L" " + text);
+        own.Report(source, type, category, id, text);
     }
-    void Deregister(Source source) override { SystemEventLog().Deregister(source); }
+    void Deregister(Source source) override { own.Deregister(source); }
 };
 
 class WindowsEventLog : public testing::Test {

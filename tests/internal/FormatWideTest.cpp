@@ -19,20 +19,16 @@ std::wstring PrintInto(std::size_t capacity, wchar_t const* format, std::va_list
     return capacity ? std::wstring(text.data()) : std::wstring();
 }
 
-std::wstring Printed(wchar_t const* format, ...) {
-    std::va_list values;
-    va_start(values, format);
-    std::wstring const text = PrintInto(512, format, values);
-    va_end(values);
-    return text;
-}
-
 std::wstring PrintedInto(std::size_t capacity, wchar_t const* format, ...) {
     std::va_list values;
     va_start(values, format);
     std::wstring const text = PrintInto(capacity, format, values);
     va_end(values);
     return text;
+}
+
+template <typename... Values> std::wstring Printed(wchar_t const* format, Values... values) {
+    return PrintedInto(512, format, values...);
 }
 
 // A row is a call, since a format's values have types of their own.

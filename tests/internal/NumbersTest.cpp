@@ -1,8 +1,6 @@
 // How numbers in names and documents are read.
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "Source/Internal/Numbers.h"
 
 namespace ZPA {
@@ -35,24 +33,6 @@ TEST(ParseInt, ReadsAsFarAsItGoesAndStopsAtTheLimits) {
         {std::string_view("12345", 2), 12},  // the text ends before its digits do
     };
     for (Case const& each : cases) EXPECT_EQ(ParseInt(each.text), each.value) << each.text;
-}
-
-TEST(DotFields, CollapseAdjacentDots) {
-    struct Case {
-        std::string_view text;
-        std::vector<std::string_view> fields;
-    };
-    Case const cases[] = {
-        {"", {}}, {"...", {}}, {"a", {"a"}}, {".a..b.", {"a", "b"}}, {"a. .c", {"a", " ", "c"}},
-    };
-    for (Case const& each : cases) {
-        DotFields fields(each.text);
-        for (std::string_view const field : each.fields) EXPECT_EQ(fields.Next(), field) << each.text;
-        EXPECT_EQ(fields.Next(), "") << each.text;
-        int value = -7;
-        fields.Next(value);
-        EXPECT_EQ(value, -7) << each.text;
-    }
 }
 
 }  // namespace

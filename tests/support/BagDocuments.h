@@ -1,4 +1,4 @@
-// Bag documents for tests: saved to a folder, loaded from one, and bags in words.
+// Bag documents for tests: saved to a folder, and loaded from one.
 #ifndef ZPA_TESTS_SUPPORT_BAGDOCUMENTS_H
 #define ZPA_TESTS_SUPPORT_BAGDOCUMENTS_H
 
@@ -6,61 +6,26 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <vector>
 
+#include "support/Bags.h"
 #include "support/TemporaryFolder.h"
 
 namespace ZPA::Testing {
 
-using BagPtr = ZPA_Ptr<Bag>;
 inline constexpr char kHead[] = "<?xml version=\"1.0\" ?>\n";
-
-inline BagPtr NewBag() { return BagPtr(new Bag); }
-
-inline std::string Text(bool value) { return value ? "true" : "false"; }
-inline std::string Text(std::string const& value) { return '"' + value + '"'; }
-template <typename T> std::string Text(T value) { return std::to_string(value); }
-inline std::string Describe(Bag const& bag);
-
-template <typename T> std::string DescribeAs(char const* name, AnyHandle const& value, int size) {
-    if (value->Type() == typeid(T)) return name + (' ' + Text(value.Get<T>()));
-    if (value->Type() != typeid(ZPA_Ptr<T>)) return "";
-    auto const array = value.Get<ZPA_Ptr<T>>();
-    std::string text = name + std::string("[") + std::to_string(size) + "]";
-    for (int i = 0; i < size && i < 4; ++i) text += ' ' + Text(array.GetPointer()[i]);
-    return text;
-}
-
-inline std::string DescribeValue(AnyHandle const& value, int size) {
-    if (value->Type() == typeid(BagPtr)) return '{' + Describe(*value.Get<BagPtr>()) + '}';
-    std::string text;
-    if (value->Type() == typeid(std::string)) text = Text(value.Get<std::string>());
-    if (value->Type() == typeid(std::vector<std::string>))
-        for (auto const& each : value.Get<std::vector<std::string>>()) text += '|' + Text(each);
-    if (value->Type() == typeid(std::vector<BagPtr>))
-        for (auto const& each : value.Get<std::vector<BagPtr>>()) text += '|' + Describe(*each);
-    return text + DescribeAs<bool>("b", value, size) + DescribeAs<char>("i8", value, size) +
-           DescribeAs<unsigned char>("u8", value, size) + DescribeAs<short>("i16", value, size) +
-           DescribeAs<unsigned short>("u16", value, size) + DescribeAs<int>("i32", value, size) +
-           DescribeAs<unsigned>("u32", value, size) + DescribeAs<float>("f32", value, size) +
-           DescribeAs<double>("f64", value, size);
-}
-
-// The entries of a bag in one line, elements of arrays up to the fourth.
-inline std::string Describe(Bag const& bag) {
-    std::string text;
-    int at = 0;
-    for (auto const& key : bag.Key()) {
-        text += (at ? ", " : "") + key + ": " + DescribeValue(bag.Get(at), bag.GetSize(at));
-        ++at;
-    }
-    return text;
-}
 
 inline std::string Repeated(char const* text, int times) {
     std::string all;
     for (int i = 0; i < times; ++i) all += text;
     return all;
+}
+
+// What a call prints. Failures inside would be taken for it.
+template <typename Call> std::string Printed(Call const& call) {
+    testing::internal::CaptureStdout();
+    call();
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
 }
 
 class BagIOTest : public testing::Test {
@@ -73,10 +38,8 @@ protected:
         return LoadPath(folder.Write("loaded.xml", document));
     }
     std::string LoadPath(std::string const& path) {
-        testing::internal::CaptureStdout();
-        BagPtr const bag = BagIO().LoadBag(path);
-        std::fflush(stdout);
-        printed = testing::internal::GetCapturedStdout();
+        BagPtr bag;
+        printed = Printed([&] { bag = BagIO().LoadBag(path); });
         return Describe(*bag);
     }
     std::string Save(BagPtr const& bag) {

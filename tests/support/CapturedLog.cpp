@@ -12,17 +12,9 @@ struct Heard {
 };
 Heard heard;
 
-void HearError(wchar_t const* location, int code, wchar_t const* message) {
-    heard.errors.push_back({location, code, message});
-}
-void HearWarning(wchar_t const* location, int category, wchar_t const* message) {
-    heard.warnings.push_back({location, category, message});
-}
-void HearDebug(wchar_t const* location, int category, wchar_t const* message) {
-    heard.debug.push_back({location, category, message});
-}
-void HearInfo(wchar_t const* location, int category, wchar_t const* message) {
-    heard.info.push_back({location, category, message});
+template <std::vector<LogLine> Heard::*lines>
+void Hear(wchar_t const* location, int number, wchar_t const* message) {
+    (heard.*lines).push_back({location, number, message});
 }
 void Ignore(wchar_t const*, int, wchar_t const*) {}
 
@@ -47,10 +39,10 @@ public:
 
 CapturedLog::CapturedLog() {
     heard = {};
-    ZPA_Logging::SetErrorCallback(HearError);
-    ZPA_Logging::SetWarningCallback(HearWarning);
-    ZPA_Logging::SetDebugCallback(HearDebug);
-    ZPA_Logging::SetInfoCallback(HearInfo);
+    ZPA_Logging::SetErrorCallback(Hear<&Heard::errors>);
+    ZPA_Logging::SetWarningCallback(Hear<&Heard::warnings>);
+    ZPA_Logging::SetDebugCallback(Hear<&Heard::debug>);
+    ZPA_Logging::SetInfoCallback(Hear<&Heard::info>);
 }
 
 CapturedLog::~CapturedLog() {

@@ -4,19 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "support/TemporaryFolder.h"
 
 namespace ZPA::Testing {
 
 inline std::wstring Wide(std::string const& text) { return {text.begin(), text.end()}; }
-
-inline std::string Content(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class RawFile : public testing::Test {
 protected:

@@ -14,6 +14,11 @@
 
 namespace ZPA::Testing {
 
+inline std::string Content(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 // Goes with all that is in it. Its name would not survive being taken for a format.
 class TemporaryFolder {
 public:
@@ -32,10 +37,7 @@ public:
         std::ofstream(Path(name), std::ios::binary) << content;
         return Path(name);
     }
-    std::string Read(std::string const& name) const {
-        std::ifstream file(Path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Read(std::string const& name) const { return Content(Path(name)); }
     std::set<std::string> Names() const {
         std::set<std::string> names;
         for (auto const& each : std::filesystem::directory_iterator(path_))

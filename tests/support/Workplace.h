@@ -27,15 +27,20 @@ public:
     static void WriteFiles(std::string const& folder);
 
     ImageAttributes Bytes() { return Described(eByte, bytes, 8); }
-    ImageAttributes Mask() { return Described(eByte, mask, 8); }
     ImageAttributes Words() { return Described(eUInt16, words, 16); }
     ImageAttributes Doubles() { return Described(eDouble, doubles, 64); }
     // The memory of the doubles as elements of any type.
     ImageAttributes Of(eTypeCode type) { return Described(type, doubles, 8 * SizeOfTypeCode(type)); }
     template <typename T> T* From() { return static_cast<T*>(static_cast<void*>(doubles)); }
     template <typename T> T* To() { return static_cast<T*>(static_cast<void*>(moreDoubles)); }
+    // A square of the same memory.
+    static ImageAttributes Square(ImageAttributes image) {
+        return {image.type, image.buffer, kHeight, kHeight, kHeight, image.bitsperpixel, 1};
+    }
     ImageAttributes Element() { return {eByte, element, 3, 3, 3, 8, 0}; }
-    static BufferAttributes Buffer(eTypeCode type, void* elements) { return {type, elements, kPixels}; }
+    static BufferAttributes Buffer(ImageAttributes const& image) {
+        return {image.type, image.buffer, kPixels};
+    }
 
     // Frees what operations made.
     void Clear();
@@ -50,6 +55,8 @@ public:
     float floats[kMany];
     double doubles[kMany], moreDoubles[kPixels];
     int numbers[kPixels];
+    char weights[kPixels] = {1, 0, 1};
+    ImageAttributes const maskImage = Described(eByte, mask, 8);
     ImageAttributes made;
     BufferAttributes counts;
 
@@ -117,7 +124,8 @@ inline std::vector<Workplace::Array> Workplace::Arrays() const {
             {floats, sizeof floats},
             {doubles, sizeof doubles},
             {moreDoubles, sizeof moreDoubles},
-            {numbers, sizeof numbers}};
+            {numbers, sizeof numbers},
+            {weights, sizeof weights}};
 }
 
 inline std::vector<bool> Workplace::Differences(Workplace const& other) const {
