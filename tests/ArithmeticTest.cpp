@@ -282,33 +282,5 @@ TEST(Arithmetic, CreatesTheOutputFromTheFirstOperand) {
     }
 }
 
-TEST(Arithmetic, OpensAScopeForEveryFunction) {
-    alignas(8) unsigned char pixels[64] = {};
-    double one = 1;
-    int oneInt = 1;
-    auto const image = [&](eTypeCode type) { return ImageAttributes(type, pixels, 2, 2, 2, 8, 0); };
-    ImageAttributes output(eSingle, pixels + 32, 2, 2, 2, 32, 0);
-    std::fill_n(pixels, 16, static_cast<unsigned char>(1));
-    struct Call {
-        std::wstring scopes;
-        std::function<void()> call;
-    };
-    Call const calls[] = {
-        {L"Add{ipp_add{}}", [&] { (void)Add(image(eByte), image(eByte), nullptr); }},
-        {L"Add{template_add{}}", [&] { (void)Add(image(eSByte), image(eSByte), nullptr); }},
-        {L"Sub{template_sub{}}", [&] { (void)Sub(image(eByte), image(eByte), nullptr); }},
-        {L"MulP{template_mulp{}}", [&] { (void)MulP(image(eSingle), image(eSingle), nullptr); }},
-        {L"MulP{ipp_mul{}}", [&] { (void)MulP(image(eSingle), image(eSingle), &output); }},
-        {L"Mul{ipp_mul{}}", [&] { (void)Mul(image(eSingle), image(eSingle), &output); }},
-        {L"DivP{template_divp{}}", [&] { (void)DivP(image(eSingle), image(eSingle), nullptr); }},
-        {L"AddC{template_addc{}}", [&] { (void)AddC(image(eDouble), &one, nullptr); }},
-        {L"SubC{template_subc{}}", [&] { (void)SubC(image(eDouble), &one, nullptr); }},
-        {L"MulC{template_mulpc{}}", [&] { (void)MulC(image(eDouble), &one, nullptr); }},
-        {L"DivC{template_divpc{}}", [&] { (void)DivC(image(eInt32), &oneInt, nullptr); }},
-        {L"Abs{template_abs{}}", [&] { (void)Abs(image(eInt16), nullptr); }},
-    };
-    for (Call const& each : calls) EXPECT_EQ(ScopesOf(each.call), each.scopes);
-}
-
 }  // namespace
 }  // namespace ZPA

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
@@ -220,36 +219,6 @@ TEST(ClipImage, ComparesWholeLimitsOnEverySimdTarget) {
     short one = 7;
     ClipImage(&one, -1, 0, 1);
     EXPECT_EQ(one, 7);
-}
-
-TEST(Operations, OpenTheirScopeInTheLog) {
-    unsigned short pixels[4] = {};
-    unsigned short others[4] = {};
-    ImageAttributes image(eUInt16, pixels, 2, 2, 2, 16, 0);
-    ImageAttributes other(eUInt16, others, 2, 2, 2, 16, 0);
-    BufferAttributes buffer(eInt16, pixels, 2), words(eUInt16, pixels, 4);
-    bool answer = false;
-    ImageAttributes made;
-    BufferAttributes madeBuffer;
-    struct Case {
-        std::wstring scopes;
-        std::function<void()> call;
-    };
-    Case const cases[] = {
-        {L"CopyPixels{}", [&] { CopyPixels(image, &other); }},
-        {L"SetPixels{}", [&] { SetPixels(nullptr, nullptr, nullptr, 0, 1, image); }},
-        {L"copyImage{}", [&] { copyImage(image, &made); }},
-        {L"copyBuffer{}", [&] { copyBuffer(words, &madeBuffer); }},
-        {L"ApplyMask{}", [&] { ApplyMask(image, image); }},
-        {L"compare{}", [&] { compare(image, other); }},
-        {L"DecimateAndCompare{}",
-         [&] { DecimateAndCompare(image, other, nullptr, nullptr, nullptr, 1, 1, 1, &answer); }},
-        {L"DiffBuffer{}", [&] { DiffBuffer(buffer, &buffer); }},
-        {L"ClipImage{}", [&] { ClipImage(reinterpret_cast<short*>(pixels), 4, 0, 1); }},
-    };
-    for (Case const& each : cases) EXPECT_EQ(ScopesOf(each.call), each.scopes);
-    FreePixels(made.buffer);
-    FreePixels(madeBuffer.buffer);
 }
 
 }  // namespace

@@ -111,6 +111,7 @@ std::vector<OperationCall> MakeCalls() {
             BufferAttributes output = W::Buffer(type, p.moreDoubles);
             return DiffBuffer(W::Buffer(type, p.doubles), &output);
         });
+    run("ClipImage", [](W& p) { ClipImage(p.From<short>(), n, -9, 9); });
     for (auto const& [name, operation] :
          {std::pair{"Add", &Add}, {"Sub", Sub}, {"MulP", MulP}, {"Mul", Mul}, {"ipp_mul", ipp_mul}}) {
         bool const matrices = operation == Mul || operation == ipp_mul;
