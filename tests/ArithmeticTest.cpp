@@ -6,7 +6,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/DivisionFault.h"
-#include "support/PixelModels.h"
+#include "support/Outputs.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
