@@ -83,7 +83,7 @@ TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
         {"rectangle around", {&around}, 1, 1, 1.0, false},
         {"rectangle beside", {&beside}, 1, 1, 1.0, true},
         {"sampled past its column", {}, 2, 1, 1.0, true},
-        {"sampled on its row", {}, 1, 2, 1.0, false},
+        {"sampled past its row", {}, 1, 3, 1.0, true},
         {"sampled on it", {&odd}, 2, 2, 1.0, false},
         {"steps beyond the image", {}, INT_MAX, INT_MAX, 1.0, true},
         {"mask over", {nullptr, &maskImage, &over}, 1, 1, 1.0, false},

@@ -69,7 +69,7 @@ inline Rectangle const kInside(1, 1, 3, 2), kEmpty(0, 0, 0, 1), kNegative(0, -1,
     kHuge(1, 1, INT_MAX, INT_MAX);
 inline unsigned char maskPixels[12];
 inline ImageAttributes const kMask(eByte, maskPixels, 4, 3, 4, 8, 0), kNoMask(eByte, nullptr, 4, 3, 4, 8, 0),
-    kFloatMask(eSingle, maskPixels, 4, 3, 4, 32, 0);
+    kFloatMask(eSingle, maskPixels, 4, 3, 4, 32, 0), kBackwards(eByte, maskPixels, 4, 3, -4, 8, 0);
 inline APOINT const kBefore(-1, 0), kBeyond(0, 2), kFarBeyond(0, INT_MAX);
 
 // A call with regions that are refused, in the order of what is wrong with them. `maskFirst`: a mask without pixels is
@@ -85,6 +85,7 @@ void ExpectRegionRefusals(Call const& call, wchar_t const* outside = kOutsideIma
     EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kBefore}));
     EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kBeyond}));
     EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kFarBeyond}));
+    EXPECT_REFUSAL(7, L"The mask's rows overlap.", call({&kInside, &kBackwards}));
 }
 
 }  // namespace ZPA::Testing
