@@ -39,9 +39,9 @@ void CheckAgainstModel(Shape shape, unsigned char (&table)[4], bool byEntry) {
     SCOPED_TRACE(testing::Message() << TypeCodeOf<T1> << " and " << TypeCodeOf<T2> << " to "
                                     << TypeCodeOf<T3> << ", " << shape);
     auto const a = NearZero<T1>(shape, 1);
-    // Without gaps where the first has none, and they may be taken as one row.
-    int const gap = std::is_same_v<T1, T2> ? 0 : 1;
-    auto const b = NearZero<T2>({shape.width, shape.height, shape.stride + gap}, 2);
+    // With a gap behind its rows, or without: what has none may be taken as one row.
+    int const stride = std::is_same_v<T1, T2> ? shape.width : shape.stride + 1;
+    auto const b = NearZero<T2>({shape.width, shape.height, stride}, 2);
     auto first = a;
     auto second = b;
     auto const operation = byEntry ? LogicalPixelOp : template_LogicalPixelOp<T1, T2, T3>;
