@@ -62,8 +62,8 @@ Bag::~Bag() {
     waiting.swap(*values_);
     released = &waiting;
     while (!waiting.empty()) {
-        Values first;  // out of the list, which grows while the value dies
-        first.splice(first.end(), waiting, waiting.begin());
+        Values dying;  // a list of their own, as the one that waits grows while they die
+        dying.swap(waiting);
     }
     released = nullptr;
 }

@@ -3,7 +3,8 @@
 #include <Basics/BagOperations.h>
 
 #include <cstring>
-#include <deque>
+#include <list>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <unordered_set>
@@ -71,9 +72,9 @@ struct Adding {
 
     ZPA_Ptr<Bag> target, source;
     BagEntries::Iterator next;
-    Bag added;            // keys that the target lacks
-    ZPA_Ptr<Bag> inner;   // the target's bag under the key of `next`,
-    bool merged = false;  // once that of the source has been added to it
+    std::optional<Bag> added;  // keys that the target lacks, if any
+    ZPA_Ptr<Bag> inner;        // the target's bag under the key of `next`,
+    bool merged = false;       // once that of the source has been added to it
 };
 
 bool IsEmpty(ZPA_Ptr<Bag> const& bag) {
@@ -116,7 +117,7 @@ void BagAddition(ZPA_Ptr<Bag>& target, ZPA_Ptr<Bag> const& source) {
     if (IsEmpty(source)) return;
     if (!target.GetPointer()) target = ZPA_Ptr<Bag>(new Bag);
 
-    std::deque<Adding> levels;
+    std::list<Adding> levels;
     std::set<std::pair<Bag*, Bag*>> entered;
     // An addition that is under way is not begun again within itself: bags may contain each other.
     auto const enter = [&](ZPA_Ptr<Bag> const& to, ZPA_Ptr<Bag> const& from) {
@@ -128,7 +129,7 @@ void BagAddition(ZPA_Ptr<Bag>& target, ZPA_Ptr<Bag> const& source) {
         Adding& level = levels.back();
         BagEntries const entries(*level.target);
         if (level.next == BagEntries(*level.source).end()) {
-            entries.AppendAll(level.added);
+            if (level.added) entries.AppendAll(*level.added);
             entered.erase({level.target.GetPointer(), level.source.GetPointer()});
             levels.pop_back();
             continue;
@@ -137,19 +138,20 @@ void BagAddition(ZPA_Ptr<Bag>& target, ZPA_Ptr<Bag> const& source) {
         BagEntry const from = *level.next;
         auto const found = entries.Find(from.key);
         if (found == entries.end()) {
-            BagEntries(level.added).Append(from.key, from.value, from.size, true);
+            if (!level.added) level.added.emplace();
+            BagEntries(*level.added).Append(from.key, from.value, from.size, true);
             ++level.next;
             continue;
         }
         BagEntry const to = *found;
         auto const* const inner = HeldAs<ZPA_Ptr<Bag>>(*to.value);
-        auto const* const more = HeldAs<ZPA_Ptr<Bag>>(*from.value);
+        auto const* const more = inner ? HeldAs<ZPA_Ptr<Bag>>(*from.value) : nullptr;
         if (level.merged) {
             to.value = NewAny(level.inner);
             to.size = from.size;
             to.dirty = from.dirty;
             level.merged = false;
-        } else if (inner && more) {
+        } else if (more) {
             level.inner = inner->GetPointer() || IsEmpty(*more) ? *inner : ZPA_Ptr<Bag>(new Bag);
             level.merged = true;
             if (!IsEmpty(*more)) enter(level.inner, *more);

@@ -61,44 +61,39 @@ template <typename T> struct Reduction {
     std::int64_t Area() const { return std::int64_t{factor} * factor; }
 };
 
-template <typename T> inline constexpr bool kVectors = std::is_integral_v<T>;
-
-// Integers that cannot pass 64 bits divide as they would in extended precision.
-template <typename T> using Sum = std::conditional_t<std::is_integral_v<T>, std::int64_t, long double>;
-
-template <typename T> T Mean(Sum<T> sum, std::int64_t count) {
-    return static_cast<T>(sum / static_cast<Sum<T>>(count));
+// Whether the primitives serve blocks of the factor.
+template <typename T> constexpr bool HasPrimitive(int factor) {
+    return std::is_floating_point_v<T> || factor <= kLargestBlock;
 }
 
 template <typename T> void Average(Reduction<T> const& given) {
-    if constexpr (kVectors<T>)
-        if (given.factor <= kLargestBlock)
-            return given.ForEachRow([&](T const* pixels, T* means) {
-                BlockMeans(pixels, given.width, given.factor, given.outputWidth, means);
-            });
-    given.ForEachBlock([&](T const* block) {
-        Sum<T> sum = 0;
-        given.ForEachPixel(block, [&](T pixel) { sum += pixel; });
-        return Mean<T>(sum, given.Area());
-    });
+    if (HasPrimitive<T>(given.factor))
+        return given.ForEachRow([&](T const* pixels, T* means) {
+            BlockMeans(pixels, given.width, given.factor, given.outputWidth, means);
+        });
+    if constexpr (std::is_integral_v<T>)
+        given.ForEachBlock([&](T const* block) {
+            std::int64_t sum = 0;
+            given.ForEachPixel(block, [&](T pixel) { sum += pixel; });
+            return static_cast<T>(sum / given.Area());
+        });
 }
 
 template <typename T> void AverageWithout(T code, Reduction<T> const& given) {
-    if constexpr (kVectors<T>)
-        if (given.factor <= kLargestBlock)
-            return given.ForEachRow([&](T const* pixels, T* means) {
-                BlockMeansWithout(code, pixels, given.width, given.factor, given.outputWidth, means);
-            });
-    given.ForEachBlock([&](T const* block) {
-        Sum<T> sum = 0;
-        std::int64_t count = 0;
-        given.ForEachPixel(block, [&](T pixel) {
-            if (pixel == code) return;
-            sum += pixel;
-            ++count;
+    if (HasPrimitive<T>(given.factor))
+        return given.ForEachRow([&](T const* pixels, T* means) {
+            BlockMeansWithout(code, pixels, given.width, given.factor, given.outputWidth, means);
         });
-        return count == 0 ? code : Mean<T>(sum, count);
-    });
+    if constexpr (std::is_integral_v<T>)
+        given.ForEachBlock([&](T const* block) {
+            std::int64_t sum = 0, count = 0;
+            given.ForEachPixel(block, [&](T pixel) {
+                if (pixel == code) return;
+                sum += pixel;
+                ++count;
+            });
+            return count == 0 ? code : static_cast<T>(sum / count);
+        });
 }
 
 void AverageWrapping(Reduction<unsigned short> const& given) {

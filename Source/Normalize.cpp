@@ -1,6 +1,7 @@
 // NormalizeImage and NormalizeBuffer: elements as standard scores.
 #include <Basics/Statistics.h>
 
+#include "primitives/ByteTable.h"
 #include "primitives/ScoreRow.h"
 #include "Source/Internal/Dispatch.h"
 #include "Source/Internal/Frame.h"
@@ -11,6 +12,15 @@ namespace {
 
 SOLVANE_RETURNCODE RefuseType() {
     return Fail(SOLVANE_UNSUPPORTED_TYPE, L"The input image type is not supported");
+}
+
+// Calls work(score), with what gives rows of `count` elements in all their scores.
+template <typename T, typename Work>
+void WithScores(Moments const& moments, std::int64_t count, Work const& work) {
+    auto const score = [&](T const* from, std::ptrdiff_t size, T* to, std::uint8_t const* mask = nullptr) {
+        ScoreRow(from, mask, size, moments.mean, moments.deviation, to);
+    };
+    WithTable<T>(score, count, work);
 }
 
 }  // namespace
@@ -35,11 +45,13 @@ SOLVANE_RETURNCODE NormalizeImage(ImageAttributes image, Rectangle const* roi, I
 
             Statistics<T> statistics{};
             AddToStatistics(region, image, Measure::kSums, statistics);
-            Moments const moments = MomentsOf(statistics);
             ImageView<T const> const pixels(image);
             auto const to = static_cast<T*>(output->buffer);
-            region.ForEachRow(pixels, [&](T const* row, unsigned char const* maskRow, std::ptrdiff_t count) {
-                ScoreRow(row, maskRow, count, moments.mean, moments.deviation, to + (row - pixels.Row(0)));
+            WithScores<T>(MomentsOf(statistics), region.PixelCount(), [&](auto const& score) {
+                region.ForEachRow(pixels,
+                                  [&](T const* row, unsigned char const* maskRow, std::ptrdiff_t count) {
+                                      score(row, count, to + (row - pixels.Row(0)), maskRow);
+                                  });
             });
             return SOLVANE_OK;
         };
@@ -66,9 +78,10 @@ SOLVANE_RETURNCODE NormalizeBuffer(BufferAttributes buffer, int const* start, in
 
             Statistics<T> statistics{};
             AddToStatistics(range, buffer, Measure::kSums, statistics);
-            Moments const moments = MomentsOf(statistics);
-            ScoreRow(static_cast<T const*>(buffer.buffer) + range.First(), nullptr, range.Count(),
-                     moments.mean, moments.deviation, static_cast<T*>(output->buffer) + range.First());
+            auto const from = static_cast<T const*>(buffer.buffer) + range.First();
+            auto const to = static_cast<T*>(output->buffer) + range.First();
+            WithScores<T>(MomentsOf(statistics), range.Count(),
+                          [&](auto const& score) { score(from, range.Count(), to); });
             return SOLVANE_OK;
         };
         return Dispatch<std::uint8_t, std::uint16_t, float, double>(buffer.type, normalize, RefuseType);

@@ -2,11 +2,12 @@
 #include <Basics/RawFile.h>
 
 #include <algorithm>
-#include <cfloat>
-#include <cmath>
 #include <string>
 #include <utility>
 
+#include "primitives/ByteTable.h"
+#include "primitives/GreyRow.h"
+#include "primitives/StatisticsRow.h"
 #include "Source/Internal/Frame.h"
 #include "Source/Internal/Memory.h"
 #include "Source/Internal/RawBlock.h"
@@ -35,6 +36,9 @@ constexpr DumpKind kMask = {
     L"ZPA::DumpRawMask",  L"DumpRawMask() - NULL input pointer.", L"mask dumped to %S", ".", ".mask",
     sizeof(unsigned char)};
 
+// Pixels that are worked on at a time: a system call is cheap beside them, and the nearer caches hold them.
+constexpr std::ptrdiff_t kPart = 1 << 15;
+
 // Bytes of an image without padding.
 std::uint64_t PackedBytes(int width, int height, std::size_t elementSize) {
     if (width < 0) return kNoSize;
@@ -56,63 +60,45 @@ SOLVANE_RETURNCODE Dump(DumpKind const& kind, void const* data, int width, int h
     });
 }
 
-// In the current rounding mode, which is to nearest even unless the caller has changed it. 0 for what has no
-// place in a byte, as not-a-number.
-unsigned char RoundToByte(double value) {
-    // Beside this number a double has no room for a fraction: quicker than a call, where doubles are no
-    // wider.
-    constexpr double kShift = 6755399441055744.0;
-    double const rounded = FLT_EVAL_METHOD == 0 ? (value + kShift) - kShift : std::nearbyint(value);
-    return rounded >= 0 && rounded <= 255 ? static_cast<unsigned char>(static_cast<int>(rounded))
-                                          : std::uint8_t{0};
-}
-
-// Several at a time, since each comparison waits for the one before it. A comparison with not-a-number keeps
-// what there was.
-template <typename T> std::pair<T, T> MinimumAndMaximum(T const* pixels, std::int64_t count) {
-    constexpr int kLanes = 8;
-    T low[kLanes], high[kLanes];
-    std::fill_n(low, kLanes, pixels[0]);
-    std::fill_n(high, kLanes, pixels[0]);
-    auto const take = [&](T pixel, int lane) {
-        low[lane] = pixel < low[lane] ? pixel : low[lane];
-        high[lane] = pixel > high[lane] ? pixel : high[lane];
-    };
-    std::int64_t i = 0;
-    for (; i + kLanes <= count; i += kLanes)
-        for (int lane = 0; lane < kLanes; ++lane) take(pixels[i + lane], lane);
-    for (; i < count; ++i) take(pixels[i], 0);
-    return {*std::min_element(low, low + kLanes), *std::max_element(high, high + kLanes)};
+// Calls work(pixels, count) for one part after the other until it fails, and returns whether none did.
+template <typename T, typename Work> bool ForEachPart(T const* pixels, std::int64_t count, Work const& work) {
+    for (std::int64_t start = 0; start < count; start += kPart)
+        if (!work(pixels + start, static_cast<std::ptrdiff_t>(std::min<std::int64_t>(count - start, kPart))))
+            return false;
+    return true;
 }
 
 // Stretches the range of the pixels over that of a byte.
 template <typename T> class GreyScale {
 public:
-    GreyScale(T const* pixels, std::int64_t count) : scale_(0) {
-        auto const range = MinimumAndMaximum(pixels, count);
-        minimum_ = static_cast<double>(range.first);
-        auto const maximum = static_cast<double>(range.second);
-        if (maximum != minimum_) scale_ = 255 / (maximum - minimum_);
+    GreyScale(T const* pixels, std::int64_t count) {
+        Statistics<T> range{pixels[0], pixels[0]};
+        ForEachPart(pixels, count, [&](T const* part, std::ptrdiff_t size) {
+            AddToStatistics(part, nullptr, size, Measure::kRange, range);
+            return true;
+        });
+        black_ = static_cast<double>(range.smallest);
+        auto const white = static_cast<double>(range.largest);
+        scale_ = white != black_ ? 255 / (white - black_) : 0;
     }
-    unsigned char operator()(T pixel) const {
-        return RoundToByte((static_cast<double>(pixel) - minimum_) * scale_);
+    void operator()(T const* pixels, std::ptrdiff_t count, std::uint8_t* levels) const {
+        GreyRow(pixels, count, black_, scale_, levels);
     }
 
 private:
-    double minimum_;
+    double black_;
     double scale_;
 };
 
 template <typename T> bool WritePixels(T const* pixels, std::int64_t count, std::FILE* file) {
-    GreyScale<T> const grey(pixels, count);
-    constexpr std::int64_t kChunk = 1 << 14;
-    unsigned char bytes[kChunk];
-    for (; count > 0; pixels += kChunk, count -= kChunk) {
-        auto const size = static_cast<std::size_t>(std::min(count, kChunk));
-        std::transform(pixels, pixels + size, bytes, grey);
-        if (std::fwrite(bytes, 1, size, file) != size) return false;
-    }
-    return true;
+    return WithTable<T>(GreyScale<T>(pixels, count), count, [&](auto const& grey) {
+        std::uint8_t levels[kPart];
+        return ForEachPart(pixels, count, [&](T const* part, std::ptrdiff_t size) {
+            grey(part, size, levels);
+            auto const bytes = static_cast<std::size_t>(size);
+            return std::fwrite(levels, 1, bytes, file) == bytes;
+        });
+    });
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Means over blocks: sums of columns, added up along the row, and divided by a product with the reciprocal.
+// Means over blocks of 16-bit pixels: sums of columns, added up along the row, and divided by a product with the reciprocal.
 #include "primitives/BlockMeans.h"
 
 #include <algorithm>
@@ -7,6 +7,8 @@
 #define HWY_TARGET_INCLUDE "primitives/BlockMeans.cpp"
 #include <hwy/foreach_target.h>  // before highway.h
 #include <hwy/highway.h>
+
+#include "primitives/AddColumns-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace ZPA::HWY_NAMESPACE {
@@ -183,30 +185,6 @@ std::ptrdiff_t RunWithoutByTwo(T code, T const* pixels, std::ptrdiff_t stride, s
 }
 
 #endif
-
-// Adds up neighbours, in place: `side` columns at a time become one.
-void AddColumns(std::int32_t* sums, std::ptrdiff_t blocks, std::ptrdiff_t side) {
-    for (; side % 2 == 0; side /= 2) {
-        std::ptrdiff_t const pairs = blocks * side / 2;
-        std::ptrdiff_t x = 0;
-#if HWY_TARGET != HWY_SCALAR
-        Sums const d;
-        for (; x + kLanes <= pairs; x += kLanes) {
-            auto const left = hn::LoadU(d, sums + 2 * x);
-            auto const right = hn::LoadU(d, sums + 2 * x + kLanes);
-            hn::StoreU(hn::Add(hn::ConcatEven(d, right, left), hn::ConcatOdd(d, right, left)), d, sums + x);
-        }
-#endif
-        for (; x < pairs; ++x) sums[x] = sums[2 * x] + sums[2 * x + 1];
-    }
-    if (side == 1) return;
-    for (std::ptrdiff_t block = 0; block < blocks; ++block) {
-        std::int32_t const* const of = sums + block * side;
-        std::int32_t sum = of[0] + of[1] + of[2];
-        for (std::ptrdiff_t x = 3; x < side; ++x) sum += of[x];
-        sums[block] = sum;
-    }
-}
 
 template <typename T>
 void DivideByShift(std::int32_t const* sums, std::ptrdiff_t blocks, int shift, T* means) {

@@ -7,12 +7,6 @@
 
 namespace ZPA {
 
-// Rows and columns of the tile of the product that the registers hold.
-struct TileShape {
-    int rows;
-    int columns;
-};
-
 // A matrix whose rows and columns may be any number of elements apart.
 template <typename T> struct Matrix {
     T* first;
@@ -25,16 +19,28 @@ template <typename T> struct Matrix {
     }
 };
 
-// A part of the product, and the packed panels that it is made of: of the first factor, each `depth` columns
-// of as many elements as a tile has rows; of the second, `depth` rows of as many as it has columns.
+// A part of the product, and what it is made of: `depth` columns of the first factor and rows of the second. The
+// elements of a row lie side by side: in the first factor all, in the second those of a tile.
 template <typename T> struct Block {
-    T const* rowPanels;
-    T const* columnPanels;
+    Matrix<T const> first;
+    Matrix<T const> second;
     int depth;
     Matrix<T> product;
     int rows;
     int columns;
     bool adds;  // to what the product holds; else from zero on
+};
+
+// The kernels of a SIMD target.
+template <typename T> struct Kernels {
+    // The tile of the product that the registers hold: two vectors wide, or one at the end of a row.
+    int tileRows;
+    int tileColumns;
+    // Some rows as they lie in panels, which are as wide as a tile and `depth` rows high. The last panel is filled
+    // up with zeros.
+    void (*packColumns)(Matrix<T const> const& from, int columns, int rows, T* panels, int depth);
+    // Where the second factor is not packed, the columns are whole vectors.
+    void (*multiply)(Block<T> const& block);
 };
 
 }  // namespace ZPA

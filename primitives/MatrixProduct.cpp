@@ -1,5 +1,5 @@
-// Matrix product: both factors are packed into panels that fit the caches, and a tile of the product at a
-// time is summed in registers.
+// Matrix product: parts of both factors that fit the caches are packed where that pays, and a tile of the product
+// at a time is summed in registers.
 #include "primitives/MatrixProduct.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -30,65 +30,100 @@ constexpr int kTileRows = 6;
 template <typename T> constexpr int kLanes = static_cast<int>(hn::MaxLanes(hn::ScalableTag<T>()));
 template <typename T> constexpr int kTileColumns = 2 * kLanes<T>;
 
-// The tile at `product`, whose rows are `stride` elements apart. The indices are a pack so that all sums stay
-// in registers.
-template <typename T, std::size_t... Row>
-HWY_INLINE void MultiplyTile(T const* HWY_RESTRICT rows, T const* HWY_RESTRICT columns, int depth,
+template <typename T>
+void PackColumns(Matrix<T const> const& from, int columns, int rows, T* panels, int depth) {
+    hn::ScalableTag<T> const d;
+    for (int k = 0; k < rows; ++k, panels += kTileColumns<T>) {
+        T* to = panels;
+        for (int x = 0; x < columns; x += kTileColumns<T>, to += std::ptrdiff_t{kTileColumns<T>} * depth) {
+            T const* const row = from.At(k, x);
+            int const width = std::min(kTileColumns<T>, columns - x);
+            if (width == kTileColumns<T> && from.columnStride == 1) {
+                hn::Store(hn::LoadU(d, row), d, to);
+                hn::Store(hn::LoadU(d, row + kLanes<T>), d, to + kLanes<T>);
+            } else {
+                hn::Store(hn::Zero(d), d, to);
+                hn::Store(hn::Zero(d), d, to + kLanes<T>);
+                for (int i = 0; i < width; ++i) to[i] = row[i * from.columnStride];
+            }
+        }
+    }
+}
+
+// A tile of the product, one or two vectors wide. The indices are a pack so that all sums stay in registers.
+template <typename T, bool kTwo, std::size_t... Row>
+HWY_INLINE void MultiplyTile(T const* HWY_RESTRICT first, std::ptrdiff_t firstStride,
+                             T const* HWY_RESTRICT second, std::ptrdiff_t secondStride, int depth,
                              T* HWY_RESTRICT product, std::ptrdiff_t stride, bool adds,
                              std::index_sequence<Row...>) {
     hn::ScalableTag<T> const d;
     using Vector = hn::Vec<decltype(d)>;
-    constexpr int kRight = kLanes<T>;
+    constexpr int kRight = kTwo ? kLanes<T> : 0;
     auto const start = [&](T const* from) HWY_ATTR { return adds ? hn::LoadU(d, from) : hn::Zero(d); };
+    T const* const rows[] = {first + static_cast<std::ptrdiff_t>(Row) * firstStride...};
     Vector left[] = {start(product + static_cast<std::ptrdiff_t>(Row) * stride)...};
     Vector right[] = {start(product + static_cast<std::ptrdiff_t>(Row) * stride + kRight)...};
     for (int k = 0; k < depth; ++k) {
-        auto const columnLeft = hn::Load(d, columns), columnRight = hn::Load(d, columns + kRight);
+        auto const columnLeft = hn::LoadU(d, second), columnRight = hn::LoadU(d, second + kRight);
         auto const add = [&](Vector element, Vector& sumLeft, Vector& sumRight) HWY_ATTR {
             sumLeft = hn::MulAdd(element, columnLeft, sumLeft);
-            sumRight = hn::MulAdd(element, columnRight, sumRight);
+            if (kTwo) sumRight = hn::MulAdd(element, columnRight, sumRight);
         };
-        (add(hn::Set(d, rows[Row]), left[Row], right[Row]), ...);
-        rows += kTileRows;
-        columns += kTileColumns<T>;
+        (add(hn::Set(d, rows[Row][k]), left[Row], right[Row]), ...);
+        second += secondStride;
     }
     (hn::StoreU(left[Row], d, product + static_cast<std::ptrdiff_t>(Row) * stride), ...);
-    (hn::StoreU(right[Row], d, product + static_cast<std::ptrdiff_t>(Row) * stride + kRight), ...);
+    if (kTwo) (hn::StoreU(right[Row], d, product + static_cast<std::ptrdiff_t>(Row) * stride + kRight), ...);
+}
+
+template <typename T, bool kTwo, std::size_t kRows>
+void MultiplyRows(T const* first, std::ptrdiff_t firstStride, T const* second, std::ptrdiff_t secondStride,
+                  int depth, T* product, std::ptrdiff_t stride, bool adds) {
+    MultiplyTile<T, kTwo>(first, firstStride, second, secondStride, depth, product, stride, adds,
+                          std::make_index_sequence<kRows>());
+}
+
+// The kernel for tiles of some rows, which are one more than the index.
+template <typename T, bool kTwo, std::size_t... Index> auto TileOf(int rows, std::index_sequence<Index...>) {
+    static constexpr decltype(&MultiplyRows<T, kTwo, 1>) kTiles[] = {MultiplyRows<T, kTwo, Index + 1>...};
+    return kTiles[rows - 1];
 }
 
 template <typename T> void Multiply(Block<T> const& block) {
-    constexpr std::make_index_sequence<kTileRows> kRowIndices{};
-    HWY_ALIGN T edge[kTileRows * kTileColumns<T>] = {};
+    constexpr std::make_index_sequence<kTileRows> kHeights{};
     for (int x = 0; x < block.columns; x += kTileColumns<T>) {
-        T const* const columns = block.columnPanels + std::ptrdiff_t{x} * block.depth;
         int const width = std::min(kTileColumns<T>, block.columns - x);
-        for (int y = 0; y < block.rows; y += kTileRows) {
-            T const* const rows = block.rowPanels + std::ptrdiff_t{y} * block.depth;
-            int const height = std::min(kTileRows, block.rows - y);
-            T* const tile = block.product.At(y, x);
-            bool const whole =
-                height == kTileRows && width == kTileColumns<T> && block.product.columnStride == 1;
+        bool const whole = width % kLanes<T> == 0 && block.product.columnStride == 1;
+        // Of about equal height: a last one of few rows would have too few sums under way.
+        int tiles = (block.rows + kTileRows - 1) / kTileRows;
+        for (int y = 0, height; y < block.rows; y += height, --tiles) {
+            height = (block.rows - y + tiles - 1) / tiles;
+            auto const kernel =
+                width > kLanes<T> ? TileOf<T, true>(height, kHeights) : TileOf<T, false>(height, kHeights);
+            auto const multiply = [&](T* product, std::ptrdiff_t stride) {
+                kernel(block.first.At(y, 0), block.first.rowStride, block.second.At(0, x),
+                       block.second.rowStride, block.depth, product, stride, block.adds);
+            };
             if (whole) {
-                MultiplyTile(rows, columns, block.depth, tile, block.product.rowStride, block.adds,
-                             kRowIndices);
+                multiply(block.product.At(y, x), block.product.rowStride);
                 continue;
             }
             // A tile that leaves the product is made aside.
+            HWY_ALIGN T edge[kTileRows * kTileColumns<T>] = {};
             auto const forEachElement = [&](auto const& visit) {
                 for (int j = 0; j < height; ++j)
                     for (int i = 0; i < width; ++i)
                         visit(edge[j * kTileColumns<T> + i], *block.product.At(y + j, x + i));
             };
             if (block.adds) forEachElement([](T& inner, T const& outer) { inner = outer; });
-            MultiplyTile(rows, columns, block.depth, edge, kTileColumns<T>, block.adds, kRowIndices);
+            multiply(edge, kTileColumns<T>);
             forEachElement([](T const& inner, T& outer) { outer = inner; });
         }
     }
 }
 
-#define ZPA_KERNEL(name, T)                                         \
-    TileShape Tile##name() { return {kTileRows, kTileColumns<T>}; } \
-    void Multiply##name(Block<T> const& block) { Multiply(block); }
+#define ZPA_KERNEL(name, T) \
+    Kernels<T> KernelsFor##name() { return {kTileRows, kTileColumns<T>, PackColumns<T>, Multiply<T>}; }
 ZPA_KERNEL(32f, float)
 ZPA_KERNEL(64f, double)
 #undef ZPA_KERNEL
@@ -104,13 +139,20 @@ namespace {
 constexpr int kDepth = 256;          // of panels: a few of them fit the first cache
 constexpr int kPacked = 4096;        // rows of the first factor, and columns of the second, packed at once
 constexpr int kGroupBytes = 131072;  // of a factor that a thread works on at once, in the second cache
+
+// Products that are smaller read a factor where it lies, since packed elements are not used often enough.
+constexpr int kColumnsToPackRows = 256;
+constexpr int kRowsToPackColumns = 64;
+constexpr int kShortRow = 64;  // of the second factor: columns of long ones are packed, as they lie far apart
+
 constexpr int kMultiplyAddsPerByte = 4;  // done in the time that moving a byte takes
 
-// Memory for packed panels, aligned for the widest vector; null if there is none.
-template <typename T> class Panels {
+// Memory for what is packed, aligned for the widest vector; null if there is none or nothing is packed.
+template <typename T> class PackedElements {
 public:
-    Panels(int lines, int depth) {
-        std::size_t bytes = static_cast<std::size_t>(lines) * static_cast<std::size_t>(depth) * sizeof(T);
+    explicit PackedElements(std::ptrdiff_t count) {
+        if (count == 0) return;
+        std::size_t const bytes = static_cast<std::size_t>(count) * sizeof(T);
         std::size_t space = bytes + kAlignment;
         memory_.reset(new (std::nothrow) unsigned char[space]);
         void* start = memory_.get();
@@ -124,57 +166,53 @@ private:
     T* first_ = nullptr;
 };
 
-int RoundedUp(int count, int unit) { return (count + unit - 1) / unit * unit; }
+int Parts(int count, int unit) { return (count + unit - 1) / unit; }
 
-// Panels of rows: one column after the other. The last one is filled up with zeros.
-template <typename T>
-void PackRows(Matrix<T const> const& from, int rows, int depth, int panelRows, T* panels) noexcept {
-    ForEachRow(RoundedUp(rows, panelRows) / panelRows, std::int64_t{2 * sizeof(T)} * panelRows * depth,
-               [&](int which) noexcept {
-                   T* const panel = panels + std::ptrdiff_t{which} * panelRows * depth;
-                   for (int i = 0; i < panelRows; ++i) {
-                       int const y = which * panelRows + i;
-                       for (int k = 0; k < depth; ++k)
-                           panel[k * panelRows + i] = y < rows ? *from.At(y, k) : T(0);
-                   }
-               });
+// Elements from packed row to packed row: an odd number of cache lines, so that the rows of a tile do not meet in
+// one set of the cache.
+template <typename T> int PackedStride(int depth) {
+    constexpr int kLine = 64 / int{sizeof(T)};
+    return (Parts(depth, kLine) | 1) * kLine;
 }
 
-// Panels of columns: one row after the other. The last one is filled up with zeros.
+// Both return the factor as it is packed.
 template <typename T>
-void PackColumns(Matrix<T const> const& from, int columns, int depth, int panelColumns, T* panels) noexcept {
-    ForEachRow(depth, std::int64_t{2 * sizeof(T)} * columns, [&](int k) noexcept {
-        for (int x = 0; x < columns; x += panelColumns) {
-            T* const to = panels + std::ptrdiff_t{x} * depth + std::ptrdiff_t{k} * panelColumns;
-            int const width = std::min(panelColumns, columns - x);
-            if (from.columnStride == 1)
-                std::copy_n(from.At(k, x), width, to);
-            else
-                for (int i = 0; i < width; ++i) to[i] = *from.At(k, x + i);
-            std::fill(to + width, to + panelColumns, T(0));
-        }
+Matrix<T const> PackRows(Matrix<T const> const& from, int rows, int depth, T* to,
+                         std::ptrdiff_t stride) noexcept {
+    ForEachRow(rows, std::int64_t{2 * sizeof(T)} * depth, [&](int y) noexcept {
+        T* const row = to + y * stride;
+        if (from.columnStride == 1)
+            std::copy_n(from.At(y, 0), depth, row);
+        else
+            for (int k = 0; k < depth; ++k) row[k] = *from.At(y, k);
     });
+    return {to, stride, 1};
 }
 
-template <typename T> struct Kernels {
-    TileShape tile;
-    void (*multiply)(Block<T> const&);
-};
+template <typename T>
+Matrix<T const> PackColumns(Kernels<T> const& kernels, Matrix<T const> const& from, int columns, int depth,
+                            T* panels) noexcept {
+    constexpr int kRows = 32;  // enough for the call of a kernel not to count
+    ForEachRow(Parts(depth, kRows), std::int64_t{2 * sizeof(T)} * kRows * columns, [&](int which) noexcept {
+        int const k = which * kRows;
+        kernels.packColumns(from.From(k, 0), columns, std::min(kRows, depth - k),
+                            panels + std::ptrdiff_t{k} * kernels.tileColumns, depth);
+    });
+    return {panels, kernels.tileColumns, depth};
+}
 
-// The block in groups of tiles, whose panels stay in the second cache.
+// The block in groups of tiles, whose parts of the factors stay in the second cache.
 template <typename T> void MultiplyGroups(Kernels<T> const& kernels, Block<T> const& block) noexcept {
     auto const groupOf = [](int tileLines) {
         return std::max(1, kGroupBytes / (kDepth * int{sizeof(T)} * tileLines)) * tileLines;
     };
-    int const groupRows = groupOf(kernels.tile.rows), groupColumns = groupOf(kernels.tile.columns);
-    int const down = RoundedUp(block.rows, groupRows) / groupRows;
-    int const across = RoundedUp(block.columns, groupColumns) / groupColumns;
+    int const groupRows = groupOf(kernels.tileRows), groupColumns = groupOf(kernels.tileColumns);
+    int const down = Parts(block.rows, groupRows), across = Parts(block.columns, groupColumns);
     std::int64_t const multiplyAdds =
         std::int64_t{std::min(groupRows, block.rows)} * std::min(groupColumns, block.columns) * block.depth;
     ForEachRow(down * across, multiplyAdds / kMultiplyAddsPerByte, [&](int which) noexcept {
         int const y = which % down * groupRows, x = which / down * groupColumns;
-        kernels.multiply({block.rowPanels + std::ptrdiff_t{y} * block.depth,
-                          block.columnPanels + std::ptrdiff_t{x} * block.depth, block.depth,
+        kernels.multiply({block.first.From(y, 0), block.second.From(0, x), block.depth,
                           block.product.From(y, x), std::min(groupRows, block.rows - y),
                           std::min(groupColumns, block.columns - x), block.adds});
     });
@@ -184,22 +222,31 @@ template <typename T> void MultiplyGroups(Kernels<T> const& kernels, Block<T> co
 template <typename T>
 Status Multiply(Kernels<T> const& kernels, Matrix<T const> const& first, Matrix<T const> const& second,
                 Matrix<T> const& product, int height, int width, int length) noexcept {
-    int const blockRows = RoundedUp(std::min(height, kPacked), kernels.tile.rows);
-    int const blockColumns = RoundedUp(std::min(width, kPacked), kernels.tile.columns);
+    bool const packsRows = first.columnStride != 1 || width >= kColumnsToPackRows;
+    bool const packsColumns = second.columnStride != 1 || second.rowStride > kShortRow ||
+                              height >= kRowsToPackColumns || width % (kernels.tileColumns / 2) != 0;
+    int const blockRows = std::min(height, kPacked);
+    int const blockColumns = Parts(std::min(width, kPacked), kernels.tileColumns) * kernels.tileColumns;
     int const blockDepth = std::min(length, kDepth);
-    Panels<T> const rowPanels(blockRows, blockDepth), columnPanels(blockColumns, blockDepth);
-    if (!rowPanels.First() || !columnPanels.First()) return kNoMemory;
+    std::ptrdiff_t const packedStride = PackedStride<T>(blockDepth);
+    std::ptrdiff_t const rowElements = packsRows ? blockRows * packedStride : 0;
+    std::ptrdiff_t const columnElements = packsColumns ? std::ptrdiff_t{blockColumns} * blockDepth : 0;
+    PackedElements<T> const packed(columnElements + rowElements);
+    if (!packed.First() && (packsRows || packsColumns)) return kNoMemory;
 
     for (std::int64_t x = 0; x < width; x += blockColumns)
         for (std::int64_t k = 0; k < length; k += blockDepth) {
             int const columns = static_cast<int>(std::min<std::int64_t>(blockColumns, width - x));
             int const depth = static_cast<int>(std::min<std::int64_t>(blockDepth, length - k));
-            PackColumns(second.From(k, x), columns, depth, kernels.tile.columns, columnPanels.First());
+            Matrix<T const> right = second.From(k, x);
+            if (packsColumns) right = PackColumns(kernels, right, columns, depth, packed.First());
             for (std::int64_t y = 0; y < height; y += blockRows) {
                 int const rows = static_cast<int>(std::min<std::int64_t>(blockRows, height - y));
-                PackRows(first.From(y, k), rows, depth, kernels.tile.rows, rowPanels.First());
-                MultiplyGroups(kernels, Block<T>{rowPanels.First(), columnPanels.First(), depth,
-                                                 product.From(y, x), rows, columns, k > 0});
+                Matrix<T const> left = first.From(y, k);
+                if (packsRows)
+                    left = PackRows(left, rows, depth, packed.First() + columnElements, packedStride);
+                MultiplyGroups(kernels,
+                               Block<T>{left, right, depth, product.From(y, x), rows, columns, k > 0});
             }
         }
     return kDone;
@@ -223,14 +270,13 @@ Status CheckAndMultiply(Kernels<T> const& kernels, Matrix<T const> first, int fi
 }  // namespace
 
 #define ZPA_PRODUCT(name, T)                                                                                 \
-    HWY_EXPORT(Tile##name);                                                                                  \
-    HWY_EXPORT(Multiply##name);                                                                              \
+    HWY_EXPORT(KernelsFor##name);                                                                            \
     Status ippmMul_mm_##name(T const* first, std::ptrdiff_t firstStride1, std::ptrdiff_t firstStride2,       \
                              int firstWidth, int firstHeight, T const* second, std::ptrdiff_t secondStride1, \
                              std::ptrdiff_t secondStride2, int secondWidth, int secondHeight, T* product,    \
                              std::ptrdiff_t productStride1, std::ptrdiff_t productStride2) noexcept {        \
-        Kernels<T> const kernels{HWY_DYNAMIC_DISPATCH(Tile##name)(), HWY_DYNAMIC_DISPATCH(Multiply##name)};  \
-        return CheckAndMultiply<T>(kernels, {first, firstStride1, firstStride2}, firstWidth, firstHeight,    \
+        return CheckAndMultiply<T>(HWY_DYNAMIC_DISPATCH(KernelsFor##name)(),                                 \
+                                   {first, firstStride1, firstStride2}, firstWidth, firstHeight,             \
                                    {second, secondStride1, secondStride2}, secondWidth, secondHeight,        \
                                    {product, productStride1, productStride2});                               \
     }

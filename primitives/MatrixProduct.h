@@ -16,7 +16,7 @@ namespace ZPA {
 //
 // kNullPointer, kBadSize for a width or height below 1 or where the first width is not the second height,
 // kBadArgument for a stride that is no multiple of the element, kNoMemory without room for packed parts of
-// both; then nothing is written.
+// them, which small products do without; then nothing is written.
 Status ippmMul_mm_32f(float const* first, std::ptrdiff_t firstStride1, std::ptrdiff_t firstStride2,
                       int firstWidth, int firstHeight, float const* second, std::ptrdiff_t secondStride1,
                       std::ptrdiff_t secondStride2, int secondWidth, int secondHeight, float* product,

@@ -154,6 +154,26 @@ TEST(BagAddition, KeepsPlacesAndLetsTheSourceWin) {
     EXPECT_EQ(target->Get("new").GetPointer(), source->Get("new").GetPointer());
 }
 
+TEST(BagAddition, ToManyKeysFindsTheNewOnes) {
+    ZPA_Ptr<Bag> target = NewBag();
+    ZPA_Ptr<Bag> const source = NewBag();
+    for (int i = 0; i < 100; ++i) target->Set("key" + std::to_string(i), i);
+    for (char const* key : {"key7", "one", "two"}) source->Set(key, 200);
+    for (int i = 0; i < 2; ++i) {
+        BagAddition(target, source);
+        EXPECT_EQ(target->Key().size(), 102u);
+        for (char const* key : {"key7", "one", "two"}) EXPECT_EQ(target->Get(key).Get<int>(), 200);
+        EXPECT_EQ(target->Get("key99").Get<int>(), 99);
+    }
+    source->Rename("two", "one");  // stands twice, and is new
+    target->Remove("one");
+    source->Remove("key7");
+    BagAddition(target, source);
+    EXPECT_EQ(target->Key().size(), 103u);
+    target->Remove("one");
+    EXPECT_EQ(target->Get("one").Get<int>(), 200);
+}
+
 TEST(BagAddition, MergesBagsAtEveryDepth) {
     ZPA_Ptr<Bag> target = NewBag(), b = NewBag(), c = NewBag();
     target->Set("b", b);

@@ -23,8 +23,7 @@ TEST(Filter2D, FiltersARegionToAnyPlace) {
     auto expected = destination;
     for (int y = 0; y < 13; ++y)
         for (int x = 0; x < 17; ++x) expected.At(1 + x, 4 + y) = ModelPixel(source, kernel, 3, 2 + x, 1 + y);
-    ImageAttributes output = destination.Attributes();
-    ASSERT_EQ(Filter2D(source.Attributes(), &roi, &output, &origin, kernel.Attributes(), &divisor),
+    ASSERT_EQ(Filter2D(source.Attributes(), &roi, destination.Into(), &origin, kernel.Attributes(), &divisor),
               SOLVANE_OK);
     EXPECT_TRUE(destination == expected);
 }
@@ -51,15 +50,12 @@ TEST(Filter2D, MakesTheDestinationWithRoomForTheOrigin) {
 
 TEST(Filter2D, RefusesInItsOrder) {
     alignas(8) static unsigned char pixels[4096], others[4096], weights[4096];
-    auto const of = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, pixels, width, height, stride, 16, 3);
+    auto const over = [](unsigned char* elements) {
+        return [=](eTypeCode type, int width, int height, int stride) {
+            return ImageAttributes(type, elements, width, height, stride, 16, 3);
+        };
     };
-    auto const into = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, others, width, height, stride, 16, 3);
-    };
-    auto const kernel = [&](eTypeCode type, int width, int height, int stride) {
-        return ImageAttributes(type, weights, width, height, stride, 0, 0);
-    };
+    auto const of = over(pixels), into = over(others), kernel = over(weights);
     constexpr auto kDestination = L"The destination image pointer was NULL or pointed to the source.";
     constexpr auto kOutOfSource = L"The ROI was out of bounds in the source image.";
     constexpr auto kOutOfDestination = L"The ROI was out of bounds in the destination image.";
@@ -158,11 +154,12 @@ TEST(Filter2D, WritesNothingWithoutMemory) {
     auto kernel = RandomKernel<double>({3, 3, 3}, 1, 2);
     TestImage<double> destination({28, 28, 28});
     auto const before = destination;
-    ImageAttributes output = destination.Attributes(), made;
+    ImageAttributes made;
     CapturedLog const log;
     NoMemory const none;
-    EXPECT_EQ(Filter2D(image.Attributes(), nullptr, &output, nullptr, kernel.Attributes(), nullptr),
-              SOLVANE_OUT_OF_MEMORY);
+    EXPECT_EQ(
+        Filter2D(image.Attributes(), nullptr, destination.Into(), nullptr, kernel.Attributes(), nullptr),
+        SOLVANE_OUT_OF_MEMORY);
     EXPECT_EQ(log.Text().substr(0, 46),
               L"Filter2D: Memory allocation failed for " + log.Text().substr(39, 7));
     EXPECT_TRUE(destination == before);

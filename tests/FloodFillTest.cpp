@@ -2,10 +2,8 @@
 #include <Basics/Regions.h>
 #include <gtest/gtest.h>
 
-#include <deque>
-
 #include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/ConnectedPixels.h"
 #include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
@@ -13,31 +11,6 @@ namespace ZPA {
 namespace {
 
 using namespace Testing;
-
-// Both sides of a word of 64 pixels, and of several.
-constexpr Shape kSizes[] = {{1, 1, 1},   {1, 9, 4},     {9, 1, 9},      {63, 7, 70},    {64, 8, 64},
-                            {65, 9, 65}, {128, 5, 130}, {130, 20, 140}, {4200, 3, 4200}};
-
-template <typename T> void ModelFill(TestImage<T>& image, int seedX, int seedY, T value, int connectivity) {
-    T const wanted = image.At(seedX, seedY);
-    if (wanted == value) return;
-    std::deque<APOINT> open = {APOINT(seedX, seedY)};
-    image.At(seedX, seedY) = value;
-    while (!open.empty()) {
-        APOINT const at = open.front();
-        open.pop_front();
-        for (int dy = -1; dy <= 1; ++dy)
-            for (int dx = -1; dx <= 1; ++dx) {
-                int const x = at.x + dx, y = at.y + dy;
-                bool const neighbour = connectivity != 4 || dx == 0 || dy == 0;
-                if (!neighbour || x < 0 || y < 0 || x >= image.shape.width || y >= image.shape.height)
-                    continue;
-                if (image.At(x, y) != wanted) continue;
-                image.At(x, y) = value;
-                open.push_back(APOINT(x, y));
-            }
-    }
-}
 
 template <typename T> void ModelFillBorder(TestImage<T>& image, T background, T value, int connectivity) {
     auto const fill = [&](int x, int y) {
@@ -67,9 +40,9 @@ template <typename T>
 TestImage<T> Porous(Shape shape, unsigned seed, double share, T value, T other, T third) {
     std::mt19937 random(seed);
     TestImage<T> image(shape);
-    for (std::size_t i = 0; i < image.Size(); ++i) {
+    for (T& pixel : image) {
         double const chance = static_cast<double>(random()) / 4294967296.0;
-        image.Pixels()[i] = chance < share ? value : random() % 8 ? other : third;
+        pixel = chance < share ? value : random() % 8 ? other : third;
     }
     return image;
 }
@@ -86,61 +59,60 @@ template <typename T> TestImage<T> Serpentine(int side, bool alongRows) {
     return image;
 }
 
+// On every instruction set.
+template <typename T>
+void ExpectFillOfModel(TestImage<T> const& image, int seedX, int seedY, T value, int connectivity) {
+    auto expected = image;
+    ModelFill(expected, seedX, seedY, value, connectivity);
+    ForEachSimdTarget([&] {
+        SCOPED_TRACE(testing::Message() << image.shape << ", " << connectivity);
+        auto filled = image;
+        ASSERT_EQ(FloodFill(filled.Attributes(), seedX, seedY, value + 65536, connectivity), SOLVANE_OK);
+        ASSERT_TRUE(filled == expected);
+    });
+}
+
+template <typename T> void ExpectHolesOfModel(TestImage<T> const& image, int connectivity) {
+    auto expected = image;
+    ModelFillHoles(expected, connectivity);
+    ForEachSimdTarget([&] {
+        SCOPED_TRACE(testing::Message() << image.shape << ", " << connectivity);
+        auto filled = image;
+        ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
+        ASSERT_TRUE(filled == expected);
+    });
+}
+
 template <typename T> class Filling : public testing::Test {};
 using Served = testing::Types<unsigned char, unsigned short>;
 TYPED_TEST_SUITE(Filling, Served, );
 
 TYPED_TEST(Filling, RegionsAsAPlainSearchDoes) {
     using T = TypeParam;
-    for (Shape const shape : kSizes)
+    for (Shape const shape : kWordShapes)
         for (double const share : {0.4, 0.5, 0.6, 0.9, 1.0})
-            for (int const connectivity : {4, 8, 6}) {
-                auto const image = Porous<T>(shape, 3, share, 0, 200, 9);
-                auto expected = image;
-                int const seedX = shape.width / 2, seedY = shape.height / 3;
-                ModelFill<T>(expected, seedX, seedY, 77, connectivity);
-                ForEachSimdTarget([&] {
-                    SCOPED_TRACE(testing::Message() << shape << ", share " << share << ", " << connectivity);
-                    auto filled = image;
-                    ASSERT_EQ(FloodFill(filled.Attributes(), seedX, seedY, 77 + 65536, connectivity),
-                              SOLVANE_OK);
-                    ASSERT_TRUE(filled == expected);
-                });
-            }
+            for (int const connectivity : {4, 8, 6})
+                ExpectFillOfModel<T>(Porous<T>(shape, 3, share, 0, 200, 9), shape.width / 2, shape.height / 3,
+                                     77, connectivity);
 }
 
 TYPED_TEST(Filling, LongPathsToTheirEnd) {
     for (int const side : {5, 64, 131})
-        for (bool const alongRows : {false, true}) {
-            auto image = Serpentine<TypeParam>(side, alongRows);
-            auto expected = image;
-            ModelFill<TypeParam>(expected, 0, 0, 5, 4);
-            ASSERT_EQ(FloodFill(image.Attributes(), 0, 0, 5, 4), SOLVANE_OK);
-            EXPECT_TRUE(image == expected) << side;
-        }
+        for (bool const alongRows : {false, true})
+            ExpectFillOfModel<TypeParam>(Serpentine<TypeParam>(side, alongRows), 0, 0, 5, 4);
 }
 
 TYPED_TEST(Filling, HolesAsThreeStagesDo) {
     using T = TypeParam;
-    T const marker = std::numeric_limits<T>::max();
-    for (Shape const shape : kSizes)
+    for (Shape const shape : kWordShapes)
         for (double const share : {0.0, 0.3, 0.5, 0.6, 1.0})
-            for (int const connectivity : {4, 8, 6}) {
-                // Foreground of one value, of two labels, and of the marker's value.
-                for (T const other : {T{1}, T{200}, marker}) {
+            // Foreground of one value, of two labels, and of the marker's value.
+            for (T const other : {T{1}, T{200}, std::numeric_limits<T>::max()})
+                for (int const connectivity : {4, 8, 6}) {
                     auto image = Porous<T>(shape, 4, share, 0, other, 3);
                     if (connectivity == 6) ModelFillBorder(image, T{0}, other, 4);  // only holes are left
-                    auto expected = image;
-                    ModelFillHoles(expected, connectivity);
-                    ForEachSimdTarget([&] {
-                        SCOPED_TRACE(testing::Message()
-                                     << shape << ", share " << share << ", " << connectivity);
-                        auto filled = image;
-                        ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
-                        ASSERT_TRUE(filled == expected);
-                    });
+                    ExpectHolesOfModel(image, connectivity);
                 }
-            }
 }
 
 // Holes of all widths beside each other, some wider than a word of 64 pixels, in stripes of labels.
@@ -158,16 +130,7 @@ TYPED_TEST(Filling, HolesOfLabelledStripes) {
                 int const right = std::min(333, left + 1 + static_cast<int>(random() % 70));
                 for (int x = left; x < right; ++x) image.At(x, y) = 0;
             }
-            for (int const connectivity : {4, 8}) {
-                auto expected = image;
-                ModelFillHoles(expected, connectivity);
-                ForEachSimdTarget([&] {
-                    SCOPED_TRACE(testing::Message() << stripe << ", " << +largest << ", " << connectivity);
-                    auto filled = image;
-                    ASSERT_EQ(FillHoles(filled.Attributes(), connectivity), SOLVANE_OK);
-                    ASSERT_TRUE(filled == expected);
-                });
-            }
+            for (int const connectivity : {4, 8}) ExpectHolesOfModel(image, connectivity);
         }
 }
 
@@ -197,29 +160,17 @@ TEST(FloodFill, RefusesInItsOrder) {
 
 TEST(FillHoles, RefusesInItsOrder) {
     unsigned char pixels[64] = {};
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        int code;
-        std::wstring messages;
-    };
-    Case const cases[] = {
-        {"type", {eInt16, pixels, 2, 2, 2, 8, 0}, 6, L"Unsupported image datatype.\n"},
-        {"no width", {eByte, nullptr, 0, 2, 2, 8, 0}, 0, L""},
-        {"no height", {eUInt16, pixels, 2, 0, 2, 8, 0}, 0, L""},
-        {"null", {eByte, nullptr, 2, 2, 2, 8, 0}, 2, L"The input image had a NULL buffer pointer.\n"},
-        {"rows overlap", {eByte, pixels, 4, 2, 2, 8, 0}, 7, L"The image's rows overlap.\n"},
-        {"huge",
-         {eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0},
-         5,
-         kMemory + L"\nFloodFill top border background failed.\ntemplate_FloodBorderAreas to % failed.\n"},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        CapturedLog const log;
-        EXPECT_EQ(FillHoles(each.image, 8), each.code);
-        EXPECT_EQ(log.Texts(), each.messages);
-    }
+    auto const fill = [](ImageAttributes image) { return FillHoles(image, 8); };
+    EXPECT_REFUSAL(6, L"Unsupported image datatype.", fill({eInt16, pixels, 2, 2, 2, 8, 0}));
+    EXPECT_REFUSAL(0, L"", fill({eByte, nullptr, 0, 2, 2, 8, 0}));   // no width
+    EXPECT_REFUSAL(0, L"", fill({eUInt16, pixels, 2, 0, 2, 8, 0}));  // no height
+    EXPECT_REFUSAL(2, L"The input image had a NULL buffer pointer.", fill({eByte, nullptr, 2, 2, 2, 8, 0}));
+    EXPECT_REFUSAL(7, L"The image's rows overlap.", fill({eByte, pixels, 4, 2, 2, 8, 0}));
+    CapturedLog const log;
+    EXPECT_EQ(fill({eByte, pixels, INT_MAX, INT_MAX, INT_MAX, 8, 0}), 5);
+    EXPECT_EQ(
+        log.Texts(),
+        kMemory + L"\nFloodFill top border background failed.\ntemplate_FloodBorderAreas to % failed.\n");
 }
 
 TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
@@ -229,15 +180,12 @@ TEST(FillHoles, NeedsNoMemoryToSayWhereItFailed) {
     auto const top = L"FloodFill top border background failed.";
     auto const bottom = L"FloodFill bottom border background failed.";
     auto const before = std::vector<unsigned short>(pixels, pixels + 12);
-    struct Case {
-        unsigned short background;
-        wchar_t const* message;
-    };
     NoMemory const none;
-    for (Case const& each : {Case{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
+    for (auto const& [background, message] :
+         {std::pair{kTop, top}, {kBottom, bottom}, {kLeft, top}, {kRight, bottom}}) {
         CapturedLog const log;
-        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, each.background, 5, 4), 5);
-        EXPECT_EQ(log.Text(), each.message);
+        EXPECT_EQ(template_FloodBorderAreas<unsigned short>(image, background, 5, 4), 5);
+        EXPECT_EQ(log.Text(), message);
         EXPECT_EQ(log.Errors().front().message.find(L"template_FloodFill: Memory"), 0u);
         EXPECT_EQ(log.Errors().front().location.find(L"FloodFill.cpp("), 0u);
         EXPECT_EQ(log.Errors().back().location.find(L"FillHoles.cpp("), 0u);

@@ -6,10 +6,9 @@
 #include <complex>
 #include <cstring>
 #include <limits>
-#include <random>
-#include <vector>
 
 #include "support/CapturedLog.h"
+#include "support/Matrices.h"
 #include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
@@ -29,19 +28,13 @@ void Real2(double const* a, double const* b, double* x, double* y, int n) { real
 void RealInverse2(float* x, float const* y, float* a, float* b, int n) { realIFFT2(x, y, a, b, n); }
 void RealInverse2(double* x, double const* y, double* a, double* b, int n) { realIFFT2_DBL(x, y, a, b, n); }
 
-template <typename T> std::vector<T> Random(std::size_t count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> any(-1, 1);
-    std::vector<T> values(count);
-    for (T& value : values) value = static_cast<T>(any(random));
-    return values;
-}
-
-// exp(2 pi i k / n)
-Exact Root(std::size_t k, std::size_t n) {
-    long double const angle =
-        2 * std::acos(-1.0L) * static_cast<long double>(k % n) / static_cast<long double>(n);
-    return {std::cos(angle), std::sin(angle)};
+// exp(sign 2 pi i k / n)
+std::vector<Exact> Roots(std::size_t n, int sign) {
+    std::vector<Exact> roots;
+    for (std::size_t k = 0; k < n; ++k)
+        roots.push_back(std::polar(
+            1.0L, sign * 2 * std::acos(-1.0L) * static_cast<long double>(k) / static_cast<long double>(n)));
+    return roots;
 }
 
 template <typename T> std::vector<Exact> PointsOf(std::vector<T> const& pairs) {
@@ -55,8 +48,8 @@ template <typename T> std::vector<Exact> RealPoints(std::vector<T> const& values
 
 std::vector<Exact> Transformed(std::vector<Exact> const& points, int sign) {
     std::size_t const n = points.size();
-    std::vector<Exact> roots(n), sums(n);
-    for (std::size_t k = 0; k < n; ++k) roots[k] = sign > 0 ? Root(k, n) : std::conj(Root(k, n));
+    auto const roots = Roots(n, sign);
+    std::vector<Exact> sums(n);
     for (std::size_t k = 0; k < n; ++k) {
         for (std::size_t j = 0; j < n; ++j) sums[k] += points[j] * roots[j * k % n];
         if (sign < 0) sums[k] /= static_cast<long double>(n);
@@ -121,8 +114,7 @@ template <typename T> struct FewPoints {
     FewPoints(std::size_t n, int sign) : data(2 * n), expected(n) {
         std::size_t const places[] = {1, n / 2 + 1, n - 1, n / 3, n / 7};
         for (std::size_t const j : places) data[2 * j] += 1;
-        std::vector<Exact> roots(n);
-        for (std::size_t k = 0; k < n; ++k) roots[k] = sign > 0 ? Root(k, n) : std::conj(Root(k, n));
+        auto const roots = Roots(n, sign);
         for (std::size_t k = 0; k < n; ++k) {
             for (std::size_t const j : places) expected[k] += roots[j * k % n];
             if (sign < 0) expected[k] /= static_cast<long double>(n);
@@ -274,26 +266,17 @@ TEST(FourierTransforms, LeaveOtherNumbersOfPointsAlone) {
 }
 
 TEST(FourierTransforms, ReportNullPointers) {
-    struct Case {
-        void (*call)();
-        wchar_t const* message;
-    };
-    static float f[4];
-    static double d[4];
-    Case const cases[] = {
-        {[] { FFT(nullptr, 2, 1); }, L"FFT(): Null pointer."},
-        {[] { FFT_DBL(nullptr, 2, 1); }, L"FFT_DBL(): Null pointer."},
-        {[] { FFT2d_DBL(nullptr, 1, 1); }, L"FFT2d_DBL(): Null pointer."},
-        {[] { realFFT(nullptr, 1, 1); }, L"realFFT(): Null pointer."},
-        {[] { realFFT2(f, f, nullptr, f, 1); }, L"realFFT2(): Null pointer."},
-        {[] { realIFFT2(f, f, f, nullptr, 1); }, L"realIFFT2(): Null pointer."},
-        {[] { correl(f, nullptr, 2, f, f); }, L"correl(): Null pointer."},
-        {[] { correl_DBL(d, d, 2, nullptr); }, L"correl_DBL(): Null pointer."},
-        {[] { convlv_DBL(nullptr, d, 2); }, L"convlv_DBL(): Null pointer."},
-    };
-    for (Case const& each : cases) {
-        ExpectRefusal([&] { return each.call(), 2; }, 2, each.message);
-    }
+    float f[4] = {};
+    double d[4] = {};
+    EXPECT_REFUSAL(2, L"FFT(): Null pointer.", (FFT(nullptr, 2, 1), 2));
+    EXPECT_REFUSAL(2, L"FFT_DBL(): Null pointer.", (FFT_DBL(nullptr, 2, 1), 2));
+    EXPECT_REFUSAL(2, L"FFT2d_DBL(): Null pointer.", (FFT2d_DBL(nullptr, 1, 1), 2));
+    EXPECT_REFUSAL(2, L"realFFT(): Null pointer.", (realFFT(nullptr, 1, 1), 2));
+    EXPECT_REFUSAL(2, L"realFFT2(): Null pointer.", (realFFT2(f, f, nullptr, f, 1), 2));
+    EXPECT_REFUSAL(2, L"realIFFT2(): Null pointer.", (realIFFT2(f, f, f, nullptr, 1), 2));
+    EXPECT_REFUSAL(2, L"correl(): Null pointer.", (correl(f, nullptr, 2, f, f), 2));
+    EXPECT_REFUSAL(2, L"correl_DBL(): Null pointer.", (correl_DBL(d, d, 2, nullptr), 2));
+    EXPECT_REFUSAL(2, L"convlv_DBL(): Null pointer.", (convlv_DBL(nullptr, d, 2), 2));
 }
 
 TYPED_TEST(FourierTransform, NeedsNoMemory) {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/ConnectedPixels.h"
 #include "support/NoMemory.h"
 #include "support/SimdTargets.h"
 
@@ -17,31 +17,20 @@ constexpr auto kNullCount = L"The pnLabels pointer was NULL.";
 constexpr auto kType = L"Unsupported image datatype.";
 constexpr auto kNoSize = L"ippiLabelMarkersGetBufferSize<T> failed. code -5";
 
+template <typename T> constexpr int kLargest = std::numeric_limits<T>::max() - 1;
+
 // Replaces every non-zero pixel by its region's label, and gives the number of regions.
 template <typename T> int ModelLabel(TestImage<T>& image, int connectivity) {
-    int const largest = std::numeric_limits<T>::max() - 1;
-    TestImage<unsigned char> open(image.shape);
+    TestImage<int> labels(image.shape);
+    labels.Fill([&](int x, int y) { return image.At(x, y) != 0 ? -1 : 0; });
     int regions = 0;
-    std::vector<APOINT> found;
-    auto const find = [&](int x, int y) {
-        if (x < 0 || y < 0 || x >= image.shape.width || y >= image.shape.height || !open.At(x, y)) return;
-        open.At(x, y) = 0;
-        image.At(x, y) = static_cast<T>((regions - 1) % largest + 1);
-        found.push_back(APOINT(x, y));
-    };
-    open.Fill([&](int x, int y) { return image.At(x, y) != 0; });
     for (int y = 0; y < image.shape.height; ++y)
-        for (int x = 0; x < image.shape.width; ++x) {
-            if (!open.At(x, y)) continue;
-            ++regions;
-            for (find(x, y); !found.empty();) {
-                APOINT const at = found.back();
-                found.pop_back();
-                for (int dy = -1; dy <= 1; ++dy)
-                    for (int dx = -1; dx <= 1; ++dx)
-                        if (connectivity != 4 || dx == 0 || dy == 0) find(at.x + dx, at.y + dy);
-            }
-        }
+        for (int x = 0; x < image.shape.width; ++x)
+            if (labels.At(x, y) == -1) ModelFill(labels, x, y, ++regions, connectivity);
+    image.Fill([&](int x, int y) {
+        int const region = labels.At(x, y);
+        return region == 0 ? 0 : (region - 1) % kLargest<T> + 1;
+    });
     return regions;
 }
 
@@ -50,6 +39,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
     for (int const connectivity : {4, 8, 6}) {
         auto expected = image;
         int const regions = ModelLabel(expected, connectivity);
+        std::vector<std::wstring> const none,
+            warning = {L"WARNING: Input image has " + std::to_wstring(regions) + L" regions. Only " +
+                       std::to_wstring(kLargest<T>) + L" allowed for this image data type."};
         ForEachSimdTarget([&] {
             SCOPED_TRACE(testing::Message() << image.shape << ", connectivity " << connectivity);
             CapturedLog const log;
@@ -58,7 +50,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
             ASSERT_EQ(LabelMarkers(labelled.Attributes(), connectivity, &count), SOLVANE_OK);
             EXPECT_EQ(count, regions);
             ASSERT_TRUE(labelled == expected);
-            EXPECT_EQ(log.Warnings().size(), regions > std::numeric_limits<T>::max() - 1 ? 1u : 0u);
+            EXPECT_TRUE(log.Errors().empty());
+            EXPECT_EQ(Messages(log.Warnings()), regions > kLargest<T> ? warning : none);
+            for (LogLine const& line : log.Warnings()) EXPECT_EQ(line.category, 4);
         });
     }
 }
@@ -67,9 +61,9 @@ template <typename T> void ExpectLabelsOfModel(TestImage<T> const& image) {
 template <typename T> TestImage<T> Noise(Shape shape, double share, unsigned seed) {
     std::mt19937 random(seed);
     TestImage<T> image(shape);
-    for (std::size_t i = 0; i < image.Size(); ++i) {
+    for (T& pixel : image) {
         bool const isSet = static_cast<double>(random()) < share * 4294967296.0;
-        image.Pixels()[i] = isSet ? static_cast<T>(random() % std::numeric_limits<T>::max() + 1) : T{0};
+        pixel = isSet ? static_cast<T>(random() % std::numeric_limits<T>::max() + 1) : T{0};
     }
     return image;
 }
@@ -85,11 +79,8 @@ using Served = testing::Types<unsigned char, unsigned short>;
 TYPED_TEST_SUITE(Labelling, Served, );
 
 TYPED_TEST(Labelling, NoiseAsAPlainSearchDoes) {
-    // Both sides of a word of 64 pixels, and of several.
-    constexpr Shape kSizes[] = {{1, 1, 1},   {1, 9, 4},     {9, 1, 9},      {63, 7, 70},    {64, 8, 64},
-                                {65, 9, 65}, {128, 5, 130}, {131, 40, 140}, {192, 33, 192}, {2100, 3, 2100}};
     unsigned seed = 0;
-    for (Shape const shape : kSizes)
+    for (Shape const shape : kWordShapes)
         for (double const share : {0.0, 0.1, 0.3, 0.4, 0.5, 0.6, 0.9, 1.0})
             ExpectLabelsOfModel(Noise<TypeParam>(shape, share, ++seed));
 }
@@ -98,46 +89,26 @@ TYPED_TEST(Labelling, ShapesThatMeetLate) {
     for (int const side : {7, 64, 130}) {
         Shape const shape{side, side, side + 3};
         auto const distance = [=](int x, int y) { return std::min({x, y, side - 1 - x, side - 1 - y}); };
+        auto const expect = [&](auto const& inside) { ExpectLabelsOfModel(Drawn<TypeParam>(shape, inside)); };
         // Rings that an opening joins to a spiral; combs that open upwards, and to the left; a funnel whose
         // left edge begins last; a checkerboard, which has the most runs; every other column.
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int y) {
+        expect([=](int x, int y) {
             int const ring = distance(x, y);
             return (ring % 2 == 0) != (y == ring + 1 && x == ring && 2 * ring < side - 4);
-        }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return x % 2 == 0 || y == side - 1; }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return y % 2 == 0 || x == side - 1; }));
-        ExpectLabelsOfModel(
-            Drawn<TypeParam>(shape, [=](int x, int y) { return (x + y) % 6 == 0 || x == y; }));
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int y) { return (x + y) % 2 == 0; }));
-        ExpectLabelsOfModel(Drawn<TypeParam>(shape, [=](int x, int) { return x % 2 == 1; }));
+        });
+        expect([=](int x, int y) { return x % 2 == 0 || y == side - 1; });
+        expect([=](int x, int y) { return y % 2 == 0 || x == side - 1; });
+        expect([](int x, int y) { return (x + y) % 6 == 0 || x == y; });
+        expect([](int x, int y) { return (x + y) % 2 == 0; });
+        expect([](int x, int) { return x % 2 == 1; });
     }
 }
 
-TEST(LabelMarkers, BeginsAgainPastTheLargestLabel) {
-    // 300 regions in bytes, and as many as 16 bits have labels for, and one more.
-    auto const check = [](auto element, int regions, std::wstring const& warning) {
-        SCOPED_TRACE(regions);
-        using T = decltype(element);
-        int const largest = std::numeric_limits<T>::max() - 1;
-        auto image = Drawn<T>({regions * 2, 1, regions * 2}, [](int x, int) { return x % 2 == 1; });
-        CapturedLog const log;
-        int count = 0;
-        EXPECT_EQ(LabelMarkers(image.Attributes(), 8, &count), SOLVANE_OK);
-        EXPECT_EQ(count, regions);
-        EXPECT_EQ(image.At(2 * largest - 1, 0), largest);
-        EXPECT_EQ(image.At(2 * regions - 1, 0), (regions - 1) % largest + 1);
-        EXPECT_TRUE(log.Errors().empty());
-        ASSERT_EQ(log.Warnings().size(), warning.empty() ? 0u : 1u);
-        if (warning.empty()) return;
-        EXPECT_EQ(log.Warnings()[0].message, L"WARNING: Input image has " + warning);
-        EXPECT_EQ(log.Warnings()[0].category, 4);
-    };
-    check(std::uint8_t(), 254, L"");
-    check(std::uint8_t(), 300, L"300 regions. Only 254 allowed for this image data type.");
-    check(std::uint16_t(), 65534, L"");
-    check(std::uint16_t(), 65536, L"65536 regions. Only 65534 allowed for this image data type.");
+TYPED_TEST(Labelling, BeginsAgainPastTheLargestLabel) {
+    for (int const more : {0, 1, 2, 60}) {
+        int const width = 2 * (kLargest<TypeParam> + more);
+        ExpectLabelsOfModel(Drawn<TypeParam>({width, 1, width}, [](int x, int) { return x % 2 == 1; }));
+    }
 }
 
 TEST(LabelMarkers, RefusesInItsOrder) {
@@ -194,9 +165,8 @@ TEST(LabelMarkers2, LabelsIntoAnImageOfTheCallerOrOfItsOwn) {
         TestImage<unsigned short> given({70, 30, 83});
         auto padded = given;
         padded.Fill([&](int x, int y) { return expected.At(x, y); });
-        auto labeled = given.Attributes();
         count = 0;
-        EXPECT_EQ(LabelMarkers2(mask.Attributes(), connectivity, &count, &labeled), SOLVANE_OK);
+        EXPECT_EQ(LabelMarkers2(mask.Attributes(), connectivity, &count, given.Into()), SOLVANE_OK);
         EXPECT_EQ(count, regions);
         EXPECT_TRUE(given == padded);
         EXPECT_TRUE(mask == before);
@@ -204,19 +174,12 @@ TEST(LabelMarkers2, LabelsIntoAnImageOfTheCallerOrOfItsOwn) {
 }
 
 TEST(LabelMarkers2, LabelsWhatSharesTheMasksPixelsWithoutACopy) {
-    TestImage<unsigned short> image({3, 1, 3});
-    image.At(0, 0) = 256;
-    image.At(1, 0) = 0;
-    image.At(2, 0) = 7;
-    ImageAttributes labeled = image.Attributes();
-    ImageAttributes mask = labeled;
-    mask.type = eByte;
+    unsigned short pixels[3] = {256, 0, 7};
+    ImageAttributes labeled = Over(pixels, eUInt16, 3, 1, 3);
     int count = 0;
-    EXPECT_EQ(LabelMarkers2(mask, 8, &count, &labeled), SOLVANE_OK);
+    EXPECT_EQ(LabelMarkers2(Over(pixels, eByte, 3, 1, 3), 8, &count, &labeled), SOLVANE_OK);
     EXPECT_EQ(count, 2);
-    EXPECT_EQ(image.At(0, 0), 1);
-    EXPECT_EQ(image.At(1, 0), 0);
-    EXPECT_EQ(image.At(2, 0), 2);
+    EXPECT_EQ(std::vector<int>(pixels, pixels + 3), (std::vector<int>{1, 0, 2}));
 }
 
 TEST(LabelMarkers2, LooksAtNoStrideOfOneRow) {
@@ -232,12 +195,6 @@ TEST(LabelMarkers2, LooksAtNoStrideOfOneRow) {
 TEST(LabelMarkers2, RefusesInItsOrder) {
     unsigned char pixels[64] = {1, 0, 1, 1};
     unsigned short labels[64] = {};
-    auto const mask = [&](eTypeCode type, void* buffer, int width = 4, int height = 2, int stride = 4) {
-        return ImageAttributes(type, buffer, width, height, stride, 8, 0);
-    };
-    auto const output = [&](eTypeCode type, void* buffer, int width = 4, int height = 2, int stride = 4) {
-        return ImageAttributes(type, buffer, width, height, stride, 16, 0);
-    };
     constexpr auto kMaskType = L"The input mask image must be of type eByte or eUInt16.";
     constexpr auto kNullOutput = L"The output labeled ImageAttributes pointer was NULL.";
     constexpr auto kSizes = L"The output labeled image was not the same size as the input.";
@@ -251,25 +208,25 @@ TEST(LabelMarkers2, RefusesInItsOrder) {
         EXPECT_EQ(given.buffer, labeled.buffer);
         return code;
     };
-    ImageAttributes const bytes = mask(eByte, pixels), backwards = mask(eByte, pixels + 32, 4, 2, -4);
-    EXPECT_REFUSAL(6, kType, LabelMarkers2(mask(eInt16, nullptr), 8, &count, nullptr));
-    EXPECT_REFUSAL(2, kNullPixels, LabelMarkers2(mask(eUInt16, nullptr), 8, &count, nullptr));
+    ImageAttributes const bytes = Over(pixels, eByte), backwards = Over(pixels + 32, eByte, 4, 3, -4);
+    EXPECT_REFUSAL(6, kType, LabelMarkers2(Described(eInt16, 4, 3, 4), 8, &count, nullptr));
+    EXPECT_REFUSAL(2, kNullPixels, LabelMarkers2(Described(eUInt16, 4, 3, 4), 8, &count, nullptr));
     // The type that the text allows.
-    EXPECT_REFUSAL(6, kMaskType, LabelMarkers2(mask(eUInt16, pixels), 8, &count, nullptr));
+    EXPECT_REFUSAL(6, kMaskType, LabelMarkers2(Over(pixels, eUInt16), 8, &count, nullptr));
     EXPECT_REFUSAL(2, kNullOutput, LabelMarkers2(bytes, 8, &count, nullptr));
-    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eUInt16, labels, 3)));
-    EXPECT_REFUSAL(7, kSizes, label(bytes, output(eByte, labels, 4, 1)));
-    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, labels)));
-    EXPECT_REFUSAL(6, kOutputType, label(bytes, output(eByte, pixels)));
-    EXPECT_REFUSAL(4, kShared, label(bytes, output(eUInt16, pixels + 2)));  // from the third byte on
-    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eUInt16, labels)));
-    EXPECT_REFUSAL(7, kCopy, label(bytes, output(eUInt16, labels, 4, 2, 3)));
-    EXPECT_REFUSAL(7, kCopy, label(backwards, output(eByte, nullptr)));
-    EXPECT_REFUSAL(999, L"Unexpected exception.", label(mask(eByte, pixels, 0), output(eByte, nullptr)));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, Over(labels, eUInt16, 3)));
+    EXPECT_REFUSAL(7, kSizes, label(bytes, Over(labels, eByte, 4, 1)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, Over(labels, eByte)));
+    EXPECT_REFUSAL(6, kOutputType, label(bytes, Over(pixels, eByte)));
+    EXPECT_REFUSAL(4, kShared, label(bytes, Over(pixels + 2, eUInt16)));  // from the third byte on
+    EXPECT_REFUSAL(7, kCopy, label(backwards, Over(labels, eUInt16)));
+    EXPECT_REFUSAL(7, kCopy, label(bytes, Over(labels, eUInt16, 4, 3, 3)));
+    EXPECT_REFUSAL(7, kCopy, label(backwards, Described(eByte, 4, 3, 4)));
+    EXPECT_REFUSAL(999, L"Unexpected exception.", label(Over(pixels, eByte, 0), Described(eByte, 4, 3, 4)));
     {  // Labelling itself fails, which is not told.
         CapturedLog const log;
-        EXPECT_EQ(label(mask(eByte, pixels, 0), output(eUInt16, labels, 0, 2)), SOLVANE_OK);
-        EXPECT_EQ(label(bytes, output(eUInt16, pixels, 4, 2, 3)), SOLVANE_OK);
+        EXPECT_EQ(label(Over(pixels, eByte, 0), Over(labels, eUInt16, 0)), SOLVANE_OK);
+        EXPECT_EQ(label(bytes, Over(pixels, eUInt16, 4, 3, 3)), SOLVANE_OK);
         EXPECT_EQ(log.Texts(), kNoSize + std::wstring(L"\nThe image's rows overlap.\n"));
     }
     EXPECT_EQ(count, -1);

@@ -10,6 +10,7 @@
 #include "support/CapturedLog.h"
 #include "support/Images.h"
 #include "support/RawFiles.h"
+#include "support/SimdTargets.h"
 
 namespace ZPA {
 namespace {
@@ -166,26 +167,30 @@ TEST_F(RawFile, PicturesFindTheirExtremesAnywhere) {
         expected[place] = '\xFF';
         // The first pixel decides about the whole picture.
         if (place + 1 < kSize) pixels[place + 1] = std::numeric_limits<double>::quiet_NaN();
-        EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place;
+        ForEachSimdTarget([&] { EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place; });
         for (double& pixel : pixels) pixel = -pixel;
         for (std::size_t i = 0; i < kSize; ++i) expected[i] = pixels[i] == -5 ? '\xFF' : '\0';
-        EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place;
+        ForEachSimdTarget([&] { EXPECT_EQ(Picture(pixels, Path("a.pgm")), expected) << place; });
     }
 }
 
 TEST_F(RawFile, LargePicturesAreWhole) {
+    auto const expectWhole = [&](auto const& pixels) {
+        auto const range = std::minmax_element(pixels.begin(), pixels.end());
+        double const black = *range.first, scale = 255.0 / (*range.second - black);
+        std::string expected;
+        for (auto const pixel : pixels) expected += static_cast<char>(std::lrint((pixel - black) * scale));
+        EXPECT_TRUE(Picture(pixels, Path("a.pgm")) == expected);
+    };
     auto const image = RandomImage<unsigned short>({257, 201, 257}, 3);  // some passes through any buffer
-    auto const range = std::minmax_element(image.Pixels(), image.Pixels() + image.Size());
-    double const scale = 255.0 / (*range.second - *range.first);
-    std::string expected = "P5\n257 201\n255\n";
-    for (std::size_t i = 0; i < image.Size(); ++i)
-        expected += static_cast<char>(std::lrint((image.Pixels()[i] - *range.first) * scale));
-    ASSERT_EQ(dumpPgm8bit(image.Pixels(), 257, 201, Path("a.pgm").c_str()), 0);
-    EXPECT_EQ(folder.Read("a.pgm"), expected);
-
-    std::vector<double> const wide(image.Pixels(), image.Pixels() + image.Size());
-    ASSERT_EQ(dumpPgm8bit_double(wide.data(), 257, 201, Path("b.pgm").c_str()), 0);
-    EXPECT_EQ(folder.Read("b.pgm"), expected);
+    std::vector<unsigned short> const words(image.Pixels(), image.Pixels() + image.Size());
+    std::vector<unsigned char> bytes;
+    for (unsigned short const word : words) bytes.push_back(static_cast<unsigned char>(7 + word % 230));
+    ForEachSimdTarget([&] {
+        expectWhole(words);
+        expectWhole(bytes);
+        expectWhole(std::vector<double>(words.begin(), words.end()));
+    });
 }
 
 }  // namespace

@@ -101,14 +101,6 @@ template <typename T> T Stored(double mean) {
     return static_cast<T>(mean > -2147483649.0 && mean < 2147483648.0 ? static_cast<int>(mean) : INT_MIN);
 }
 
-TestImage<double> CarriedMeans(Case const& c, TestImage<double> const& input) {
-    auto means = Blank<double>(c);
-    auto const sums = CarriedSums(c, [&](int x, int y) { return input.At(x, y); });
-    auto const counts = CarriedSums(c, [](int, int) { return 1.0; });
-    for (std::size_t i = 0; i < sums.size(); ++i) means.Pixels()[i] = sums[i] / counts[i];
-    return means;
-}
-
 template <typename T>
 TestImage<T> WeightedMeans(Case const& c, TestImage<T> const& input, TestImage<char> const& mask) {
     auto means = Blank<T>(c);
@@ -186,16 +178,14 @@ TEST(RectFlatTopFilter, IsExactWhereTheQuotientIsWholeOrJustBelow) {
 Case const kLargeWindows[] = {{200, 190, 183, 181}, {360, 200, 301, 199}, {21, 2100, 17, 2051}};
 
 TEST(RectFlatTopFilter, WrapsAroundOnlyInTheIntegerForm) {
-    for (Case const& c : kLargeWindows)
+    for (Case const& c : kLargeWindows) {
         // Sums that stay within 31 bits, that leave them in part of the image, and in all of its middle.
         for (int const brightest : {32767, 65000, 65535}) {
             auto image = Noise<unsigned short>(c, 3);
-            for (std::size_t i = 0; i < image.Size(); ++i)
-                image.Pixels()[i] = static_cast<unsigned short>(brightest - image.Pixels()[i] % 1000);
+            for (unsigned short& pixel : image) pixel = static_cast<unsigned short>(brightest - pixel % 1000);
             ExpectWrapping(c, image);
             ExpectTyped(c, image, Means(c, image, Truncated<unsigned short>));
         }
-    for (Case const& c : kLargeWindows) {
         auto const dark = Filled(c, std::numeric_limits<short>::min());
         ExpectTyped(c, dark, dark);
     }
@@ -218,7 +208,7 @@ TEST(RectFlatTopFilter, AddsDoublesInThePromisedOrder) {
             auto image = Noise<double>(c, 4);
             for (std::size_t i = 0; i < values.size(); ++i)
                 for (std::size_t at = i * 13 + 5; at < image.Size(); at += 97) image.Pixels()[at] = values[i];
-            ExpectTyped(c, image, CarriedMeans(c, image));
+            ExpectTyped(c, image, WeightedMeans(c, image, Filled(c, char{1})));
         }
 }
 
@@ -229,11 +219,7 @@ using Elements = testing::Types<unsigned short, short, double>;
 TYPED_TEST_SUITE(WeightedFlatTop, Elements, );
 
 TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
-    struct Weights {
-        char const* name;
-        int (*weight)(int random);
-    };
-    Weights const kinds[] = {
+    std::pair<char const*, int (*)(int random)> const kinds[] = {
         {"set and clear", [](int random) { return random & 1; }},
         {"few", [](int random) { return random % 50 == 0 ? 1 : 0; }},
         {"none", [](int) { return 0; }},
@@ -242,13 +228,12 @@ TYPED_TEST(WeightedFlatTop, DividesBySumsOfWeights) {
         {"the most negative", [](int random) { return random & 1 ? -128 : 127; }},
     };
     for (Case const& c : kCases)
-        for (Weights const& kind : kinds) {
-            SCOPED_TRACE(kind.name);
+        for (auto const& [name, weight] : kinds) {
+            SCOPED_TRACE(name);
             auto const image = Noise<TypeParam>(c, 5);
             auto mask = Noise<char>(c, 6);
             std::mt19937 random(7);
-            for (std::size_t i = 0; i < mask.Size(); ++i)
-                mask.Pixels()[i] = static_cast<char>(kind.weight(static_cast<int>(random() >> 8)));
+            for (char& each : mask) each = static_cast<char>(weight(static_cast<int>(random() >> 8)));
             auto const before = mask;
             Expect<TypeParam>(c, image, WeightedMeans(c, image, mask), [&](TypeParam* in, TypeParam* out) {
                 return rectFlatTopFilteringWithMaskTemplate(in, out, mask.Pixels(), c.width, c.height,

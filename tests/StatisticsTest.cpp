@@ -215,18 +215,21 @@ TYPED_TEST(Scores, ReplaceWhatIsSelectedAndNothingElse) {
             for (Choice const& choice : Choices(shape)) {
                 SCOPED_TRACE(testing::Message() << shape << ", " << choice);
                 Measures const measures = ModelOf(image, mask, choice);
-                auto output = RandomImage<TypeParam>(shape, 4);
-                auto expected = output, inPlace = image, expectedInPlace = image;
+                auto const before = RandomImage<TypeParam>(shape, 4);
+                auto expected = before, expectedInPlace = image;
                 choice.ForEach(mask, [&](int x, int y) {
                     expected.At(x, y) = expectedInPlace.At(x, y) = Score(image.At(x, y), measures);
                 });
-                ImageAttributes to = output.Attributes(), same = inPlace.Attributes();
                 ImageAttributes const* const chosen = choice.Mask(maskAttributes);
-                EXPECT_EQ(NormalizeImage(image.Attributes(), choice.Roi(), chosen, choice.Origin(), &to),
-                          SOLVANE_OK);
-                EXPECT_TRUE(output == expected);
-                EXPECT_EQ(NormalizeImage(same, choice.Roi(), chosen, choice.Origin(), &same), SOLVANE_OK);
-                EXPECT_TRUE(inPlace == expectedInPlace);
+                ForEachSimdTarget([&] {
+                    auto output = before, inPlace = image;
+                    ImageAttributes to = output.Attributes(), same = inPlace.Attributes();
+                    EXPECT_EQ(NormalizeImage(image.Attributes(), choice.Roi(), chosen, choice.Origin(), &to),
+                              SOLVANE_OK);
+                    EXPECT_TRUE(output == expected);
+                    EXPECT_EQ(NormalizeImage(same, choice.Roi(), chosen, choice.Origin(), &same), SOLVANE_OK);
+                    EXPECT_TRUE(inPlace == expectedInPlace);
+                });
             }
         }
     }

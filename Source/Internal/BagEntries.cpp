@@ -7,8 +7,13 @@
 namespace ZPA {
 namespace {
 
-// Up to so many entries a walk is about as quick as a table (benchmarks/Bag.cpp).
-constexpr std::size_t kMostWalked = 128;
+// Up to so many entries, making a table takes longer than it saves (benchmarks/Bag.cpp).
+constexpr std::size_t kMostWalked = 64;
+
+// Keys of one bag often begin alike: their last characters tell most of them apart.
+bool AreEqual(std::string const& key, std::string_view other) {
+    return key.size() == other.size() && (key.empty() || (key.back() == other.back() && key == other));
+}
 
 }  // namespace
 
@@ -20,7 +25,7 @@ BagEntries::Iterator BagEntries::Find(std::string_view key) const {
     // In step, so that the processor follows the four chains at the same time: walking the keys first and the
     // other lists to the found position afterwards takes twice as long (benchmarks/Bag.cpp).
     auto at = begin();
-    for (auto const last = end(); at != last && (*at).key != key;) ++at;
+    for (auto const last = end(); at != last && !AreEqual((*at).key, key);) ++at;
     return at;
 }
 
@@ -33,27 +38,31 @@ BagEntries::Iterator BagEntries::At(int index) const {
 
 void BagEntries::Append(std::string const& key, ZPA_Ptr<Any> const& value, int size, bool dirty) const {
     RequireRoom(1);
-    // All nodes are made before the first one is linked, so that the lists stay of one length.
-    std::list<std::string> keys(1, key);
-    std::list<ZPA_Ptr<Any>> values(1, value);
-    std::list<int> sizes(1, size);
-    std::list<bool> flags(1, dirty);
-    Iterator const entry(keys.begin(), values.begin(), sizes.begin(), flags.begin());
-    bag_.values_->splice(bag_.values_->end(), values);
-    bag_.keys_->splice(bag_.keys_->end(), keys);
-    bag_.sizes_->splice(bag_.sizes_->end(), sizes);
-    bag_.dirty_->splice(bag_.dirty_->end(), flags);
-    if (bag_.table_) Enter(entry);
+    try {
+        bag_.values_->push_back(value);  // first, as a trace line of it may look into the bag
+        bag_.keys_->push_back(key);
+        bag_.sizes_->push_back(size);
+        bag_.dirty_->push_back(dirty);
+    } catch (...) {
+        auto const whole = bag_.dirty_->size();  // the last to grow
+        bag_.sizes_->resize(whole);
+        bag_.keys_->resize(whole);
+        bag_.values_->resize(whole);
+        throw;
+    }
+    EnterFrom(--end());
 }
 
 void BagEntries::AppendAll(Bag& other) const {
+    if (other.keys_->empty()) return;
     RequireRoom(other.keys_->size());
-    bag_.table_.reset();
+    Iterator const first = BagEntries(other).begin();
     other.table_.reset();
     bag_.values_->splice(bag_.values_->end(), *other.values_);
     bag_.keys_->splice(bag_.keys_->end(), *other.keys_);
     bag_.sizes_->splice(bag_.sizes_->end(), *other.sizes_);
     bag_.dirty_->splice(bag_.dirty_->end(), *other.dirty_);
+    EnterFrom(first);
 }
 
 void BagEntries::Rename(Iterator entry, std::string const& key) const {
@@ -87,13 +96,14 @@ bool BagEntries::HasTable() const {
     } catch (std::bad_alloc const&) {
         return false;
     }
-    for (auto at = begin(); bag_.table_ && at != end(); ++at) Enter(at);
+    EnterFrom(begin());
     return bag_.table_ != nullptr;
 }
 
-void BagEntries::Enter(Iterator entry) const {
+void BagEntries::EnterFrom(Iterator first) const {
+    if (!bag_.table_) return;
     try {
-        bag_.table_->firsts.emplace(*entry.key_, entry);
+        for (auto at = first; at != end(); ++at) bag_.table_->firsts.emplace(*at.key_, at);
     } catch (std::bad_alloc const&) {
         bag_.table_.reset();
     }

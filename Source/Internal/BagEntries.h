@@ -30,6 +30,10 @@ public:
             ++key_, ++value_, ++size_, ++dirty_;
             return *this;
         }
+        Iterator& operator--() {
+            --key_, --value_, --size_, --dirty_;
+            return *this;
+        }
         bool operator==(Iterator const& other) const { return key_ == other.key_; }
         bool operator!=(Iterator const& other) const { return key_ != other.key_; }
 
@@ -72,8 +76,9 @@ public:
 private:
     // Makes the table of a large bag, if there is none and memory for it. False without one.
     bool HasTable() const;
-    // Adds an entry to the table unless its key is there; without memory the table goes.
-    void Enter(Iterator entry) const;
+    // Adds the last entries, from this one on, to the table if there is one, unless their keys are there; without
+    // memory the table goes.
+    void EnterFrom(Iterator first) const;
     // Whether there is a table, of a bag without two entries of one key.
     bool HasEachKeyOnce() const;
     // Throws where the lists cannot grow by so many.

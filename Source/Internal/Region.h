@@ -37,6 +37,7 @@ public:
                                                  APOINT const* maskOrigin);
 
     Rectangle const& Area() const { return area_; }
+    std::int64_t PixelCount() const { return std::int64_t{area_.width} * area_.height; }  // selected or not
     bool IsMasked() const { return mask_.buffer != nullptr; }
 
     // True if `output` has room for the region where `image` has it, counted by the stride of `image`.
@@ -46,7 +47,7 @@ public:
     // Without a mask, `mask` is null and every pixel is selected. No count passes 2^31.
     template <typename Mask = unsigned char, typename T, typename Work>
     void ForEachRow(ImageView<T> const& image, Work const& work) const {
-        std::int64_t const pixels = std::int64_t{area_.width} * area_.height;
+        std::int64_t const pixels = PixelCount();
         bool const withoutGaps =
             image.Stride() == area_.width && (!IsMasked() || mask_.stride == area_.width);
         if (withoutGaps && pixels <= INT32_MAX)

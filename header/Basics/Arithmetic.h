@@ -131,7 +131,7 @@ ZPA_C_API SOLVANE_RETURNCODE ipp_add(ImageAttributes first, ImageAttributes seco
 ///
 /// Every element is summed in the order of k in its own type, by fused multiply-adds where the processor has
 /// them: it depends neither on the number of threads nor on the rest of the matrices. Memory for packed parts
-/// of both images is taken for the time of the call.
+/// of the images is taken for the time of the call, unless they are small.
 ///
 /// STRIDES ARE IGNORED FOR eDouble: each of the three images is taken to have rows without padding.
 ///

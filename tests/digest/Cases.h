@@ -80,8 +80,7 @@ template <typename T> void AddImage(Digest& digest, TestImage<T> const& image) {
 // The code of a call that writes an image of this shape, and the image.
 template <typename T, typename Call> void AddResult(Digest& digest, Shape shape, Call const& call) {
     TestImage<T> result(shape);
-    ImageAttributes output = result.Attributes();
-    digest.Add(int{call(&output)});
+    digest.Add(int{call(result.Into())});
     AddImage(digest, result);
 }
 template <typename T, typename Call>

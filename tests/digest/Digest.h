@@ -32,6 +32,11 @@ public:
         for (std::size_t i = 0; i < count; ++i) Add(values[i]);
     }
     template <typename T> void Add(std::vector<T> const& values) { Add(values.data(), values.size()); }
+    template <typename T, typename... More>
+    void Add(std::vector<T> const& values, std::vector<More> const&... more) {
+        Add(values);
+        (Add(more), ...);
+    }
     void Add(std::string const& text) { Add(text.data(), text.size()); }
 
     // Values whose last bits may differ: in steps of 2^-`bits` of the largest.

@@ -91,8 +91,7 @@ void Oriented(Digest& digest) {
     auto image = Sample<unsigned short>(kSmall, 35);
     for (double const angle : {15.0, 45.0, 90.0, -70.0, 200.0}) {
         TestImage<double> result(kSmall);
-        ImageAttributes output = result.Attributes();
-        digest.Add(int{AnisotropicGaussian(image.Attributes(), &output, 6, 2, angle, 1, 0)});
+        digest.Add(int{AnisotropicGaussian(image.Attributes(), result.Into(), 6, 2, angle, 1, 0)});
         AddImageRounded(digest, result);
     }
 }

@@ -89,8 +89,7 @@ void Labels(Digest& digest) {
         });
         auto mask = Patches<unsigned char>(kLarge, 46);
         TestImage<unsigned short> labels(kLarge);
-        ImageAttributes output = labels.Attributes();
-        digest.Add(int{LabelMarkers2(mask.Attributes(), connectivity, &count, &output)});
+        digest.Add(int{LabelMarkers2(mask.Attributes(), connectivity, &count, labels.Into())});
         digest.Add(count);
         AddImage(digest, labels);
     }

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/Matrices.h"
 #include "support/SimdTargets.h"
 
@@ -12,11 +10,7 @@ namespace ZPA {
 namespace {
 
 using Testing::ForEachSimdTarget;
-
-template <typename T> std::vector<T> Numbers(std::ptrdiff_t count, unsigned seed) {
-    auto const numbers = Testing::Random(static_cast<int>(count), seed);
-    return {numbers.begin(), numbers.end()};
-}
+using Testing::Random;
 
 template <typename T> T ProductByParts(T const* a, T const* b, std::ptrdiff_t count) {
     constexpr std::ptrdiff_t kParts = 128 / sizeof(T);
@@ -30,7 +24,7 @@ template <typename T> T ProductByParts(T const* a, T const* b, std::ptrdiff_t co
 // All memory ends with its last element.
 template <typename T> void CheckRows(std::ptrdiff_t rows, std::ptrdiff_t count) {
     SCOPED_TRACE(testing::Message() << rows << " rows of " << count);
-    auto const matrix = Numbers<T>(rows * count, 1), x = Numbers<T>(count, 2), factors = Numbers<T>(rows, 3);
+    auto const matrix = Random<T>(rows * count, 1), x = Random<T>(count, 2), factors = Random<T>(rows, 3);
     // The same rows in reverse, each after an element that is not its own.
     std::vector<std::vector<T>> apart;
     std::vector<T const*> pointers;
@@ -50,7 +44,7 @@ template <typename T> void CheckRows(std::ptrdiff_t rows, std::ptrdiff_t count) 
     reversed.assign(products.rbegin(), products.rend());
     MatrixRows<T> const flat(matrix.data(), count), pointed(pointers.data(), 1);
     ForEachSimdTarget([&] {
-        auto found = Numbers<T>(rows, 4);
+        auto found = Random<T>(rows, 4);
         InnerProducts(flat, x.data(), found.data(), rows, count);
         EXPECT_EQ(found, products);
         InnerProducts(pointed, x.data(), found.data(), rows, count);

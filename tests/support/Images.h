@@ -48,6 +48,9 @@ template <typename T> struct TestImage {
     T* Pixels() { return memory.data() + kGuard; }
     T const* Pixels() const { return memory.data() + kGuard; }
     std::size_t Size() const { return memory.size() - 2 * kGuard; }
+    // The elements of the block, padding included.
+    T* begin() { return Pixels(); }
+    T* end() { return Pixels() + Size(); }
     T& At(int x, int y) { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
     T const& At(int x, int y) const { return Pixels()[static_cast<std::ptrdiff_t>(y) * shape.stride + x]; }
 
@@ -60,6 +63,12 @@ template <typename T> struct TestImage {
     ImageAttributes Attributes(int bitsperpixel = 8 * static_cast<int>(sizeof(T)), int pixelspacing = 0) {
         return {TypeCodeOf<T>, Pixels(), shape.width, shape.height, shape.stride, bitsperpixel, pixelspacing};
     }
+    // What to give to a call that writes into this image.
+    struct Output {
+        ImageAttributes image;
+        operator ImageAttributes*() { return &image; }
+    };
+    Output Into() { return {Attributes()}; }
     // Bit for bit, guards and padding included: not-a-number equals itself, and -0.0 is not 0.0.
     bool operator==(TestImage const& other) const {
         return memory.size() == other.memory.size() &&
@@ -80,15 +89,15 @@ template <typename T> T RandomElement(std::mt19937& random) {
 template <typename T> TestImage<T> RandomImage(Shape shape, unsigned seed) {
     std::mt19937 random(seed);
     TestImage<T> image(shape);
-    for (std::size_t i = 0; i < image.Size(); ++i) image.Pixels()[i] = RandomElement<T>(random);
+    for (T& element : image) element = RandomElement<T>(random);
     return image;
 }
 
 // Half of it zero, the rest any other value.
 inline TestImage<unsigned char> RandomMask(Shape shape, unsigned seed) {
     auto mask = RandomImage<unsigned char>(shape, seed);
-    for (std::size_t i = 0; i < mask.Size(); ++i)
-        if (mask.Pixels()[i] & 1) mask.Pixels()[i] = 0;
+    for (unsigned char& element : mask)
+        if (element & 1) element = 0;
     return mask;
 }
 
@@ -111,7 +120,7 @@ inline std::string Description(ImageAttributes const& image) {
 }
 
 // 16 bits a pixel, whatever the type.
-inline ImageAttributes Over(void* pixels, eTypeCode type, int width, int height, int stride) {
+inline ImageAttributes Over(void* pixels, eTypeCode type, int width = 4, int height = 3, int stride = 4) {
     return {type, pixels, width, height, stride, 16, 0};
 }
 

@@ -35,9 +35,8 @@ template <typename K> TestImage<K> RandomKernel(Shape shape, double limit, unsig
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> any(-limit, limit);
     TestImage<K> kernel(shape);
-    for (std::size_t i = 0; i < kernel.Size(); ++i)
-        kernel.Pixels()[i] =
-            random() % static_cast<unsigned>(rarity) == 0 ? static_cast<K>(any(random)) : K(0);
+    for (K& weight : kernel)
+        weight = random() % static_cast<unsigned>(rarity) == 0 ? static_cast<K>(any(random)) : K(0);
     return kernel;
 }
 

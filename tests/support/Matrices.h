@@ -8,11 +8,12 @@
 
 namespace ZPA::Testing {
 
-inline std::vector<double> Random(int count, unsigned seed, double low = -1, double high = 1) {
+// Between -1 and 1.
+template <typename T = double, typename Count> std::vector<T> Random(Count count, unsigned seed) {
     std::mt19937 random(seed);
-    std::uniform_real_distribution<double> any(low, high);
-    std::vector<double> values(static_cast<std::size_t>(count));
-    for (double& value : values) value = any(random);
+    std::uniform_real_distribution<double> any(-1, 1);
+    std::vector<T> values(static_cast<std::size_t>(count));
+    for (T& value : values) value = static_cast<T>(any(random));
     return values;
 }
 
