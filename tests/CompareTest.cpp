@@ -6,8 +6,7 @@
 #include <climits>
 #include <cmath>
 
-#include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/Regions.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -32,28 +31,31 @@ TEST(Compare, SeesEveryPixelAndNoPadding) {
 
 TEST(Compare, AnswersWithCodes) {
     unsigned short pixels[16] = {};
-    ImageAttributes const good(eUInt16, pixels, 2, 2, 2, 16, 0);
-    ImageAttributes bad = good;
-    bad.type = eInt16;
-    CapturedLog log;
-    EXPECT_EQ(compare(good, bad), SOLVANE_UNSUPPORTED_TYPE);
-    EXPECT_EQ(compare(bad, good), SOLVANE_UNSUPPORTED_TYPE);
-    bad = good;
-    bad.width = 1;
-    EXPECT_EQ(compare(good, bad), SOLVANE_INVALID_ARGUMENT);
-    EXPECT_TRUE(log.Errors().empty());
-    bad.buffer = nullptr;
-    EXPECT_EQ(compare(bad, good), SOLVANE_NULL_POINTER);
-    EXPECT_EQ(log.Text(), L"template_compare(): Null pointer.");
-    ImageAttributes const backwards(eUInt16, pixels + 8, 2, 2, -2, 16, 0);
-    EXPECT_EQ(compare(good, backwards), SOLVANE_SIZE_MISMATCH);
-    ImageAttributes const negative(eUInt16, pixels, -2, -2, -2, 16, 0);
+    ImageAttributes const good = Over(pixels, eUInt16, 2, 2, 2), shorts = Over(pixels, eInt16, 2, 2, 2);
+    ImageAttributes const negative = Over(pixels, eUInt16, -2, -2, -2);
+    EXPECT_REFUSAL(6, L"", compare(good, shorts));
+    EXPECT_REFUSAL(6, L"", compare(shorts, good));
+    EXPECT_REFUSAL(4, L"", compare(good, Over(pixels, eUInt16, 1, 2, 2)));
+    EXPECT_REFUSAL(2, L"template_compare(): Null pointer.", compare(Described(eUInt16, 1, 2, 2), good));
+    EXPECT_EQ(compare(good, Over(pixels + 8, eUInt16, 2, 2, -2)), SOLVANE_SIZE_MISMATCH);
     EXPECT_EQ(compare(negative, negative), SOLVANE_OK);
 }
 
 template <typename T> class DecimateAndCompareOf : public testing::Test {};
 using Comparable = testing::Types<unsigned char, short, unsigned short, float, double>;
 TYPED_TEST_SUITE(DecimateAndCompareOf, Comparable, );
+
+bool Equivalent(ImageAttributes first, ImageAttributes second, Region const& region, int xStep, int yStep,
+                double tolerance) {
+    // Set by the call, whatever it was.
+    bool equivalent = false, same = true;
+    for (bool* const answer : {&equivalent, &same})
+        EXPECT_EQ(DecimateAndCompare(first, second, region.roi, region.mask, region.origin, xStep, yStep,
+                                     tolerance, answer),
+                  SOLVANE_OK);
+    EXPECT_EQ(equivalent, same);
+    return equivalent;
+}
 
 TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     using T = TypeParam;
@@ -69,36 +71,33 @@ TYPED_TEST(DecimateAndCompareOf, CountsSamplesOfRectangleAndMask) {
     APOINT const over(4, 2), apart(0, 0);
     struct Case {
         char const* name;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
+        Region region;
         int xStep, yStep;
         double tolerance;
         bool expected;
     };
     Case const cases[] = {
-        {"whole", nullptr, nullptr, nullptr, 1, 1, 1.0, false},
-        {"larger tolerance", nullptr, nullptr, nullptr, 1, 1, 4.0, true},
-        {"equal to the tolerance", nullptr, nullptr, nullptr, 1, 1, 3.0, false},
-        {"rectangle around", &around, nullptr, nullptr, 1, 1, 1.0, false},
-        {"rectangle beside", &beside, nullptr, nullptr, 1, 1, 1.0, true},
-        {"sampled past it", nullptr, nullptr, nullptr, 2, 2, 1.0, true},
-        {"sampled on it", &odd, nullptr, nullptr, 2, 2, 1.0, false},
-        {"steps beyond the image", nullptr, nullptr, nullptr, INT_MAX, INT_MAX, 1.0, true},
-        {"mask over", nullptr, &maskImage, &over, 1, 1, 1.0, false},
-        {"mask with a hole", nullptr, &holeImage, &over, 1, 1, 1.0, true},
-        {"mask apart", nullptr, &maskImage, &apart, 1, 1, 1.0, true},
-        {"mask cuts a rectangle that leaves the image", &partlyOutside, &maskImage, &over, 1, 1, 1.0, false},
-        {"no tolerance", nullptr, nullptr, nullptr, 1, 1, 0.0, false},
-        {"negative tolerance", &beside, nullptr, nullptr, 1, 1, -1.0, false},
+        {"whole", {}, 1, 1, 1.0, false},
+        {"larger tolerance", {}, 1, 1, 4.0, true},
+        {"equal to the tolerance", {}, 1, 1, 3.0, false},
+        {"rectangle around", {&around}, 1, 1, 1.0, false},
+        {"rectangle beside", {&beside}, 1, 1, 1.0, true},
+        {"sampled past its column", {}, 2, 1, 1.0, true},
+        {"sampled past its row", {}, 1, 3, 1.0, true},
+        {"sampled on it", {&odd}, 2, 2, 1.0, false},
+        {"steps beyond the image", {}, INT_MAX, INT_MAX, 1.0, true},
+        {"mask over", {nullptr, &maskImage, &over}, 1, 1, 1.0, false},
+        {"mask with a hole", {nullptr, &holeImage, &over}, 1, 1, 1.0, true},
+        {"mask apart", {nullptr, &maskImage, &apart}, 1, 1, 1.0, true},
+        {"mask cuts a large rectangle", {&partlyOutside, &maskImage, &over}, 1, 1, 1.0, false},
+        {"no tolerance", {}, 1, 1, 0.0, false},
+        {"negative tolerance", {&beside}, 1, 1, -1.0, false},
     };
     for (Case const& each : cases) {
         SCOPED_TRACE(each.name);
-        bool equivalent = !each.expected;
-        EXPECT_EQ(DecimateAndCompare(first.Attributes(), second.Attributes(), each.roi, each.mask,
-                                     each.origin, each.xStep, each.yStep, each.tolerance, &equivalent),
-                  SOLVANE_OK);
-        EXPECT_EQ(equivalent, each.expected);
+        EXPECT_EQ(Equivalent(first.Attributes(), second.Attributes(), each.region, each.xStep, each.yStep,
+                             each.tolerance),
+                  each.expected);
     }
 }
 
@@ -112,25 +111,18 @@ TYPED_TEST(DecimateAndCompareOf, FindsOneDifferenceAnywhereOnEverySimdTarget) {
                 auto second = first;
                 first.At(x, 0) = 100;
                 second.At(x, 0) = static_cast<T>(100 + sign * 7);
-                for (double const tolerance : {7.0, 8.0}) {
-                    bool same = false;
-                    ASSERT_EQ(DecimateAndCompare(first.Attributes(), second.Attributes(), nullptr, nullptr,
-                                                 nullptr, 1, 1, tolerance, &same),
-                              SOLVANE_OK);
-                    ASSERT_EQ(same, tolerance > 7) << x;
-                }
+                for (double const tolerance : {7.0, 8.0})
+                    ASSERT_EQ(Equivalent(first.Attributes(), second.Attributes(), {}, 1, 1, tolerance),
+                              tolerance > 7)
+                        << x;
             }
     });
 }
 
 TEST(DecimateAndCompare, TruncatesTolerancesOfIntegersAndPassesNotANumber) {
     auto const agree = [](auto a, auto b, double tolerance) {
-        bool equivalent = false;
-        ImageAttributes const first(TypeCodeOf<decltype(a)>, &a, 1, 1, 1, 0, 0);
-        ImageAttributes const second(TypeCodeOf<decltype(a)>, &b, 1, 1, 1, 0, 0);
-        EXPECT_EQ(DecimateAndCompare(first, second, nullptr, nullptr, nullptr, 1, 1, tolerance, &equivalent),
-                  SOLVANE_OK);
-        return equivalent;
+        constexpr eTypeCode kType = TypeCodeOf<decltype(a)>;
+        return Equivalent(Over(&a, kType, 1, 1, 1), Over(&b, kType, 1, 1, 1), {}, 1, 1, tolerance);
     };
     EXPECT_FALSE(agree(short{5}, short{5}, 0.9));
     EXPECT_TRUE(agree(short{5}, short{5}, 1.5));
@@ -144,59 +136,44 @@ TEST(DecimateAndCompare, TruncatesTolerancesOfIntegersAndPassesNotANumber) {
 
 TEST(DecimateAndCompare, RefusesInItsOrder) {
     unsigned char pixels[64] = {};
-    ImageAttributes const image(eByte, pixels, 4, 4, 4, 16, 0);
-    ImageAttributes const null(eByte, nullptr, 4, 4, 4, 16, 0);
-    ImageAttributes const smaller(eInt16, pixels, 3, 4, 4, 16, 0);
-    ImageAttributes const other(eInt16, pixels, 4, 4, 4, 16, 0);
-    ImageAttributes const word(eInt32, pixels, 4, 4, 4, 32, 0);
-    ImageAttributes const narrow(eByte, pixels, 4, 4, 3, 16, 0);
-    ImageAttributes const mask(eByte, pixels, 4, 4, 4, 8, 0);
-    ImageAttributes const nullMask(eByte, nullptr, 4, 4, 4, 8, 0);
-    ImageAttributes const emptyMask(eByte, pixels, 0, 4, 4, 8, 0);
-    ImageAttributes const wrongMask(eSByte, pixels, 4, 4, 4, 8, 0);
+    ImageAttributes const image = Over(pixels, eByte, 4, 4, 4), word = Over(pixels, eInt32, 4, 4, 4);
+    ImageAttributes const null = Described(eByte, 4, 4, 4), narrow = Over(pixels, eByte, 4, 4, 3);
+    ImageAttributes const mask = image, emptyMask = Over(pixels, eByte, 0, 4, 4),
+                          wrongMask = Described(eSByte, 4, 4, 4);
     Rectangle const empty(2, 2, 0, 1), outside(2, 2, 3, 1), huge(2, 2, INT_MAX, 1);
     APOINT const far(4, 0), before(-2, 0);
-    bool answer = true;
     constexpr auto kOutside = L"The ROI was out of bounds in the image.";
-    auto const differ = [](ImageAttributes const& first, ImageAttributes const& second, Rectangle const* roi,
-                           ImageAttributes const* mask, APOINT const* origin, int step, bool* equivalent,
-                           double tolerance) {
-        return DecimateAndCompare(first, second, roi, mask, origin, step, 1, tolerance, equivalent);
+    bool answer = true;
+    auto const compared = [](ImageAttributes const& first, ImageAttributes const& second,
+                             Region const& region, int step, bool* equivalent, double tolerance = 1) {
+        return DecimateAndCompare(first, second, region.roi, region.mask, region.origin, step, 1, tolerance,
+                                  equivalent);
     };
-    EXPECT_REFUSAL(2, L"The first image had a NULL buffer pointer.",
-                   differ(null, null, nullptr, nullptr, nullptr, 0, nullptr, 1));
-    EXPECT_REFUSAL(2, L"The second image had a NULL buffer pointer.",
-                   differ(image, null, nullptr, nullptr, nullptr, 0, nullptr, 1));
+    auto const withItself = [&](Region const& region, double tolerance = 1) {
+        return compared(image, image, region, 1, &answer, tolerance);
+    };
+    EXPECT_REFUSAL(2, L"The first image had a NULL buffer pointer.", compared(null, null, {}, 0, nullptr));
+    EXPECT_REFUSAL(2, L"The second image had a NULL buffer pointer.", compared(image, null, {}, 0, nullptr));
     EXPECT_REFUSAL(7, L"The two input images have different sizes.",
-                   differ(image, smaller, nullptr, nullptr, nullptr, 0, nullptr, 1));
+                   compared(image, Over(pixels, eInt16, 3, 4, 4), {}, 0, nullptr));
     EXPECT_REFUSAL(8, L"The two input images must be of the same type.",
-                   differ(image, other, nullptr, &wrongMask, nullptr, 0, nullptr, 1));
-    EXPECT_REFUSAL(6, L"The mask must be of type eByte.",
-                   differ(image, image, nullptr, &wrongMask, nullptr, 0, nullptr, 1));
-    EXPECT_REFUSAL(2, L"The pbIsEquivalent pointer was NULL.",
-                   differ(image, image, nullptr, nullptr, nullptr, 0, nullptr, 1));
+                   compared(image, Over(pixels, eInt16, 4, 4, 4), {nullptr, &wrongMask}, 0, nullptr));
+    EXPECT_REFUSAL(6, kByteMask, compared(image, image, {nullptr, &wrongMask}, 0, nullptr));
+    EXPECT_REFUSAL(2, L"The pbIsEquivalent pointer was NULL.", compared(image, image, {}, 0, nullptr));
     EXPECT_REFUSAL(4, L"The x and y decimation values must be >= 1.",
-                   differ(word, word, nullptr, nullptr, nullptr, 0, &answer, 0));
-    EXPECT_REFUSAL(0, L"",
-                   differ(word, word, &empty, nullptr, nullptr, 1, &answer, 0));  // unsupported, no tolerance
-    EXPECT_REFUSAL(6, L"The image type is not supported.",
-                   differ(word, word, &empty, nullptr, nullptr, 1, &answer, 1));
-    EXPECT_REFUSAL(
-        0, L"",
-        differ(image, image, &empty, &nullMask, nullptr, 1, &answer, 256));  // bad region, large tolerance
-    EXPECT_REFUSAL(3, L"The rectangular ROI was empty.",
-                   differ(image, image, &empty, &emptyMask, nullptr, 1, &answer, 255));
-    EXPECT_REFUSAL(3, L"The mask ROI was empty.",
-                   differ(image, image, nullptr, &emptyMask, nullptr, 1, &answer, 1));
-    EXPECT_REFUSAL(3, L"The combined ROI was empty.",
-                   differ(image, image, nullptr, &nullMask, &far, 1, &answer, 1));                 // apart
-    EXPECT_REFUSAL(3, kOutside, differ(image, image, &outside, nullptr, nullptr, 1, &answer, 1));  // outside
-    EXPECT_REFUSAL(3, kOutside, differ(image, image, &huge, nullptr, nullptr, 1, &answer, 1));     // huge
-    EXPECT_REFUSAL(0, L"", differ(image, image, nullptr, &mask, &before, 1, &answer, 1));
-    EXPECT_REFUSAL(2, L"The mask had a NULL buffer pointer.",
-                   differ(image, image, nullptr, &nullMask, nullptr, 1, &answer, 1));
-    EXPECT_REFUSAL(7, L"The rows of an input image overlap.",
-                   differ(narrow, image, nullptr, nullptr, nullptr, 1, &answer, 1));
+                   compared(word, word, {}, 0, &answer, 0));
+    // No tolerance answers ahead of the type, and one above all differences ahead of the region.
+    EXPECT_REFUSAL(0, L"", compared(word, word, {&empty}, 1, &answer, 0));
+    EXPECT_REFUSAL(6, L"The image type is not supported.", compared(word, word, {&empty}, 1, &answer));
+    EXPECT_REFUSAL(0, L"", withItself({&empty, &kNoMask}, 256));
+    EXPECT_REFUSAL(3, kEmptyRegion, withItself({&empty, &emptyMask}, 255));
+    EXPECT_REFUSAL(3, L"The mask ROI was empty.", withItself({nullptr, &emptyMask}));
+    EXPECT_REFUSAL(3, L"The combined ROI was empty.", withItself({nullptr, &kNoMask, &far}));
+    EXPECT_REFUSAL(3, kOutside, withItself({&outside}));
+    EXPECT_REFUSAL(3, kOutside, withItself({&huge}));
+    EXPECT_REFUSAL(0, L"", withItself({nullptr, &mask, &before}));
+    EXPECT_REFUSAL(2, kNullMask, withItself({nullptr, &kNoMask}));
+    EXPECT_REFUSAL(7, L"The rows of an input image overlap.", compared(narrow, image, {}, 1, &answer));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "support/CapturedLog.h"
-#include "support/Images.h"
+#include "support/Outputs.h"
 #include "support/SimdTargets.h"
 
 namespace ZPA {
@@ -35,17 +35,14 @@ template <typename T> std::vector<T> Hard() {
     using Limits = std::numeric_limits<T>;
     std::vector<T> values = {Limits::lowest(), Limits::max()};
     if constexpr (std::is_floating_point_v<T>) {
-        for (double const value :
-             {0.0,           -0.0,          0.4,           -0.4,         0.5,          -0.5,
-              2.5,           -2.5,          255.5,         300.2,        -1.0,         65535.5,
-              65536.5,       8388607.5,     16777217.0,    2147483520.0, 2147483647.0, 2147483648.0,
-              -2147483648.0, -2147483648.5, -2147483649.0, 4294967296.0, 1e30,         -1e30,
-              HUGE_VAL,      -HUGE_VAL})
-            values.push_back(static_cast<T>(value));
-        values.insert(values.end(), {Limits::quiet_NaN(), Limits::denorm_min()});
-        for (T const value : {T(0.5), T(-0.5), T(2147483648.0), T(4194303.5)})
-            values.push_back(std::nextafter(value, T(0)));
-        values.push_back(std::nextafter(T(0.5), T(1)));
+        values.insert(values.end(), {Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()});
+        // With each its sign and its neighbours.
+        for (double const size :
+             {0.0, 0.4, 0.5, 1.0, 2.5, 255.5, 300.2, 65535.5, 65536.5, 4194303.5, 8388607.5, 16777217.0,
+              2147483520.0, 2147483647.0, 2147483648.0, 2147483648.5, 2147483649.0, 4294967296.0, 1e30})
+            for (double const value : {size, -size})
+                for (T const next : {static_cast<T>(value), Limits::lowest(), Limits::max()})
+                    values.push_back(std::nextafter(static_cast<T>(value), next));
     } else {
         for (int const value : {0, 1, 44, 255, 256, 300, -1, 16777217})
             values.push_back(static_cast<T>(value));
@@ -71,12 +68,12 @@ TEST(CopyPixels, ConvertsEveryPairOnEverySimdTarget) {
                     SCOPED_TRACE(testing::Message()
                                  << TypeCodeOf<From> << " to " << TypeCodeOf<To> << ", " << shape);
                     auto source = Filled<From>(shape, seed++);
-                    TestImage<To> result({shape.width, shape.height, shape.width + 3});
-                    auto expected = result;
-                    expected.Fill([&](int x, int y) { return Model<To>(source.At(x, y)); });
-                    ImageAttributes destination = result.Attributes();
-                    ASSERT_EQ(CopyPixels(source.Attributes(), &destination), SOLVANE_OK);
-                    ASSERT_TRUE(result == expected);
+                    ExpectWrittenApart<To>(
+                        shape,
+                        [&](ImageAttributes* destination) {
+                            return CopyPixels(source.Attributes(), destination);
+                        },
+                        [&](int x, int y) { return Model<To>(source.At(x, y)); });
                 }
             });
         });
@@ -97,48 +94,42 @@ TEST(CopyPixels, CreatesAnImageForTheCaller) {
 
 TEST(CopyPixels, RefusesInItsOrder) {
     unsigned char pixels[64] = {}, other[64] = {};
-    auto const image = [](eTypeCode type, void* buffer, int width, int height, int stride) {
-        return Over(buffer, type, width, height, stride);
+    auto const from = [&](eTypeCode type, int width = 2, int height = 2, int stride = 2) {
+        return Over(pixels, type, width, height, stride);
     };
+    auto const to = [&](eTypeCode type, int width = 2, int height = 2, int stride = 2) {
+        return Over(other, type, width, height, stride);
+    };
+    auto const without = [](eTypeCode type) { return Described(type, 2, 2, 2); };
     constexpr auto kSource = L"The source image type is not supported.";
     constexpr auto kDestination = L"The destination image type is not supported.";
+    constexpr auto kInPlace = L"The destination image pointer pointed to the source.";
     constexpr auto kSize = L"The destination was not the same size as the source.";
+    constexpr auto kSourceRows = L"The source image's rows overlap.";
+    constexpr auto kUnexpected = L"Unexpected exception.";
     auto const copy = [](ImageAttributes source, ImageAttributes const& destination) {
-        ImageAttributes given = destination;
-        SOLVANE_RETURNCODE const code = CopyPixels(source, &given);
-        EXPECT_EQ(given.buffer, destination.buffer);
-        EXPECT_EQ(given.width, destination.width);
-        return code;
+        return LeavingOutput(CopyPixels)(destination, source);
     };
-    EXPECT_REFUSAL(6, kSource, copy(image(eSByte, nullptr, 2, 2, 2), image(eSByte, nullptr, 2, 2, 2)));
-    EXPECT_REFUSAL(6, kSource, copy(image(eUInt32, pixels, 2, 2, 2), image(eByte, other, 2, 2, 2)));
-    EXPECT_REFUSAL(6, kDestination,
-                   copy(image(eByte, nullptr, 2, 2, 2),
-                        image(eUInt32, nullptr, 2, 2, 2)));  // destination type before pointers
-    EXPECT_REFUSAL(2, L"The source buffer pointer was NULL.",
-                   copy(image(eByte, nullptr, 2, 2, 2), image(eByte, nullptr, 2, 2, 2)));
-    EXPECT_REFUSAL(2, L"The destination image pointer pointed to the source.",
-                   copy(image(eByte, pixels, 2, 2, 2), image(eByte, pixels, 3, 3, 3)));           // in place
-    EXPECT_REFUSAL(7, kSize, copy(image(eByte, pixels, 2, 2, 2), image(eByte, other, 3, 2, 3)));  // width
-    EXPECT_REFUSAL(7, kSize, copy(image(eByte, pixels, 2, 2, 2), image(eDouble, other, 2, 3, 2)));  // height
+    EXPECT_REFUSAL(6, kSource, copy(without(eSByte), without(eSByte)));
+    EXPECT_REFUSAL(6, kSource, copy(from(eUInt32), to(eByte)));
+    EXPECT_REFUSAL(6, kDestination, copy(without(eByte), without(eUInt32)));
+    EXPECT_REFUSAL(2, L"The source buffer pointer was NULL.", copy(without(eByte), without(eByte)));
+    EXPECT_REFUSAL(2, kInPlace, copy(from(eByte), from(eByte, 3, 3, 3)));
+    EXPECT_REFUSAL(7, kSize, copy(from(eByte), to(eByte, 3, 2, 3)));
+    EXPECT_REFUSAL(7, kSize, copy(from(eByte), to(eDouble, 2, 3, 2)));
     EXPECT_REFUSAL(5, L"ippiCopy_8u_C1R() failed. The error code was -5",
-                   copy(image(eByte, pixels, 0, 2, 2), image(eByte, other, 0, 2, 2)));
+                   copy(from(eByte, 0, 2, 2), to(eByte, 0, 2, 2)));
     EXPECT_REFUSAL(5, L"ippiCopy_32f_C1R() failed. The error code was -5",
-                   copy(image(eSingle, pixels, 2, -2, 2), image(eSingle, other, 2, -2, 2)));
-    EXPECT_REFUSAL(0, L"", copy(image(eByte, pixels, 0, 2, 2), image(eInt16, other, 0, 2, 2)));
-    EXPECT_REFUSAL(0, L"", copy(image(eDouble, pixels, -2, -2, 2), image(eDouble, other, -2, -2, 2)));
-    EXPECT_REFUSAL(7, L"The source image's rows overlap.",
-                   copy(image(eUInt16, pixels, 4, 2, 3), image(eByte, other, 4, 2, 4)));
-    EXPECT_REFUSAL(7, L"The source image's rows overlap.",
-                   copy(image(eUInt16, pixels + 32, 4, 2, -4), image(eByte, other, 4, 2, 4)));
+                   copy(from(eSingle, 2, -2, 2), to(eSingle, 2, -2, 2)));
+    EXPECT_REFUSAL(0, L"", copy(from(eByte, 0, 2, 2), to(eInt16, 0, 2, 2)));
+    EXPECT_REFUSAL(0, L"", copy(from(eDouble, -2, -2, 2), to(eDouble, -2, -2, 2)));
+    EXPECT_REFUSAL(7, kSourceRows, copy(from(eUInt16, 4, 2, 3), to(eByte, 4, 2, 4)));
+    EXPECT_REFUSAL(7, kSourceRows, copy(Over(pixels + 32, eUInt16, 4, 2, -4), to(eByte, 4, 2, 4)));
     EXPECT_REFUSAL(7, L"The destination image's rows overlap.",
-                   copy(image(eByte, pixels, 4, 2, 4), image(eByte, other, 4, 2, 3)));
-    EXPECT_REFUSAL(999, L"Unexpected exception.",
-                   copy(image(eByte, pixels, INT_MAX, INT_MAX, INT_MAX), image(eDouble, nullptr, 0, 0, 0)));
-    EXPECT_REFUSAL(999, L"Unexpected exception.",
-                   copy(image(eByte, pixels, -2, 2, 2), image(eByte, nullptr, 0, 0, 0)));
-    ExpectRefusal([&] { return CopyPixels(image(eByte, pixels, 2, 2, 2), nullptr); }, 2,
-                  L"The destination image pointer was NULL.");
+                   copy(from(eByte, 4, 2, 4), to(eByte, 4, 2, 3)));
+    EXPECT_REFUSAL(999, kUnexpected, copy(from(eByte, INT_MAX, INT_MAX, INT_MAX), without(eDouble)));
+    EXPECT_REFUSAL(999, kUnexpected, copy(from(eByte, -2, 2, 2), without(eByte)));
+    EXPECT_REFUSAL(2, L"The destination image pointer was NULL.", CopyPixels(from(eByte), nullptr));
 }
 
 TEST(CopyPixels, ReadsRowsOfEightBitsThatShareMemory) {

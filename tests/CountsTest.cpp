@@ -2,7 +2,8 @@
 #include <Basics/Statistics.h>
 #include <gtest/gtest.h>
 
-#include "support/CapturedLog.h"
+#include <numeric>
+
 #include "support/Regions.h"
 #include "support/SimdTargets.h"
 
@@ -20,26 +21,26 @@ template <typename T> TestImage<T> FewValues(Shape shape, unsigned seed) {
     return image;
 }
 
+// Of each row and column, how many pixels are another value, and how many are the value.
 struct ModelCounts {
-    int target = 0, other = 0;
-    std::vector<ULong32> targetRows, otherRows, targetColumns, otherColumns;
+    std::vector<ULong32> rows[2], columns[2];
 };
 
 template <typename T>
 ModelCounts ModelOf(TestImage<T> const& image, TestImage<unsigned char> const& mask, Choice const& choice,
                     int n) {
     ModelCounts model;
-    auto const width = static_cast<std::size_t>(choice.area.width);
-    auto const height = static_cast<std::size_t>(choice.area.height);
-    model.targetRows.resize(height), model.otherRows.resize(height);
-    model.targetColumns.resize(width), model.otherColumns.resize(width);
+    for (auto& rows : model.rows) rows.resize(static_cast<std::size_t>(choice.area.height));
+    for (auto& columns : model.columns) columns.resize(static_cast<std::size_t>(choice.area.width));
     choice.ForEach(mask, [&](int x, int y) {
         bool const found = int{image.At(x, y)} == n;
-        ++(found ? model.target : model.other);
-        ++(found ? model.targetRows : model.otherRows)[static_cast<std::size_t>(y - choice.area.y)];
-        ++(found ? model.targetColumns : model.otherColumns)[static_cast<std::size_t>(x - choice.area.x)];
+        ++model.rows[found][static_cast<std::size_t>(y - choice.area.y)];
+        ++model.columns[found][static_cast<std::size_t>(x - choice.area.x)];
     });
     return model;
+}
+int Total(std::vector<ULong32> const& counts) {
+    return static_cast<int>(std::accumulate(counts.begin(), counts.end(), 0U));
 }
 
 template <typename T> class CountsOf : public testing::Test {};
@@ -72,23 +73,17 @@ TYPED_TEST(CountsOf, AreThoseOfTheModelOnEverySimdTarget) {
                     EXPECT_EQ(
                         ImageCountOfN(attributes, choice.Roi(), chosen, choice.Origin(), n, &target, &other),
                         SOLVANE_OK);
-                    EXPECT_EQ(target, model.target);
-                    EXPECT_EQ(other, model.other);
-                    if constexpr (!std::is_signed_v<TypeParam>) {
-                        struct Way {
-                            LineCount count;
-                            std::vector<ULong32> const &targets, &others;
-                        };
-                        for (Way const& way :
-                             {Way{RowCountOfN, model.targetRows, model.otherRows},
-                              Way{ColumnCountOfN, model.targetColumns, model.otherColumns}}) {
-                            BufferAttributes targets, others;
-                            EXPECT_EQ(way.count(attributes, choice.Roi(), chosen, choice.Origin(), n,
-                                                &targets, &others),
-                                      SOLVANE_OK);
-                            EXPECT_EQ(Taken(targets), way.targets);
-                            EXPECT_EQ(Taken(others), way.others);
-                        }
+                    EXPECT_EQ(target, Total(model.rows[1]));
+                    EXPECT_EQ(other, Total(model.rows[0]));
+                    if (std::is_signed_v<TypeParam>) return;
+                    for (auto const& [count, expected] :
+                         {std::pair{&RowCountOfN, model.rows}, {&ColumnCountOfN, model.columns}}) {
+                        BufferAttributes targets, others;
+                        EXPECT_EQ(
+                            count(attributes, choice.Roi(), chosen, choice.Origin(), n, &targets, &others),
+                            SOLVANE_OK);
+                        EXPECT_EQ(Taken(targets), expected[1]);
+                        EXPECT_EQ(Taken(others), expected[0]);
                     }
                 });
             }
@@ -121,71 +116,65 @@ TEST(LineCounts, FillTheCallersBuffersNoFurtherThanNeeded) {
 }
 
 TEST(Counts, RefuseInTheirOrder) {
-    unsigned char pixels[24] = {}, maskPixels[24] = {};
-    ULong32 counts[8] = {5, 5, 5, 5, 5, 5, 5, 5}, more[8] = {}, wrong[8] = {};
-    ImageAttributes const image(eByte, pixels, 4, 3, 6, 8, 0), noPixels(eByte, nullptr, 4, 3, 6, 8, 0);
-    ImageAttributes const signedImage(eInt16, nullptr, 4, 3, 6, 16, 0),
-        floats(eSingle, nullptr, 4, 3, 6, 32, 0);
-    ImageAttributes const mask(eByte, maskPixels, 4, 3, 4, 8, 0), noMask(eByte, nullptr, 4, 3, 4, 8, 0);
-    ImageAttributes const wrongMask(eUInt16, nullptr, 4, 3, 4, 8, 0);
-    Rectangle const empty(0, 0, 2, 0), wide(3, 0, 2, 1), inside(1, 1, 3, 2);
-    APOINT const beyond(2, 0);
+    unsigned char pixels[24] = {};
+    ULong32 counts[8] = {5, 5, 5, 5, 5, 5, 5, 5}, more[8] = {};
+    ImageAttributes const image(eByte, pixels, 4, 3, 6, 8, 0), noPixels = Described(eByte, 4, 3, 6);
+    ImageAttributes const signedImage = Described(eInt16, 4, 3, 6), floats = Described(eSingle, 4, 3, 6);
     BufferAttributes const fresh, good(eUInt32, counts, 8), other(eUInt32, more, 8);
-    BufferAttributes const wrongType(eInt32, wrong, 8), tooShort(eUInt32, more, 1);
+    BufferAttributes const wrongType(eInt32, counts, 8), tooShort(eUInt32, more, 1);
     constexpr auto kType = L"The input image must be of type eByte or eUInt16.";
+    constexpr auto kNoOutput = L"Both of the output pointers were NULL.";
+    constexpr auto kOneOutput = L"Both output pointers point to same count location.";
     constexpr auto kTarget = L"There is a problem with the count of target output buffer.";
     constexpr auto kNotTarget = L"There is a problem with the count of not target output buffer.";
     struct Case {
         char const* name;
         ImageAttributes image;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
+        Region region;
         BufferAttributes const *target, *notTarget;
         int code;
         std::wstring message;
     };
     Case const cases[] = {
-        {"mask type first", floats, &empty, &wrongMask, nullptr, nullptr, nullptr, 6, kByteMask},
-        {"type", floats, &empty, &noMask, nullptr, nullptr, nullptr, 6, kType},
-        {"no output", noPixels, &empty, &noMask, nullptr, nullptr, nullptr, 2,
-         L"Both of the output pointers were NULL."},
-        {"one output", noPixels, &empty, &noMask, nullptr, &good, &good, 2,
-         L"Both output pointers point to same count location."},
-        {"null", noPixels, &empty, &noMask, nullptr, &wrongType, &other, 2, kNullImage},
-        {"empty", image, &empty, &noMask, nullptr, &wrongType, nullptr, 3, kEmptyRegion},
-        {"wide", image, &wide, &noMask, nullptr, &wrongType, nullptr, 3, kOutsideImage},
-        {"null mask", image, &inside, &noMask, &beyond, &wrongType, nullptr, 2, kNullMask},
-        {"origin", image, &inside, &mask, &beyond, &wrongType, nullptr, 3, kOutsideMask},
-        {"target's type", image, nullptr, nullptr, nullptr, &wrongType, &tooShort, 6, kTarget},
-        {"target's length", image, nullptr, nullptr, nullptr, &tooShort, nullptr, 7, kTarget},
-        {"the other's type", image, nullptr, nullptr, nullptr, &fresh, &wrongType, 6, kNotTarget},
-        {"the other's length", image, nullptr, nullptr, nullptr, &good, &tooShort, 7, kNotTarget},
+        {"mask type first", floats, {&kEmpty, &kFloatMask}, nullptr, nullptr, 6, kByteMask},
+        {"type", floats, {&kEmpty, &kNoMask}, nullptr, nullptr, 6, kType},
+        {"signed", signedImage, {&kEmpty, &kNoMask}, nullptr, nullptr, 6, kType},
+        {"no output", noPixels, {&kEmpty, &kNoMask}, nullptr, nullptr, 2, kNoOutput},
+        {"one output", noPixels, {&kEmpty, &kNoMask}, &good, &good, 2, kOneOutput},
+        {"null", noPixels, {&kEmpty, &kNoMask}, &wrongType, &other, 2, kNullImage},
+        {"target's type", image, {}, &wrongType, &tooShort, 6, kTarget},
+        {"target's length", image, {}, &tooShort, nullptr, 7, kTarget},
+        {"the other's type", image, {}, &fresh, &wrongType, 6, kNotTarget},
+        {"the other's length", image, {}, &good, &tooShort, 7, kNotTarget},
     };
-    for (Case const& each : cases)
-        for (LineCount const count : {RowCountOfN, ColumnCountOfN}) {
+    for (LineCount const count : {RowCountOfN, ColumnCountOfN}) {
+        for (Case const& each : cases) {
             SCOPED_TRACE(each.name);
             BufferAttributes target = each.target ? *each.target : fresh;
             BufferAttributes notTarget = each.notTarget ? *each.notTarget : fresh;
             auto const call = [&] {
-                return count(each.image, each.roi, each.mask, each.origin, 0, each.target ? &target : nullptr,
-                             each.notTarget ? &notTarget : nullptr);
+                return count(each.image, each.region.roi, each.region.mask, each.region.origin, 0,
+                             each.target ? &target : nullptr, each.notTarget ? &notTarget : nullptr);
             };
             ExpectRefusal(call, each.code, each.message);
             EXPECT_EQ(target.buffer, each.target ? each.target->buffer : nullptr);
         }
+        ExpectRegionRefusals([&](Region const& region) {
+            BufferAttributes target = wrongType;
+            return count(image, region.roi, region.mask, region.origin, 0, &target, nullptr);
+        });
+    }
     EXPECT_EQ(counts[0], 5u);
 
     int one = 9;
-    CapturedLog log;
-    EXPECT_EQ(ImageCountOfN(image, nullptr, &wrongMask, nullptr, 0, &one, nullptr), 6);
-    EXPECT_EQ(ImageCountOfN(floats, nullptr, nullptr, nullptr, 0, nullptr, nullptr), 6);
-    EXPECT_EQ(log.Text(), kType);
-    EXPECT_EQ(ImageCountOfN(signedImage, nullptr, nullptr, nullptr, 0, nullptr, nullptr), 2);
-    EXPECT_EQ(log.Text(), L"Both of the output pointers were NULL.");
-    EXPECT_EQ(ImageCountOfN(signedImage, nullptr, nullptr, nullptr, 0, &one, &one), 2);
-    EXPECT_EQ(log.Text(), L"Both output pointers point to same count location.");
-    EXPECT_EQ(RowCountOfN(signedImage, nullptr, nullptr, nullptr, 0, nullptr, nullptr), 6);
+    auto const count = [&](ImageAttributes const& of, Region const& region, int* target, int* notTarget) {
+        return ImageCountOfN(of, region.roi, region.mask, region.origin, 0, target, notTarget);
+    };
+    EXPECT_REFUSAL(6, kByteMask, count(image, {nullptr, &kFloatMask}, &one, nullptr));
+    EXPECT_REFUSAL(6, kType, count(floats, {}, nullptr, nullptr));
+    EXPECT_REFUSAL(2, kNoOutput, count(signedImage, {}, nullptr, nullptr));
+    EXPECT_REFUSAL(2, kOneOutput, count(signedImage, {}, &one, &one));
+    ExpectRegionRefusals([&](Region const& region) { return count(image, region, &one, nullptr); });
     EXPECT_EQ(one, 9);
 }
 

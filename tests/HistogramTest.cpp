@@ -168,95 +168,78 @@ TYPED_TEST(RealHistogramOf, CentresItsBinsAndDropsWhatHasNone) {
 
 TEST(Histogram, RefusesInItsOrder) {
     float pixels[24] = {};
-    unsigned char maskPixels[24] = {};
     ULong32 counts[300] = {5};
-    auto const image = [&](eTypeCode type, int bits = 8) {
-        return ImageAttributes(type, pixels, 4, 3, 6, bits, 0);
+    auto const image = [&](eTypeCode type, int bits = 8, int stride = 6) {
+        return ImageAttributes(type, pixels, 4, 3, stride, bits, 0);
     };
-    auto const noPixels = [&](eTypeCode type) { return ImageAttributes(type, nullptr, 4, 3, 6, 8, 0); };
-    ImageAttributes const mask(eByte, maskPixels, 4, 3, 4, 8, 0), noMask(eByte, nullptr, 4, 3, 4, 8, 0);
-    ImageAttributes const floatMask(eSingle, maskPixels, 4, 3, 4, 8, 0);
-    ImageAttributes const narrow(eByte, pixels, 4, 3, -4, 8, 0),
-        narrowFloats(eSingle, pixels, 4, 3, 3, 32, 0);
-    Rectangle const empty(0, 0, 0, 1), wide(0, 0, 5, 1), inside(1, 1, 3, 2);
-    APOINT const beyond(0, 2);
+    auto const noPixels = [](eTypeCode type) { return Described(type, 4, 3, 6); };
     BufferAttributes const good(eUInt32, counts, 300), wrong(eInt32, counts, 300),
-        tooShort(eUInt32, counts, 9), fresh;
+        tooShort(eUInt32, counts, 9);
+    BufferAttributes const fresh;
     constexpr auto kNoHistogram = L"The histogram pointer was NULL.";
     constexpr auto kHistogramType = L"The histogram must be of type eUInt32.";
+    constexpr auto kType = L"The input image must be of type eByte, eUInt16, or eInt16.";
+    constexpr auto kMaskType = L"The mask image must be of type eByte, eUInt16 or eInt16.";
+    constexpr auto kRealType = L"The input image must be of type eSingle or eDouble.";
     constexpr auto kLimits = L"Illegal minValue/maxValue.";
-    constexpr auto kSwapped = L"minValue is less than maxValue.";
     constexpr auto kTooSmall = L"The histogram buffer is too small.";
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
-        int min, max;  // and for reals `bins` from min to max
-        int bins;
-        BufferAttributes const* histogram;
-        int code;
-        std::wstring message;
-    };
-    Case const integers[] = {
-        {"null mask first", noPixels(eSingle), &empty, &noMask, nullptr, 9, 1, 0, nullptr, 2, kNullMask},
-        {"no histogram", noPixels(eSingle), &empty, &floatMask, nullptr, 9, 1, 0, nullptr, 2, kNoHistogram},
-        {"histogram's type", noPixels(eSingle), &empty, &floatMask, nullptr, 9, 1, 0, &wrong, 6,
-         kHistogramType},
-        {"type", noPixels(eSingle), &empty, &floatMask, nullptr, 9, 1, 0, &tooShort, 6,
-         L"The input image must be of type eByte, eUInt16, or eInt16."},
-        {"mask's type", noPixels(eByte), &empty, &floatMask, nullptr, 9, 1, 0, &tooShort, 6,
-         L"The mask image must be of type eByte, eUInt16 or eInt16."},
-        {"null", noPixels(eByte), &empty, &mask, &beyond, 9, 1, 0, &tooShort, 2, kNullImage},
-        {"empty", image(eByte), &empty, &mask, &beyond, 9, 1, 0, &tooShort, 3, kEmptyRegion},
-        {"wide", image(eByte), &wide, &mask, &beyond, 9, 1, 0, &tooShort, 3, kOutsideImage},
-        {"swapped", image(eByte), &inside, &mask, &beyond, 9, 8, 0, &tooShort, 4, kLimits},
-        {"beyond the bits", image(eByte), &inside, &mask, &beyond, 0, 256, 0, &tooShort, 4, kLimits},
-        {"no bits", image(eByte, 0), &inside, &mask, &beyond, 0, 0, 0, &good, 4, kLimits},
-        {"32 bits", image(eInt16, 32), &inside, &mask, &beyond, 0, 0, 0, &good, 4, kLimits},
-        {"too short", image(eByte), &inside, &mask, &beyond, 0, 9, 0, &tooShort, 7, kTooSmall},
-        {"too many for any", image(eInt16, 31), &inside, &mask, &beyond, INT_MIN, INT_MAX, 0, &good, 7,
-         kTooSmall},
-        {"too many to create", image(eInt16, 31), nullptr, nullptr, nullptr, INT_MIN, INT_MAX, 0, &fresh, 999,
-         L"Unexpected exception."},
-        {"origin", image(eByte), &inside, &mask, &beyond, 0, 9, 0, &fresh, 3, kOutsideMask},
-        {"rows overlap", narrow, nullptr, nullptr, nullptr, 0, 9, 0, &good, 7, kRowsOverlap},
-    };
-    Case const reals[] = {
-        {"null mask first", noPixels(eByte), &empty, &noMask, nullptr, 9, 1, 0, nullptr, 2, kNullMask},
-        {"mask's type", noPixels(eByte), &empty, &floatMask, nullptr, 9, 1, 0, nullptr, 6, kByteMask},
-        {"no histogram", noPixels(eByte), &empty, &mask, nullptr, 9, 1, 0, nullptr, 2, kNoHistogram},
-        {"histogram's type", noPixels(eByte), &empty, &mask, nullptr, 9, 1, 0, &wrong, 6, kHistogramType},
-        {"type", noPixels(eByte), &empty, &mask, nullptr, 9, 1, 0, &tooShort, 6,
-         L"The input image must be of type eSingle or eDouble."},
-        {"null", noPixels(eSingle), &empty, &mask, &beyond, 9, 1, 0, &tooShort, 2, kNullImage},
-        {"empty", image(eSingle), &empty, &mask, &beyond, 9, 1, 0, &tooShort, 3, kEmptyRegion},
-        {"wide", image(eSingle), &wide, &mask, &beyond, 9, 1, 0, &tooShort, 3, kOutsideImage},
-        {"swapped", image(eSingle), &inside, &mask, &beyond, 9, 8, 0, &tooShort, 4, kSwapped},
-        {"no bins", image(eSingle), &inside, &mask, &beyond, 0, 9, 0, &tooShort, 4,
-         L"binCount must be >= 1."},
-        {"too short", image(eSingle), &inside, &mask, &beyond, 0, 9, 10, &tooShort, 7, kTooSmall},
-        {"origin", image(eSingle), &inside, &mask, &beyond, 0, 9, 10, &fresh, 3, kOutsideMask},
-        {"rows overlap", narrowFloats, nullptr, nullptr, nullptr, 0, 9, 10, &good, 7, kRowsOverlap},
-    };
-    auto const check = [&](Case const& each, bool real) {
-        SCOPED_TRACE(testing::Message() << (real ? "real, " : "integer, ") << each.name);
-        BufferAttributes histogram = each.histogram ? *each.histogram : fresh;
-        BufferAttributes* const given = each.histogram ? &histogram : nullptr;
-        auto const call = [&] {
-            return real ? GetRealHistogram(each.image, each.roi, each.mask, each.origin, each.bins, each.min,
-                                           each.max, given)
-                        : GetIntegerHistogram(each.image, each.roi, each.mask, each.origin, &each.min,
-                                              &each.max, given);
-        };
-        ExpectRefusal(call, each.code, each.message);
-        // What was created is gone, and what was given is untouched.
-        EXPECT_EQ(histogram.buffer, each.histogram ? each.histogram->buffer : nullptr);
+    // What is created is gone, and what is given is untouched.
+    auto const leaving = [&](BufferAttributes const* histogram, auto const& call) {
+        BufferAttributes given = histogram ? *histogram : fresh;
+        SOLVANE_RETURNCODE const code = call(histogram ? &given : nullptr);
+        EXPECT_EQ(given.buffer, histogram ? histogram->buffer : nullptr);
         EXPECT_EQ(counts[0], 5u);
+        return code;
     };
-    for (Case const& each : integers) check(each, false);
-    for (Case const& each : reals) check(each, true);
+    auto const ofIntegers = [&](ImageAttributes of, Region const& region, int min, int max,
+                                BufferAttributes const* histogram) {
+        return leaving(histogram, [&](BufferAttributes* given) {
+            return GetIntegerHistogram(of, region.roi, region.mask, region.origin, &min, &max, given);
+        });
+    };
+    auto const ofReals = [&](ImageAttributes of, Region const& region, int bins, double min, double max,
+                             BufferAttributes const* histogram) {
+        return leaving(histogram, [&](BufferAttributes* given) {
+            return GetRealHistogram(of, region.roi, region.mask, region.origin, bins, min, max, given);
+        });
+    };
+    Region const noMask{&kEmpty, &kNoMask}, floatMask{&kEmpty, &kFloatMask}, empty{&kEmpty, &kMask, &kBeyond};
+    Region const beyond{&kInside, &kMask, &kBeyond}, whole;
+
+    EXPECT_REFUSAL(2, kNullMask, ofIntegers(noPixels(eSingle), noMask, 9, 1, nullptr));
+    EXPECT_REFUSAL(2, kNoHistogram, ofIntegers(noPixels(eSingle), floatMask, 9, 1, nullptr));
+    EXPECT_REFUSAL(6, kHistogramType, ofIntegers(noPixels(eSingle), floatMask, 9, 1, &wrong));
+    EXPECT_REFUSAL(6, kType, ofIntegers(noPixels(eSingle), floatMask, 9, 1, &tooShort));
+    EXPECT_REFUSAL(6, kMaskType, ofIntegers(noPixels(eByte), floatMask, 9, 1, &tooShort));
+    EXPECT_REFUSAL(2, kNullImage, ofIntegers(noPixels(eByte), empty, 9, 1, &tooShort));
+    EXPECT_REFUSAL(3, kEmptyRegion, ofIntegers(image(eByte), empty, 9, 1, &tooShort));
+    EXPECT_REFUSAL(4, kLimits, ofIntegers(image(eByte), beyond, 9, 8, &tooShort));
+    EXPECT_REFUSAL(4, kLimits, ofIntegers(image(eByte), beyond, 0, 256, &tooShort));
+    EXPECT_REFUSAL(4, kLimits, ofIntegers(image(eByte, 0), beyond, 0, 0, &good));
+    EXPECT_REFUSAL(4, kLimits, ofIntegers(image(eInt16, 32), beyond, 0, 0, &good));
+    EXPECT_REFUSAL(7, kTooSmall, ofIntegers(image(eByte), beyond, 0, 9, &tooShort));
+    EXPECT_REFUSAL(7, kTooSmall, ofIntegers(image(eInt16, 31), beyond, INT_MIN, INT_MAX, &good));
+    EXPECT_REFUSAL(999, L"Unexpected exception.",
+                   ofIntegers(image(eInt16, 31), whole, INT_MIN, INT_MAX, &fresh));
+    EXPECT_REFUSAL(7, kRowsOverlap, ofIntegers(image(eByte, 8, -4), whole, 0, 9, &good));
+    ExpectRegionRefusals([&](Region const& region) { return ofIntegers(image(eByte), region, 0, 9, &fresh); },
+                         kOutsideImage, true);
+
+    EXPECT_REFUSAL(2, kNullMask, ofReals(noPixels(eByte), noMask, 0, 9, 1, nullptr));
+    EXPECT_REFUSAL(6, kByteMask, ofReals(noPixels(eByte), floatMask, 0, 9, 1, nullptr));
+    EXPECT_REFUSAL(2, kNoHistogram, ofReals(noPixels(eByte), empty, 0, 9, 1, nullptr));
+    EXPECT_REFUSAL(6, kHistogramType, ofReals(noPixels(eByte), empty, 0, 9, 1, &wrong));
+    EXPECT_REFUSAL(6, kRealType, ofReals(noPixels(eByte), empty, 0, 9, 1, &tooShort));
+    EXPECT_REFUSAL(2, kNullImage, ofReals(noPixels(eSingle), empty, 0, 9, 1, &tooShort));
+    EXPECT_REFUSAL(3, kEmptyRegion, ofReals(image(eSingle), empty, 0, 9, 1, &tooShort));
+    EXPECT_REFUSAL(4, L"minValue is less than maxValue.",
+                   ofReals(image(eSingle), beyond, 0, 9, 8, &tooShort));
+    EXPECT_REFUSAL(4, L"binCount must be >= 1.", ofReals(image(eSingle), beyond, 0, 0, 9, &tooShort));
+    EXPECT_REFUSAL(7, kTooSmall, ofReals(image(eSingle), beyond, 10, 0, 9, &tooShort));
+    EXPECT_REFUSAL(7, kRowsOverlap, ofReals(image(eSingle, 32, 3), whole, 10, 0, 9, &good));
+    ExpectRegionRefusals(
+        [&](Region const& region) { return ofReals(image(eSingle), region, 10, 0, 9, &fresh); },
+        kOutsideImage, true);
 }
 
 // Element by element, from the formulas.

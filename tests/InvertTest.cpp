@@ -2,7 +2,6 @@
 #include <Basics/Statistics.h>
 #include <gtest/gtest.h>
 
-#include "support/CapturedLog.h"
 #include "support/Regions.h"
 #include "support/SimdTargets.h"
 
@@ -62,56 +61,31 @@ TYPED_TEST(InversionOf, IsThatOfTheModelOnEverySimdTarget) {
 
 TEST(Inversion, RefusesInItsOrder) {
     unsigned short pixels[24] = {}, to[24] = {};
-    unsigned char maskPixels[24] = {};
-    ImageAttributes const image(eUInt16, pixels, 4, 3, 6, 16, 0), noPixels(eUInt16, nullptr, 4, 3, 6, 16, 0);
-    ImageAttributes const shorts(eInt16, nullptr, 4, 3, 6, 16, 0), narrow(eUInt16, pixels, 6, 4, 4, 8, 0);
-    ImageAttributes const oneRow(eUInt16, pixels, 20, 1, 5, 16, 0);
-    ImageAttributes const mask(eByte, maskPixels, 4, 3, 4, 8, 0), noMask(eByte, nullptr, 4, 3, 4, 8, 0);
-    ImageAttributes const wrongMask(eUInt16, nullptr, 4, 3, 4, 8, 0);
-    ImageAttributes const same(eUInt16, to, 4, 3, 6, 16, 0), sameShorts(eInt16, to, 4, 3, 6, 16, 0);
-    ImageAttributes const longer(eUInt16, to, 4, 4, 6, 16, 0), noOutput(eUInt16, nullptr, 4, 3, 6, 16, 0);
-    ImageAttributes const ofRows(eUInt16, to, 4, 4, 4, 16, 0), ofNegatives(eUInt16, to, 4, -2, -9, 16, 0);
-    ImageAttributes const five(eUInt16, to, 5, 1, 5, 16, 0);
-    Rectangle const empty(0, 0, 0, 1), wide(0, 0, 5, 1), inside(1, 1, 3, 2);
-    APOINT const beyond(0, 2);
+    ImageAttributes const image = Over(pixels, eUInt16, 4, 3, 6), noPixels = Described(eUInt16, 4, 3, 6);
+    ImageAttributes const shorts = Described(eInt16, 4, 3, 6), narrow(eUInt16, pixels, 6, 4, 4, 8, 0);
+    ImageAttributes const same = Over(to, eUInt16, 4, 3, 6), oneRow = Over(pixels, eUInt16, 20, 1, 5);
     constexpr auto kDiffer = L"The output and input images must be of the same type and type";
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
-        ImageAttributes const* output;
-        int code;
-        std::wstring message;
-    };
-    Case const cases[] = {
-        {"no output", shorts, &empty, &wrongMask, nullptr, nullptr, 2, L"Ouput pointer is null"},
-        {"type differs", shorts, &empty, &wrongMask, nullptr, &same, 7, kDiffer},
-        {"size differs", image, &empty, &wrongMask, nullptr, &longer, 7, kDiffer},
-        {"mask type", shorts, &empty, &wrongMask, nullptr, &sameShorts, 7, kByteMask},
-        {"type", shorts, &empty, &noMask, nullptr, &sameShorts, 6,
-         L"The input image must be of type eByte or eUInt16."},
-        {"null", noPixels, &empty, &noMask, nullptr, &same, 2, kNullImage},
-        {"empty", image, &empty, &noMask, nullptr, &same, 3, kEmptyRegion},
-        {"wide", image, &wide, &noMask, nullptr, &same, 3, kOutsideImage},
-        {"null mask", image, &inside, &noMask, &beyond, &same, 2, kNullMask},
-        {"origin", image, &inside, &mask, &beyond, &same, 3, kOutsideMask},
-        {"null output", image, nullptr, nullptr, nullptr, &noOutput, 2,
-         L"The output image had a NULL buffer pointer."},
-        {"rows overlap", narrow, nullptr, nullptr, nullptr, &ofRows, 7, kDiffer},
-        {"negative output", image, nullptr, nullptr, nullptr, &ofNegatives, 7, kDiffer},
-        {"row wider than the stride", oneRow, nullptr, nullptr, nullptr, &five, 7, kDiffer},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
-        ImageAttributes output = each.output ? *each.output : ImageAttributes();
-        ImageAttributes* const given = each.output ? &output : nullptr;
-        auto const call = [&](auto invert) {
-            return [=, &each] { return invert(each.image, each.roi, each.mask, each.origin, given); };
+    constexpr auto kType = L"The input image must be of type eByte or eUInt16.";
+    constexpr auto kNoOutput = L"The output image had a NULL buffer pointer.";
+    Region const typeOfMask{&kEmpty, &kFloatMask}, empty{&kEmpty, &kNoMask}, whole;
+    for (auto const operation : {InvertGray, InvertMaskImage}) {
+        auto const invert = [&](ImageAttributes of, Region const& region, ImageAttributes output) {
+            return operation(of, region.roi, region.mask, region.origin, &output);
         };
-        ExpectRefusal(call(InvertGray), each.code, each.message);
-        ExpectRefusal(call(InvertMaskImage), each.message == kByteMask ? 6 : each.code, each.message);
+        EXPECT_REFUSAL(2, L"Ouput pointer is null",
+                       operation(shorts, &kEmpty, &kFloatMask, nullptr, nullptr));
+        EXPECT_REFUSAL(7, kDiffer, invert(shorts, typeOfMask, same));
+        EXPECT_REFUSAL(7, kDiffer, invert(image, typeOfMask, Over(to, eUInt16, 4, 4, 6)));
+        EXPECT_REFUSAL(operation == InvertGray ? 7 : 6, kByteMask,
+                       invert(shorts, typeOfMask, Over(to, eInt16, 4, 3, 6)));
+        EXPECT_REFUSAL(6, kType, invert(shorts, empty, Over(to, eInt16, 4, 3, 6)));
+        EXPECT_REFUSAL(2, kNullImage, invert(noPixels, empty, same));
+        ExpectRegionRefusals([&](Region const& region) { return invert(image, region, noPixels); });
+        EXPECT_REFUSAL(2, kNoOutput, invert(image, whole, noPixels));
+        // Rows that overlap, backwards, and wider than the stride.
+        EXPECT_REFUSAL(7, kDiffer, invert(narrow, whole, Over(to, eUInt16, 4, 4, 4)));
+        EXPECT_REFUSAL(7, kDiffer, invert(image, whole, Over(to, eUInt16, 4, -2, -9)));
+        EXPECT_REFUSAL(7, kDiffer, invert(oneRow, whole, Over(to, eUInt16, 5, 1, 5)));
     }
     for (unsigned short const pixel : to) EXPECT_EQ(pixel, 0);
 }

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 
 #include "support/CapturedLog.h"
 #include "support/Images.h"
@@ -15,32 +14,21 @@ namespace {
 
 using namespace Testing;
 
-TEST(CopyImage, CopiesThePaddingToo) {
-    ForEachType<std::uint8_t, std::uint16_t, double>([](auto element) {
-        auto source = RandomImage<decltype(element)>({5, 3, 8}, 1);
-        ImageAttributes copy;
-        ASSERT_EQ(copyImage(source.Attributes(12, 3), &copy), SOLVANE_OK);
-        EXPECT_EQ(std::memcmp(copy.buffer, source.Pixels(), source.Size() * sizeof element), 0);
-        EXPECT_EQ(Description(copy), Description(source.Attributes(12, 3)));
-        FreePixels(copy.buffer);
-    });
-}
-
-TEST(CopyImage, HoldsTheWholeLastRowWhereTheStrideIsNarrow) {
-    unsigned char const pixels[] = {1, 2, 3, 4, 5, 6, 7, 8};
-    void* const first = const_cast<unsigned char*>(pixels);
-    struct Case {
-        ImageAttributes source;
-        std::size_t bytes;
+TEST(CopyImage, CopiesThePaddingAndTheWholeLastRow) {
+    auto pixels = RandomImage<double>({24, 1, 24}, 1);
+    auto const of = [&](eTypeCode type, int width, int height, int stride) {
+        return ImageAttributes(type, pixels.Pixels(), width, height, stride, 8 * SizeOfTypeCode(type), 3);
     };
-    Case const cases[] = {{{eByte, first, 8, 1, 0, 8, 0}, 8},
-                          {{eUInt16, first, 4, 1, 2, 16, 0}, 8},
-                          {{eByte, first, 4, 3, 2, 8, 0}, 8}};
-    for (Case const& each : cases) {
+    for (ImageAttributes const& source : {of(eByte, 5, 3, 8), of(eUInt16, 5, 3, 8), of(eDouble, 5, 3, 8),
+                                          of(eByte, 8, 1, 0), of(eUInt16, 4, 1, 2), of(eByte, 4, 3, 2)}) {
         ImageAttributes copy;
-        ASSERT_EQ(copyImage(each.source, &copy), SOLVANE_OK);
-        EXPECT_EQ(std::memcmp(copy.buffer, pixels, each.bytes), 0);  // the sanitizers see what is too short
-        EXPECT_EQ(copy.stride, each.source.stride);
+        ASSERT_EQ(copyImage(source, &copy), SOLVANE_OK);
+        EXPECT_EQ(Description(copy), Description(source));
+        int const size = source.stride * (source.height - 1) + std::max(source.width, source.stride);
+        // The sanitizers see what is too short.
+        EXPECT_EQ(std::memcmp(copy.buffer, pixels.Pixels(),
+                              static_cast<std::size_t>(size * SizeOfTypeCode(source.type))),
+                  0);
         FreePixels(copy.buffer);
     }
 }
@@ -49,31 +37,22 @@ TEST(CopyImage, FreesTheDestinationOnEveryFailure) {
     constexpr auto kNull = L"template_copy(): Null pointer.";
     constexpr auto kOverlap = L"template_copy(): The rows of the source overlap.";
     unsigned short pixels[16] = {};
-    struct Case {
-        char const* name;
-        ImageAttributes source;
-        bool filled;  // whether the destination has pixels
-        int code;
-        std::wstring message;
-    };
-    Case const cases[] = {
-        {"type", {eInt16, pixels, 2, 2, 2, 16, 0}, true, 6, L""},
-        {"null source", {eUInt16, nullptr, 2, 2, 2, 16, 0}, true, 2, kNull},
-        {"destination with pixels", {eUInt16, pixels, 2, 2, 2, 16, 0}, true, 2, kNull},
-        {"no memory", {eDouble, pixels, 1, INT_MAX, INT_MAX, 64, 0}, false, 1, kNull},
-        {"negative height", {eUInt16, pixels, 2, -2, 2, 16, 0}, false, 1, kNull},
-        {"negative stride", {eUInt16, pixels, 2, 1, -2, 16, 0}, false, 1, kNull},
-        {"rows overlap", {eUInt16, pixels, 4, 2, 3, 16, 0}, false, 7, kOverlap},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
+    auto const copy = [](ImageAttributes source, bool toPixels) {
         ImageAttributes destination;
-        if (each.filled) destination.buffer = new unsigned short[4];
-        ExpectRefusal([&] { return copyImage(each.source, &destination); }, each.code, each.message);
+        if (toPixels) destination.buffer = new unsigned short[4];
+        SOLVANE_RETURNCODE const code = copyImage(source, &destination);
         EXPECT_EQ(destination.buffer, nullptr);
         EXPECT_EQ(destination.width, 0);
-    }
-    EXPECT_EQ(copyImage({eUInt16, pixels, 2, 2, 2, 16, 0}, nullptr), SOLVANE_NULL_POINTER);
+        return code;
+    };
+    EXPECT_REFUSAL(6, L"", copy(Over(pixels, eInt16, 2, 2, 2), true));
+    EXPECT_REFUSAL(2, kNull, copy(Described(eUInt16, 2, 2, 2), true));
+    EXPECT_REFUSAL(2, kNull, copy(Over(pixels, eUInt16, 2, 2, 2), true));
+    EXPECT_REFUSAL(1, kNull, copy(Over(pixels, eDouble, 1, INT_MAX, INT_MAX), false));
+    EXPECT_REFUSAL(1, kNull, copy(Over(pixels, eUInt16, 2, -2, 2), false));
+    EXPECT_REFUSAL(1, kNull, copy(Over(pixels, eUInt16, 2, 1, -2), false));
+    EXPECT_REFUSAL(7, kOverlap, copy(Over(pixels, eUInt16, 4, 2, 3), false));
+    EXPECT_EQ(copyImage(Over(pixels, eUInt16, 2, 2, 2), nullptr), SOLVANE_NULL_POINTER);
 }
 
 // The cores are told their elements by the caller, and the memory by the descriptor.
@@ -135,20 +114,17 @@ TEST(ApplyMask, RefusesInItsOrder) {
     constexpr auto kSizes = L"ApplyMask(): Image and mask cannot be different sizes.";
     constexpr auto kMaskType = L"ApplyMask(): Mask must be unsigned char.";
     unsigned char pixels[8] = {};
-    ImageAttributes const negative(eByte, pixels, 2, -1, -2, 8, 0);
-    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 3, 3, 5)));  // width
-    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 2, 5)));  // height
-    EXPECT_REFUSAL(4, kSizes, ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 4)));  // stride
-    EXPECT_REFUSAL(
-        4, kSizes,
-        ApplyMask(Described(eByte, 4, 3, 5), Described(eUInt16, 3, 3, 5)));  // sizes before mask type
-    EXPECT_REFUSAL(
-        4, kMaskType,
-        ApplyMask(Described(eSingle, 4, 3, 5), Described(eUInt16, 4, 3, 5)));  // mask type before image type
-    EXPECT_REFUSAL(
-        6, L"", ApplyMask(Described(eSingle, 4, 3, 5), Described(eByte, 4, 3, 5)));  // image type in silence
-    EXPECT_REFUSAL(2, L"ApplyMask(): Null pointer.",
-                   ApplyMask(Described(eByte, 4, 3, 5), Described(eByte, 4, 3, 5)));
+    ImageAttributes const negative = Over(pixels, eByte, 2, -1, -2);
+    auto const apply = [](eTypeCode type, ImageAttributes mask) {
+        return ApplyMask(Described(type, 4, 3, 5), mask);
+    };
+    EXPECT_REFUSAL(4, kSizes, apply(eByte, Described(eByte, 3, 3, 5)));
+    EXPECT_REFUSAL(4, kSizes, apply(eByte, Described(eByte, 4, 2, 5)));
+    EXPECT_REFUSAL(4, kSizes, apply(eByte, Described(eByte, 4, 3, 4)));
+    EXPECT_REFUSAL(4, kSizes, apply(eByte, Described(eUInt16, 3, 3, 5)));
+    EXPECT_REFUSAL(4, kMaskType, apply(eSingle, Described(eUInt16, 4, 3, 5)));
+    EXPECT_REFUSAL(6, L"", apply(eSingle, Described(eByte, 4, 3, 5)));
+    EXPECT_REFUSAL(2, L"ApplyMask(): Null pointer.", apply(eByte, Described(eByte, 4, 3, 5)));
     EXPECT_REFUSAL(3, L"ApplyMask(): The image's size is negative.", ApplyMask(negative, negative));
 }
 
@@ -194,62 +170,25 @@ TEST(DiffBuffer, RefusesInItsOrder) {
 }
 
 TEST(ClipImage, ComparesWholeLimitsOnEverySimdTarget) {
-    struct Limits {
-        int low, high;
-    };
-    Limits const all[] = {{-100, 100},      {100, -100},        {0, 0},
-                          {-32768, 32767},  {-40000, 40000},    {40000, 50000},
-                          {-50000, -40000}, {INT_MIN, INT_MAX}, {5, 70000}};
-    for (Limits const limits : all)
-        ForEachSimdTarget([&] {
-            SCOPED_TRACE(testing::Message() << limits.low << " to " << limits.high);
-            auto image = RandomImage<short>({131, 1, 131}, 4);
-            auto expected = image;
-            for (std::size_t i = 0; i < expected.Size(); ++i) {
-                short& pixel = expected.Pixels()[i];
-                int const value = pixel;
-                if (value < limits.low)
-                    pixel = static_cast<short>(limits.low);
-                else if (value > limits.high)
-                    pixel = static_cast<short>(limits.high);
-            }
-            ClipImage(image.Pixels(), 131, limits.low, limits.high);
+    auto const before = RandomImage<short>({131, 1, 131}, 4);
+    constexpr int kLimits[][2] = {{-100, 100},      {100, -100},        {0, 0},
+                                  {-32768, 32767},  {-40000, 40000},    {40000, 50000},
+                                  {-50000, -40000}, {INT_MIN, INT_MAX}, {5, 70000}};
+    for (auto const& [low, high] : kLimits)
+        ForEachSimdTarget([&, low = low, high = high] {
+            SCOPED_TRACE(testing::Message() << low << " to " << high);
+            auto image = before, expected = before;
+            expected.Fill([&](int x, int y) {
+                int const pixel = before.At(x, y);
+                return pixel < low ? low : pixel > high ? high : pixel;
+            });
+            ClipImage(image.Pixels(), 131, low, high);
             EXPECT_TRUE(image == expected);
         });
     ClipImage(nullptr, 5, 0, 1);
     short one = 7;
     ClipImage(&one, -1, 0, 1);
     EXPECT_EQ(one, 7);
-}
-
-TEST(Operations, OpenTheirScopeInTheLog) {
-    unsigned short pixels[4] = {};
-    unsigned short others[4] = {};
-    ImageAttributes image(eUInt16, pixels, 2, 2, 2, 16, 0);
-    ImageAttributes other(eUInt16, others, 2, 2, 2, 16, 0);
-    BufferAttributes buffer(eInt16, pixels, 2), words(eUInt16, pixels, 4);
-    bool answer = false;
-    ImageAttributes made;
-    BufferAttributes madeBuffer;
-    struct Case {
-        std::wstring scopes;
-        std::function<void()> call;
-    };
-    Case const cases[] = {
-        {L"CopyPixels{}", [&] { CopyPixels(image, &other); }},
-        {L"SetPixels{}", [&] { SetPixels(nullptr, nullptr, nullptr, 0, 1, image); }},
-        {L"copyImage{}", [&] { copyImage(image, &made); }},
-        {L"copyBuffer{}", [&] { copyBuffer(words, &madeBuffer); }},
-        {L"ApplyMask{}", [&] { ApplyMask(image, image); }},
-        {L"compare{}", [&] { compare(image, other); }},
-        {L"DecimateAndCompare{}",
-         [&] { DecimateAndCompare(image, other, nullptr, nullptr, nullptr, 1, 1, 1, &answer); }},
-        {L"DiffBuffer{}", [&] { DiffBuffer(buffer, &buffer); }},
-        {L"ClipImage{}", [&] { ClipImage(reinterpret_cast<short*>(pixels), 4, 0, 1); }},
-    };
-    for (Case const& each : cases) EXPECT_EQ(ScopesOf(each.call), each.scopes);
-    FreePixels(made.buffer);
-    FreePixels(madeBuffer.buffer);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <Basics/Statistics.h>
 #include <gtest/gtest.h>
 
-#include "support/CapturedLog.h"
 #include "support/Regions.h"
 #include "support/SimdTargets.h"
 
@@ -258,124 +257,78 @@ constexpr auto kType = L"The input image type is not supported";
 
 TEST(Statistics, RefuseInTheirOrder) {
     unsigned short pixels[24] = {};
-    unsigned char maskPixels[24] = {};
-    ImageAttributes const image(eUInt16, pixels, 4, 3, 6, 16, 0), noPixels(eUInt16, nullptr, 4, 3, 6, 16, 0);
-    ImageAttributes const floats(eSingle, nullptr, 4, 3, 6, 32, 0), narrow(eUInt16, pixels, 4, 3, 3, 16, 0);
-    ImageAttributes const mask(eByte, maskPixels, 4, 3, 4, 8, 0), noMask(eByte, nullptr, 4, 3, 4, 8, 0);
-    ImageAttributes const wrongMask(eSByte, nullptr, 4, 3, 4, 8, 0);
-    Rectangle const empty(0, 0, 0, 2), negative(0, -1, 2, 2), huge(1, 1, INT_MAX, INT_MAX),
-        inside(1, 1, 3, 2);
-    APOINT const before(-1, 0), beyond(0, INT_MAX);
-    struct Case {
-        char const* name;
-        ImageAttributes image;
-        Rectangle const* roi;
-        ImageAttributes const* mask;
-        APOINT const* origin;
-        int code;
-        std::wstring message;
-    };
-    Case const cases[] = {
-        {"mask type first", floats, &empty, &wrongMask, nullptr, 7, kByteMask},
-        {"type", floats, &empty, &noMask, nullptr, 6, kType},
-        {"null", noPixels, &empty, &noMask, nullptr, 2, kNullImage},
-        {"empty", image, &empty, &noMask, nullptr, 3, kEmptyRegion},
-        {"negative", image, &negative, &noMask, nullptr, 3, kOutsideImage},
-        {"huge", image, &huge, &noMask, nullptr, 3, kOutsideImage},
-        {"null mask", image, &inside, &noMask, &before, 2, kNullMask},
-        {"origin before", image, &inside, &mask, &before, 3, kOutsideMask},
-        {"origin beyond", image, &inside, &mask, &beyond, 3, kOutsideMask},
-        {"rows overlap", narrow, nullptr, nullptr, nullptr, 7, kRowsOverlap},
-    };
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
+    ImageAttributes const image = Over(pixels, eUInt16, 4, 3, 6), floats = Described(eSingle, 4, 3, 6);
+    auto const measure = [](ImageAttributes of, Region const& region) {
         Measures found{1, 2, 3, 4};
-        auto const measure = [&] {
-            return CalculateImageStats(each.image, each.roi, each.mask, each.origin, &found.min, &found.max,
-                                       &found.mean, &found.stdDev);
-        };
-        auto const score = [&] {
-            return NormalizeImage(each.image, each.roi, each.mask, each.origin, nullptr);
-        };
-        ExpectRefusal(measure, each.code, each.message);
+        SOLVANE_RETURNCODE const code = CalculateImageStats(
+            of, region.roi, region.mask, region.origin, &found.min, &found.max, &found.mean, &found.stdDev);
         EXPECT_TRUE(found == (Measures{1, 2, 3, 4}));
-        ExpectRefusal(score, each.code, each.message);
-    }
+        return code;
+    };
+    auto const score = [](ImageAttributes of, Region const& region) {
+        return NormalizeImage(of, region.roi, region.mask, region.origin, nullptr);
+    };
+    auto const expectRefusals = [&](auto const& call) {
+        EXPECT_REFUSAL(7, kByteMask, call(floats, {&kEmpty, &kFloatMask}));
+        EXPECT_REFUSAL(6, kType, call(floats, {&kEmpty, &kNoMask}));
+        EXPECT_REFUSAL(2, kNullImage, call(Described(eUInt16, 4, 3, 6), {&kEmpty, &kNoMask}));
+        ExpectRegionRefusals([&](Region const& region) { return call(image, region); });
+        EXPECT_REFUSAL(7, kRowsOverlap, call(Over(pixels, eUInt16, 4, 3, 3), {}));
+    };
+    expectRefusals(measure);
+    expectRefusals(score);
     EXPECT_EQ(CalculateImageStats(image, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
               SOLVANE_OK);
 }
 
 TEST(ScoresOfImages, RefuseOutputsWithoutRoom) {
     unsigned short pixels[24] = {}, scores[24] = {};
-    ImageAttributes const image(eUInt16, pixels, 4, 3, 6, 16, 0);
+    auto const score = [&](ImageAttributes output, Rectangle const* roi = nullptr) {
+        return int{NormalizeImage(Over(pixels, eUInt16, 4, 3, 6), roi, nullptr, nullptr, &output)};
+    };
     Rectangle const top(0, 0, 4, 2);
-    struct Case {
-        char const* name;
-        ImageAttributes output;
-        Rectangle const* roi;
-        int code;
-    };
-    Case const cases[] = {
-        {"null", {eUInt16, nullptr, 4, 3, 6, 16, 0}, nullptr, 2},
-        {"narrower elements", {eByte, scores, 8, 6, 8, 8, 0}, nullptr, 7},
-        {"too few rows", {eUInt16, scores, 4, 2, 6, 16, 0}, nullptr, 7},
-        {"too short a stride", {eUInt16, scores, 4, 3, 5, 16, 0}, nullptr, 7},
-        {"negative", {eUInt16, scores, 4, -3, -6, 16, 0}, nullptr, 7},
-        {"another shape with room", {eUInt16, scores, 16, 1, 16, 16, 0}, nullptr, 0},
-        {"room in the last row's padding", {eUInt16, scores, 3, 3, 6, 16, 0}, nullptr, 7},
-        {"room for the region", {eUInt16, scores, 4, 2, 6, 16, 0}, &top, 0},
-    };
-    for (Case each : cases) {
-        SCOPED_TRACE(each.name);
-        EXPECT_EQ(NormalizeImage(image, each.roi, nullptr, nullptr, &each.output), each.code);
-    }
+    EXPECT_EQ(score(Described(eUInt16, 4, 3, 6)), 2);
+    EXPECT_EQ(score(Over(scores, eByte, 8, 6, 8)), 7);    // narrower elements
+    EXPECT_EQ(score(Over(scores, eUInt16, 4, 2, 6)), 7);  // too few rows
+    EXPECT_EQ(score(Over(scores, eUInt16, 4, 3, 5)), 7);  // too short a stride
+    EXPECT_EQ(score(Over(scores, eUInt16, 4, -3, -6)), 7);
+    EXPECT_EQ(score(Over(scores, eUInt16, 16, 1, 16)), 0);  // another shape with room
+    EXPECT_EQ(score(Over(scores, eUInt16, 3, 3, 6)), 7);    // room in the last row's padding
+    EXPECT_EQ(score(Over(scores, eUInt16, 4, 2, 6), &top), 0);
 }
 
 TEST(BufferStatistics, RefuseInTheirOrder) {
     float elements[4] = {};
     BufferAttributes const buffer(eSingle, elements, 4), shorts(eInt16, nullptr, 4),
         none(eSingle, nullptr, 4);
+    BufferAttributes const longer(eSingle, elements, 5), narrow(eUInt16, elements, 4);
     int const before = -1, beyond = 5;
     constexpr auto kRange = L"The range of indices was out of bounds in the input buffer.";
     constexpr auto kSizes = L"Input and Output buffers must be of the same size";
     constexpr auto kNoOutput = L"The output buffer had a NULL buffer pointer.";
-    BufferAttributes sameSize(eSingle, nullptr, 4), longer(eSingle, elements, 5),
-        narrow(eUInt16, elements, 4);
-    struct Case {
-        char const* name;
-        BufferAttributes buffer;
-        int const *start, *end;
-        int code;
-        std::wstring message;
-    };
-    Case const cases[] = {{"type", shorts, &before, nullptr, 6, kType},
-                          {"null", none, &before, nullptr, 2, kNullImage},
-                          {"before", buffer, &before, nullptr, 3, kRange},
-                          {"beyond", buffer, nullptr, &beyond, 3, kRange}};
-    for (Case const& each : cases) {
-        SCOPED_TRACE(each.name);
+    constexpr auto kNarrow = L"The output buffer's elements are too small.";
+    auto const measure = [](BufferAttributes of, int const* start, int const* end) {
         double mean = 1;
-        auto const measure = [&] {
-            return CalculateBufferStats(each.buffer, each.start, each.end, nullptr, nullptr, &mean, nullptr);
-        };
-        ExpectRefusal(measure, each.code, each.message);
+        SOLVANE_RETURNCODE const code =
+            CalculateBufferStats(of, start, end, nullptr, nullptr, &mean, nullptr);
         EXPECT_EQ(mean, 1);
-        ExpectRefusal([&] { return NormalizeBuffer(each.buffer, each.start, each.end, &sameSize); },
-                      each.code, each.message);
-    }
-    struct OutputCase {
-        BufferAttributes input;
-        BufferAttributes* output;
-        int code;
-        std::wstring message;
+        return code;
     };
-    OutputCase const outputs[] = {{buffer, nullptr, 2, kNoOutput},
-                                  {shorts, &longer, 7, kSizes},
-                                  {buffer, &sameSize, 2, kNoOutput},
-                                  {buffer, &narrow, 7, L"The output buffer's elements are too small."}};
-    for (OutputCase const& each : outputs)
-        ExpectRefusal([&] { return NormalizeBuffer(each.input, nullptr, nullptr, each.output); }, each.code,
-                      each.message);
+    auto const score = [](BufferAttributes of, int const* start, int const* end, BufferAttributes output) {
+        return NormalizeBuffer(of, start, end, &output);
+    };
+    auto const expectRefusals = [&](auto const& call) {
+        EXPECT_REFUSAL(6, kType, call(shorts, &before, nullptr));
+        EXPECT_REFUSAL(2, kNullImage, call(none, &before, nullptr));
+        EXPECT_REFUSAL(3, kRange, call(buffer, &before, nullptr));
+        EXPECT_REFUSAL(3, kRange, call(buffer, nullptr, &beyond));
+    };
+    expectRefusals(measure);
+    expectRefusals([&](auto... arguments) { return score(arguments..., none); });
+    EXPECT_REFUSAL(2, kNoOutput, NormalizeBuffer(buffer, nullptr, nullptr, nullptr));
+    EXPECT_REFUSAL(7, kSizes, score(shorts, nullptr, nullptr, longer));
+    EXPECT_REFUSAL(2, kNoOutput, score(buffer, nullptr, nullptr, none));
+    EXPECT_REFUSAL(7, kNarrow, score(buffer, nullptr, nullptr, narrow));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "digest/Digest.h"
-#include "support/Images.h"
+#include "support/Regions.h"
 
 namespace ZPA::Testing {
 
@@ -24,7 +24,6 @@ std::vector<Case> FilterCases();
 std::vector<Case> RegionCases();
 std::vector<Case> NumericCases();
 std::vector<Case> FileCases();
-std::vector<Case> ObjectCases();
 
 // Padded rows, no multiple of any vector.
 inline constexpr Shape kSmall{131, 47, 137};
@@ -84,6 +83,10 @@ template <typename T, typename Call> void AddResult(Digest& digest, Shape shape,
     digest.Add(int{call(result.Into())});
     AddImage(digest, result);
 }
+template <typename T, typename Call>
+void AddResult(Digest& digest, TestImage<T> const& like, Call const& call) {
+    AddResult<T>(digest, like.shape, call);
+}
 template <typename T> void AddImageRounded(Digest& digest, TestImage<T> const& image) {
     std::vector<T> pixels;
     for (int y = 0; y < image.shape.height; ++y)
@@ -96,6 +99,27 @@ template <typename T> struct Type { using type = T; };
 template <typename... T, typename Check> void ForTypes(Check const& check) { (check(Type<T>{}), ...); }
 template <typename Check> void ForAllTypes(Check const& check) {
     ForTypes<signed char, unsigned char, short, unsigned short, int, unsigned int, float, double>(check);
+}
+
+// Calls check(image) with an image of each T.
+template <typename... T, typename Check> void ForSamples(unsigned seed, Check const& check) {
+    auto const with = [&](auto image) { check(image); };
+    (with(Sample<T>(kSmall, seed)), ...);
+}
+template <typename Check> void ForAllSamples(unsigned seed, Check const& check) {
+    ForAllTypes([&](auto type) { ForSamples<typename decltype(type)::type>(seed, check); });
+}
+
+// All elements of an image, padding included.
+template <typename T> BufferAttributes BufferOf(TestImage<T>& image) {
+    return {TypeCodeOf<T>, image.Pixels(), static_cast<int>(image.Size())};
+}
+
+// Calls check(roi, mask, origin) for each way to choose pixels.
+template <typename Check> void ForChoices(unsigned seed, Check const& check) {
+    auto mask = Patches<unsigned char>(kSmall, seed);
+    ImageAttributes const selected = mask.Attributes();
+    for (Choice const& choice : Choices(kSmall)) check(choice.Roi(), choice.Mask(selected), choice.Origin());
 }
 
 }  // namespace ZPA::Testing

@@ -110,6 +110,7 @@ std::vector<OperationCall> MakeCalls() {
         BufferAttributes output(image.type, p.moreDoubles, n);
         return DiffBuffer(W::Buffer(image), &output);
     });
+    run("ClipImage", [](W& p) { ClipImage(p.From<short>(), n, -9, 9); });
     addFor(all, {1, 5}, CALL(Add, image, image, &p.made));
     addFor(all, {1, 5}, CALL(Sub, image, image, &p.made));
     addFor(all, {1, 5}, CALL(MulP, W::Square(image), W::Square(image), &p.made));

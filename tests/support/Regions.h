@@ -2,8 +2,10 @@
 #ifndef ZPA_TESTS_SUPPORT_REGIONS_H
 #define ZPA_TESTS_SUPPORT_REGIONS_H
 
+#include <climits>
 #include <string>
 
+#include "support/CapturedLog.h"
 #include "support/Images.h"
 
 namespace ZPA::Testing {
@@ -43,17 +45,48 @@ inline constexpr auto kNullMask = L"The mask had a NULL buffer pointer.";
 inline constexpr auto kOutsideMask = L"The rectangular ROI was out of bounds in the mask.";
 inline constexpr auto kRowsOverlap = L"The image's rows overlap.";
 
-// The whole image and an inner part, each with and without a mask of the shape that MaskShape gives.
+// The whole image and an inner part, each with and without a mask of the shape that MaskShape gives. An origin without
+// a mask counts for nothing.
 inline std::vector<Choice> Choices(Shape shape) {
     int const left = shape.width / 4, top = shape.height / 3;
     Rectangle const whole(0, 0, shape.width, shape.height);
     Rectangle const inner(left, top, shape.width - left, shape.height - top);
     return {{"whole", whole, false, false, {}, false},
-            {"inner", inner, true, false, {}, false},
+            {"inner", inner, true, false, {1, -1}, true},
             {"whole, masked", whole, false, true, {}, false},
+            {"inner, masked from its corner", inner, true, true, {}, false},
             {"inner, masked", inner, true, true, {left / 2, top}, true}};
 }
 inline Shape MaskShape(Shape shape) { return {shape.width, shape.height, shape.stride}; }
+
+// Arguments for an image of 4 x 3 pixels, and what may be wrong with them.
+struct Region {
+    Rectangle const* roi = nullptr;
+    ImageAttributes const* mask = nullptr;
+    APOINT const* origin = nullptr;
+};
+inline Rectangle const kInside(1, 1, 3, 2), kEmpty(0, 0, 0, 1), kNegative(0, -1, 2, 2), kWide(1, 0, 4, 1),
+    kHuge(1, 1, INT_MAX, INT_MAX);
+inline unsigned char maskPixels[12];
+inline ImageAttributes const kMask(eByte, maskPixels, 4, 3, 4, 8, 0), kNoMask(eByte, nullptr, 4, 3, 4, 8, 0),
+    kFloatMask(eSingle, maskPixels, 4, 3, 4, 32, 0), kBackwards(eByte, maskPixels, 4, 3, -4, 8, 0);
+inline APOINT const kBefore(-1, 0), kBeyond(0, 2), kFarBeyond(0, INT_MAX);
+
+// A call with regions that are refused, in the order of what is wrong with them. `maskFirst`: a mask without pixels is
+// refused before anything else is looked at.
+template <typename Call>
+void ExpectRegionRefusals(Call const& call, wchar_t const* outside = kOutsideImage, bool maskFirst = false) {
+    ImageAttributes const* const later = maskFirst ? &kMask : &kNoMask;
+    EXPECT_REFUSAL(3, kEmptyRegion, call({&kEmpty, later, &kBeyond}));
+    EXPECT_REFUSAL(3, outside, call({&kNegative, later, &kBeyond}));
+    EXPECT_REFUSAL(3, outside, call({&kWide, later, &kBeyond}));
+    EXPECT_REFUSAL(3, outside, call({&kHuge, later, &kBeyond}));
+    EXPECT_REFUSAL(2, kNullMask, call({&kInside, &kNoMask, &kBeyond}));
+    EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kBefore}));
+    EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kBeyond}));
+    EXPECT_REFUSAL(3, kOutsideMask, call({&kInside, &kMask, &kFarBeyond}));
+    EXPECT_REFUSAL(7, L"The mask's rows overlap.", call({&kInside, &kBackwards}));
+}
 
 }  // namespace ZPA::Testing
 
