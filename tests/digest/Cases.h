@@ -24,6 +24,7 @@ std::vector<Case> FilterCases();
 std::vector<Case> RegionCases();
 std::vector<Case> NumericCases();
 std::vector<Case> FileCases();
+std::vector<Case> ObjectCases();
 
 // Padded rows, no multiple of any vector.
 inline constexpr Shape kSmall{131, 47, 137};
