@@ -31,8 +31,9 @@ void MapRow(D d, hwy::HWY_NAMESPACE::TFromD<D>* row, std::ptrdiff_t count, Value
     }
     auto const first = value(d, std::ptrdiff_t{0});
     auto const last = value(d, count - kLanes);
-    auto const start = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(row) / sizeof *row);
-    for (std::ptrdiff_t x = kLanes - start % kLanes; x + kLanes <= count; x += kLanes)
+    // Not as a signed number, which addresses of the upper half would turn negative.
+    std::uintptr_t const past = reinterpret_cast<std::uintptr_t>(row) / sizeof *row % hn::MaxLanes(D());
+    for (auto x = kLanes - static_cast<std::ptrdiff_t>(past); x + kLanes <= count; x += kLanes)
         hn::StoreU(value(d, x), d, row + x);
     hn::StoreU(last, d, row + (count - kLanes));
     hn::StoreU(first, d, row);

@@ -137,10 +137,11 @@ void Turn(T const* source, std::ptrdiff_t sourceStride, T* destination, std::ptr
 #else
     // Where all rows of the destination begin at the same place of a line, whole lines begin at row `first`.
     constexpr auto kBytesEach = static_cast<std::ptrdiff_t>(sizeof(T));
-    auto const address = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(destination));
+    auto const address = reinterpret_cast<std::uintptr_t>(destination);
     bool const streams = kStreams<T> && width * height >= kLeastStreamedBytes / kBytesEach &&
-                         destinationStride % kLine<T> == 0 && address % kBytesEach == 0;
-    std::ptrdiff_t const first = streams ? std::min(-address / kBytesEach & (kLine<T> - 1), height) : 0;
+                         destinationStride % kLine<T> == 0 && address % sizeof(T) == 0;
+    auto const toLine = static_cast<std::ptrdiff_t>(-address / sizeof(T)) & (kLine<T> - 1);
+    std::ptrdiff_t const first = streams ? std::min(toLine, height) : 0;
     std::ptrdiff_t const step = streams ? kLine<T> : kSide<T>;
     std::ptrdiff_t const squaresWidth = width - width % kSide<T>;
     std::ptrdiff_t const squaresHeight = height - first - (height - first) % step;

@@ -133,8 +133,8 @@ template <typename T> bool Streams(Place<T> const& place, Size size) {
 template <class D, typename T = hn::TFromD<D>>
 void StreamTiles(D d, Window<T> const& window, Place<T> const& place, std::ptrdiff_t width) {
     auto const tileWidth = 2 * static_cast<std::ptrdiff_t>(hn::Lanes(d));
-    auto const address = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(place.sums));
-    std::ptrdiff_t const first = -(address / static_cast<std::ptrdiff_t>(sizeof(T))) & (kLine<T> - 1);
+    auto const address = reinterpret_cast<std::uintptr_t>(place.sums);
+    std::ptrdiff_t const first = static_cast<std::ptrdiff_t>(-address / sizeof(T)) & (kLine<T> - 1);
     for (std::ptrdiff_t x = 0; x < first; x += tileWidth) WeighTile<false>(d, window, place.At(x, 0));
     std::ptrdiff_t x = first;
     for (; x + tileWidth <= width; x += tileWidth) {

@@ -84,6 +84,7 @@ void PixelByPixel(Digest& digest) {
     ForAllTypes([&](auto type) {
         Binary<typename decltype(type)::type>(digest, kSmall, {Add, Sub, MulP, DivP});
     });
+    Binary<unsigned char>(digest, kLarge, {Add});  // whose rows may lie in the upper half of 32-bit memory
     Binary<unsigned short>(digest, kLarge, {Add});
     Binary<float>(digest, kLarge, {Add});
     ForSamples<unsigned char, short, unsigned short, float>(11, [&](auto& image) {
