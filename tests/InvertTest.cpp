@@ -32,10 +32,10 @@ TYPED_TEST(InversionOf, IsThatOfTheModelOnEverySimdTarget) {
                     for (int x = 0; x < choice.area.width; ++x) {
                         int const column = choice.area.x + x, row = choice.area.y + y;
                         TypeParam const pixel = image.At(column, row);
-                        int const selects = mask.At(choice.origin.x + x, choice.origin.y + y);
-                        if (!choice.masked || selects != 0)
-                            gray.At(column, row) = static_cast<TypeParam>(pixel ^ key);
-                        if (!choice.masked || selects == 1) negated.At(column, row) = pixel == 0;
+                        int const selects =
+                            choice.masked ? mask.At(choice.origin.x + x, choice.origin.y + y) : 1;
+                        if (selects != 0) gray.At(column, row) = static_cast<TypeParam>(pixel ^ key);
+                        if (selects == 1) negated.At(column, row) = pixel == 0;
                     }
                 ImageAttributes const* const chosen = choice.Mask(maskAttributes);
                 ForEachSimdTarget([&] {
