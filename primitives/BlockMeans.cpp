@@ -1,4 +1,5 @@
-// Means over blocks of 16-bit pixels: sums of columns, added up along the row, and divided by a product with the reciprocal.
+// Means over blocks of 16-bit pixels: sums of columns, added up along the row, and divided by a product with the
+// reciprocal.
 #include "primitives/BlockMeans.h"
 
 #include <algorithm>

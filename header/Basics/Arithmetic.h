@@ -139,7 +139,8 @@ ZPA_C_API SOLVANE_RETURNCODE ipp_add(ImageAttributes first, ImageAttributes seco
 /// @param second  The matrix on the right.
 /// @param output  In and out. With a null pixel pointer it becomes a copy of the second image's description
 ///                with the first one's height, with new pixels that belong to the caller; they are freed, and
-///                the pointer is null again, if the operation fails after that.
+///                the pointer is null again, if the operation fails after that. Its pixels lie apart from those
+///                of the inputs: what overlaps them in part is not refused, and undefined.
 ///
 /// @retval 0    Done.
 /// @retval 4    The first width is not the second height: "Incorrect dimensions."
